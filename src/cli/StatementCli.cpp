@@ -1,0 +1,27 @@
+#include "cli/StatementCli.h"
+
+#include <QTextStream>
+
+namespace {
+
+const char kUsage[] =
+    "usage:\n"
+    "  yunqi-statement invoice|preinvoice|parking [--database FILE] --dept CODE --from YYYY-MM-DD "
+    "--to YYYY-MM-DD [--ratio ITEMCODE=DEV/PROP]... [--csv PATH|-] [--xlsx PATH] [--sql-log PATH]\n"
+    "  yunqi-statement reconciliation [--database FILE] --dept CODE --year YYYY --months MM-MM "
+    "[--csv PATH|-] [--xlsx PATH] [--sql-log PATH]\n"
+    "  yunqi-statement make-demo-db FILE [--tickets N] [--seed S]\n";
+
+int Usage(const QString& problem) {
+    QTextStream err(stderr);
+    if (!problem.isEmpty()) err << "yunqi-statement: " << problem << "\n";
+    err << kUsage;
+    return 2;
+}
+
+}  // namespace
+
+int RunStatementCli(const QStringList& args) {
+    if (args.isEmpty()) return Usage(QString());
+    return Usage(QStringLiteral("unknown command: ") + args.first());
+}

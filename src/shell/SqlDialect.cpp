@@ -1,0 +1,3 @@
+#include "shell/SqlDialect.h"
+
+QString AdaptToSQLite(const QString& sql) { return sql; }
