@@ -1,0 +1,39 @@
+#include "frame/DetailRows.h"
+
+namespace {
+const QString kEmpty;
+}
+
+DetailRows::DetailRows(int feeColumnCount) : feeColumns_(feeColumnCount) { Append(); }
+
+int DetailRows::Append() {
+    dateText_.emplace_back();
+    ticketNo_.emplace_back();
+    payMethod_.emplace_back();
+    payer_.emplace_back();
+    kind_.push_back(Kind::None);
+    flags_.push_back(0);
+    rowTotal_.push_back(0);
+    fees_.resize(fees_.size() + feeColumns_, 0.0);
+    return UpperBound();
+}
+
+void DetailRows::SetTicket(int r, QString no, Kind kind) {
+    ticketNo_[r] = std::move(no);
+    kind_[r] = kind;
+}
+
+const QString& DetailRows::NumberIf(int r, Kind k) const {
+    return kind_[r] == k ? ticketNo_[r] : kEmpty;
+}
+
+void DetailRows::Reserve(int rows) {
+    dateText_.reserve(rows);
+    ticketNo_.reserve(rows);
+    payMethod_.reserve(rows);
+    payer_.reserve(rows);
+    kind_.reserve(rows);
+    flags_.reserve(rows);
+    rowTotal_.reserve(rows);
+    fees_.reserve(std::size_t(rows) * feeColumns_);
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+
+#include "frame/FeeItem.h"
+#include "frame/FlexGrid.h"
+#include "frame/StatementConditions.h"
+#include "frame/TextMeasure.h"
+
+// A statement shown page by page: what a report window with a pager asks of
+// its report. The window moves data between its controls and this object.
+//   grid1: MSFlexGrid1, the statement grid; grid2: MSFlexGrid2, the split ratios.
+class PagedStatement {
+public:
+    virtual ~PagedStatement() = default;
+
+    // The default header, before any fee item is known.
+    virtual void InitGridHeader(FlexGrid& grid1) const = 0;
+    // Finds the department's fee items in the window, fills FeeItems and the
+    // split-ratio grid with the default percentages, and lays the header when
+    // any item was found.
+    virtual void ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
+                                 FlexGrid& grid1) = 0;
+    // Lays the header from FeeItems and the percentages; sets FeeColumnCount.
+    virtual void BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) = 0;
+    // Computes the rows; true when there is at least one. Sets PageCount.
+    virtual bool RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
+                               int pageSize) = 0;
+    // Writes one page under the header (grid1 keeps its two header rows).
+    virtual void ShowPage(FlexGrid& grid1, int page, int pageSize,
+                          const TextMeasure& measure) const = 0;
+
+    virtual const FeeItemList& FeeItems() const = 0;
+    virtual int FeeColumnCount() const = 0;
+    virtual int PageCount() const = 0;
+};
