@@ -1,0 +1,42 @@
+#include "frame/FeeColumnReader.h"
+
+#include "frame/ValueRules.h"
+
+using ValueRules::Round2;
+
+FeeColumnReader::FeeColumnReader(const Recordset& rs, int base, int count) : base_(base) {
+    isDeveloper_.resize(count + 1, 0);
+    for (int j = 1; j <= count; ++j)
+        isDeveloper_[j] = rs.FieldName(base + j).contains(QStringLiteral("KFS"));
+}
+
+void FeeColumnReader::Read(const Recordset& rs, DetailRows& rows, int r) const {
+    const int count = int(isDeveloper_.size()) - 1;
+    for (int j = 1; j <= count; ++j) {
+        const int pos = base_ + j;
+        if (rs.IsNull(pos)) {
+            rows.SetFeeAmount(r, j, 0);
+            continue;
+        }
+        const double c = ValueRules::NumberOf(rs.Value(pos));
+        if (!isDeveloper_[j]) {
+            rows.SetFeeAmount(r, j, Round2(c));
+        } else {
+            const double t = rs.IsNull(pos + 1) ? 0 : Round2(ValueRules::NumberOf(rs.Value(pos + 1)));
+            rows.SetFeeAmount(r, j, Round2(c - t));
+        }
+    }
+}
+
+double FeeColumnReader::Total(const DetailRows& rows, int r) {
+    double total = 0;
+    for (int j = 1; j <= rows.FeeColumnCount(); ++j) total += rows.FeeAmount(r, j);
+    return total;
+}
+
+QString PayerTextOf(const QVariant& payer, const QVariant& address) {
+    QString text = ValueRules::RemoveCrLf(ValueRules::TextOf(payer));
+    if (!address.isNull() && address.isValid())
+        text += ' ' + ValueRules::RemoveCrLf(ValueRules::TextOf(address));
+    return text;
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "frame/DetailRows.h"
+#include "shell/Recordset.h"
+
+// Reads the money columns of a statement's result into a row. Amounts are
+// rounded to the cent here and only here; a 开发商 column (its name holds
+// "KFS") gets the whole less the rounded 物业 share of the column after it.
+class FeeColumnReader {
+public:
+    // The money columns are at positions base + 1 .. base + count.
+    FeeColumnReader(const Recordset& rs, int base, int count);
+
+    void Read(const Recordset& rs, DetailRows& rows, int r) const;
+    // The sum of a row's money columns, in column order.
+    static double Total(const DetailRows& rows, int r);
+
+private:
+    int base_;
+    std::vector<char> isDeveloper_;
+};
+
+// 付款人 and, when present, a blank and 地址; CR LF pairs removed. A Null
+// 付款人 is an invalid use of Null.
+QString PayerTextOf(const QVariant& payer, const QVariant& address);

@@ -1,0 +1,43 @@
+#include "frame/FeeItemReader.h"
+
+#include "frame/ValueRules.h"
+
+using namespace ValueRules;
+
+QString AliasSafeName(QString name) {
+    for (const QString& c : {QStringLiteral("("), QStringLiteral(")"), QStringLiteral("）"),
+                             QStringLiteral("（"), QStringLiteral("%")})
+        name.remove(c);
+    return name;
+}
+
+FeeItemList ReadFeeItems(Recordset& rs) {
+    FeeItemList items(1);
+    const int fCode = rs.IndexOf(QStringLiteral("收费项目代号"));
+    const int fRate = rs.IndexOf(QStringLiteral("税率"));
+    const int fName = rs.IndexOf(QStringLiteral("xm"));
+    const int fCategory = rs.IndexOf(QStringLiteral("收费类别"));
+    for (; !rs.AtEnd(); rs.MoveNext()) {
+        FeeItem item;
+        if (!rs.IsNull(fCode)) item.ItemCode = '\'' + TextOf(rs.Value(fCode)) + '\'';
+        item.ItemName = AliasSafeName(TextOrEmpty(rs.Value(fName)));
+        item.Category = TextOrEmpty(rs.Value(fCategory));
+        item.TaxRate = rs.IsNull(fRate) ? 0 : Round2(NumberOf(rs.Value(fRate)));
+        if (!item.ItemName.isEmpty()) item.TaxAlias = item.ItemName + QStringLiteral("税额");
+        items.push_back(std::move(item));
+    }
+    return items;
+}
+
+QString PresenceCondition(const FeeItemList& items) {
+    QString text;
+    for (std::size_t i = 1; i < items.size(); ++i) {
+        const QString name =
+            items[i].IsParking() ? items[i].ItemName + QStringLiteral("KFS") : items[i].ItemName;
+        if (text.isEmpty())
+            text = name + QStringLiteral(" Is Not Null");
+        else
+            text += QStringLiteral(" Or ") + name + QStringLiteral(" Is Not Null");
+    }
+    return text;
+}

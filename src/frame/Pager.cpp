@@ -1,0 +1,60 @@
+#include "frame/Pager.h"
+
+#include "frame/RuntimeError.h"
+#include "frame/ValueRules.h"
+
+namespace Pager {
+
+int PageSizeFor(int gridHeight, int rowHeight) {
+    return int(ValueRules::RoundHalfEven(double(gridHeight) / rowHeight - 1));
+}
+
+int PageCountOf(int rows, int pageSize) {
+    if (pageSize == 0) throw RuntimeError(11, QStringLiteral("Division by zero"));
+    return rows / pageSize + (rows % pageSize != 0 ? 1 : 0);
+}
+
+QString PageText(int currentPage, int pageCount) {
+    return QStringLiteral("第 ") + ValueRules::Format00(currentPage) + QStringLiteral(" 页 共 ") +
+           ValueRules::Format00(pageCount) + QStringLiteral(" 页");
+}
+
+QString EmptyPageText() { return QStringLiteral("第 00 页 共 00 页"); }
+
+int FirstRowOf(int page, int pageSize) { return (page - 1) * pageSize + 1; }
+
+int TargetPage(PagerImage image, int currentPage, int pageCount) {
+    switch (image) {
+        case PagerImage::First:
+            return 1;
+        case PagerImage::Previous:
+            return currentPage - 1 < 2 ? 1 : currentPage - 1;
+        case PagerImage::Next:
+            return currentPage + 1 > pageCount ? pageCount : currentPage + 1;
+        case PagerImage::Last:
+            return pageCount;
+    }
+    return currentPage;
+}
+
+QString ToolTipOf(PagerImage image) {
+    switch (image) {
+        case PagerImage::First:
+            return QStringLiteral("首页");
+        case PagerImage::Previous:
+            return QStringLiteral("上一页");
+        case PagerImage::Next:
+            return QStringLiteral("下一页");
+        case PagerImage::Last:
+            return QStringLiteral("尾页");
+    }
+    return QString();
+}
+
+std::optional<int> PageFromText(const QString& text, int pageCount) {
+    const double value = ValueRules::Val(text);
+    if (value > 0 && value <= pageCount) return int(ValueRules::RoundHalfEven(value));
+    return std::nullopt;
+}
+
+}  // namespace Pager

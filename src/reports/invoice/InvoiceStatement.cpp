@@ -1,0 +1,294 @@
+#include "reports/invoice/InvoiceStatement.h"
+
+#include "frame/DetailHeader.h"
+#include "frame/FeeColumnReader.h"
+#include "frame/FeeItemReader.h"
+#include "frame/Pager.h"
+#include "frame/SplitRatios.h"
+#include "frame/ValueRules.h"
+#include "reports/invoice/InvoiceTexts.h"
+
+using namespace ValueRules;
+
+namespace {
+
+const DetailHeaderPlan& Plan() {
+    static const DetailHeaderPlan plan{
+        {
+            {QStringLiteral("序"), QStringLiteral("序"), 500, true},
+            {QStringLiteral("开票日期"), QStringLiteral("开票日期"), 1200, true},
+            {QStringLiteral("增值税发票"), QStringLiteral("专用发票"), 1200, false},
+            {QStringLiteral("增值税发票"), QStringLiteral("普通发票"), 1200, false},
+            {QStringLiteral("增值税发票"), QStringLiteral("电子发票"), 1200, false},
+            {QStringLiteral("收据"), QStringLiteral("收据"), 2000, true},
+        },
+        true,
+    };
+    return plan;
+}
+
+// A ticket belongs to the window when issued in it, or paid in it and issued
+// before the day of payment.
+QString DateClause(const QString& d1, const QString& d2) {
+    return QStringLiteral(" And (Convert(Char(8),开票日期,112) Between '") + d1 +
+           QStringLiteral("' And '") + d2 + QStringLiteral("'") +
+           QStringLiteral(" Or (Convert(Char(8),收款日期,112) Between '") + d1 +
+           QStringLiteral("' And '") + d2 +
+           QStringLiteral("' And CONVERT(char(8),开票日期,112)<CONVERT(char(8),收款日期,112)))");
+}
+
+const QString kNet = QStringLiteral(
+    "票据开票数据.金额 - (Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End)");
+const QString kNetTight = QStringLiteral(
+    "票据开票数据.金额-(Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End)");
+
+DetailRows::Kind KindOf(const QString& typeName) {
+    if (typeName.contains(QStringLiteral("专用发票"))) return DetailRows::Kind::Special;
+    if (typeName.contains(QStringLiteral("普通发票"))) return DetailRows::Kind::Ordinary;
+    if (typeName.contains(QStringLiteral("电子发票"))) return DetailRows::Kind::Electronic;
+    return DetailRows::Kind::Receipt;
+}
+
+}  // namespace
+
+void InvoiceStatement::InitGridHeader(FlexGrid& grid1) const { DetailHeader::Init(grid1, Plan()); }
+
+void InvoiceStatement::BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) {
+    feeColumnCount_ = DetailHeader::Build(grid1, Plan(), feeItems_, grid2);
+}
+
+QString InvoiceStatement::FeeItemSql(const StatementConditions& k) {
+    const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
+    QString sql = QStringLiteral("Select distinct 收费项目代号, setupsfxm.税率,XM , 收费类别,显示名称");
+    sql += QStringLiteral(" From 票据");
+    sql += QStringLiteral(
+        " inner join 票据开票数据 on 票据.票据编号  =票据开票数据.票据编号 And 票据.入库单编号 = "
+        "票据开票数据.入库单编号");
+    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
+    sql += QStringLiteral(" inner join setupsfxm on 收费项目代号=dh");
+    sql += QStringLiteral(" Where  (作废日期 Is Null Or 作废日期 Is Not Null)");
+    sql += DateClause(d1, d2);
+    sql += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+    sql += QStringLiteral(" group by  setupsfxm.税率,收费项目代号,xm,收费类别,显示名称");
+    sql += QStringLiteral(" order by 收费项目代号");
+    return sql;
+}
+
+void InvoiceStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
+                                       FlexGrid& grid1) {
+    session_.SetCommandTimeout(0);
+    Recordset rs = session_.Open(FeeItemSql(conditions));
+    feeItems_ = ReadFeeItems(rs);
+    SplitRatios::Fill(grid2, feeItems_);
+    if (feeItems_.size() > 1) BuildGridHeader(grid1, grid2);
+}
+
+QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
+                                        const FlexGrid& grid2) const {
+    const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
+    const QString dateClause = DateClause(d1, d2);
+    const int count = int(feeItems_.size()) - 1;
+
+    // Stage one: the lines of each fee item.
+    std::vector<QString> sub(count + 1);
+    for (int i = 1; i <= count; ++i) {
+        const FeeItem& item = feeItems_[i];
+        QString& s = sub[i];
+        if (!item.IsParking()) {
+            s = QStringLiteral("Select  ") + kNet + QStringLiteral(" as ") + item.ItemName +
+                QStringLiteral(" , 票据开票数据.税额 as ") + item.TaxAlias +
+                QStringLiteral(", 票据开票数据.票据编号 , 票据开票数据.入库单编号");
+        } else {
+            for (int r = 1; r < grid2.Rows(); ++r) {
+                if (grid2.TextMatrix(r, SplitRatios::kCodeCol) != item.ItemCode) continue;
+                s = QStringLiteral("Select (") + kNetTight + QStringLiteral(") * ") +
+                    SplitRatios::RatioText(grid2, r) + QStringLiteral(" as ") + item.ItemName +
+                    QStringLiteral("WY") + QStringLiteral(",");
+                s += QStringLiteral(" (") + kNet + QStringLiteral(") As ") + item.ItemName +
+                     QStringLiteral("KFS") + QStringLiteral(",");
+            }
+            s += QStringLiteral(" 票据开票数据.税额 as ") + item.TaxAlias +
+                 QStringLiteral(", 票据开票数据.票据编号 , 票据开票数据.入库单编号");
+        }
+        s += QStringLiteral(" From 票据开票数据");
+        s += QStringLiteral(
+            " Inner Join 票据  on 票据开票数据.入库单编号  =票据.入库单编号 and 票据开票数据.票据编号 "
+            "= 票据.票据编号");
+        s += QStringLiteral(" Inner Join 票据入库单 on 票据开票数据.入库单编号 =票据入库单.入库单编号");
+        s += QStringLiteral(" Inner Join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
+        s += QStringLiteral(" Where  (作废日期 Is Null Or 作废日期 Is Not Null)");
+        s += dateClause;
+        s += QStringLiteral(" And 收费项目代号 in (") + item.ItemCode + QStringLiteral(")");
+        s += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+        s += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
+    }
+
+    // Stage two: the tickets with the items' lines beside them.
+    QString sql = QStringLiteral(
+        "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
+        "票据.金额, 收款方式, 付款人, 地址, 票据.被换票票据编号 ");
+    for (int i = 1; i <= count; ++i) {
+        const FeeItem& item = feeItems_[i];
+        const QString b = QStringLiteral("B") + QString::number(i);
+        if (!item.IsParking()) {
+            sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral(" , ") + b + '.' +
+                   item.TaxAlias;
+        } else {
+            for (int r = 1; r < grid2.Rows(); ++r) {
+                if (grid2.TextMatrix(r, SplitRatios::kCodeCol) != item.ItemCode) continue;
+                sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral("KFS");
+                sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral("WY");
+                sql += QStringLiteral(" , ") + b + '.' + item.TaxAlias;
+            }
+        }
+    }
+    sql += QStringLiteral(" From 票据");
+    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
+    sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
+    for (int i = 1; i <= count; ++i) {
+        const QString b = QStringLiteral("B") + QString::number(i);
+        sql += QStringLiteral(" LEFT Join (") + sub[i] + QStringLiteral(") ") + b +
+               QStringLiteral(" On 票据.票据编号 = ") + b + QStringLiteral(".票据编号 And 票据.入库单编号 = ") +
+               b + QStringLiteral(".入库单编号");
+    }
+    sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+    sql += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
+    sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
+    sql += dateClause;
+    sql += QStringLiteral(" Order by 票据.开票日期,票据编号");
+    return sql;
+}
+
+bool InvoiceStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
+                                     int pageSize) {
+    const QString sql = StatisticsSql(k, grid2);
+    session_.SetCommandTimeout(0);
+    Recordset rs = session_.Open(sql);
+
+    const int n = feeColumnCount_;
+    rows_ = DetailRows(n);
+    const int fNo = rs.IndexOf(QStringLiteral("票据编号"));
+    const int fType = rs.IndexOf(QStringLiteral("票据类型"));
+    const int fIssued = rs.IndexOf(QStringLiteral("开票日期"));
+    const int fPaid = rs.IndexOf(QStringLiteral("收款日期"));
+    const int fVoided = rs.IndexOf(QStringLiteral("作废日期"));
+    const int fAmount = rs.IndexOf(QStringLiteral("金额"));
+    const int fMethod = rs.IndexOf(QStringLiteral("收款方式"));
+    const int fPayer = rs.IndexOf(QStringLiteral("付款人"));
+    const int fAddress = rs.IndexOf(QStringLiteral("地址"));
+    const int fReplaced = rs.IndexOf(QStringLiteral("被换票票据编号"));
+    const FeeColumnReader fees(rs, 10, n);
+    const QString windowMonth = FormatYm(k.From);
+    const QString windowEnd = FormatYmd(k.To);
+
+    // Status words stand where the payment method would, with no money.
+    auto status = [&](int r, const QString& positive, const QString& negative) {
+        rows_.SetPayerText(r, PayerTextOf(rs.Value(fPayer), rs.Value(fAddress)));
+        rows_.SetPayMethod(r, NumberOf(rs.Value(fAmount)) >= 0 ? positive : negative);
+    };
+
+    while (!rs.AtEnd()) {
+        const int r = rows_.Append();
+        const QVariant issued = rs.Value(fIssued);
+        rows_.SetDateText(r, DateTextDash(issued));
+        const bool voided = !rs.IsNull(fVoided);
+        const bool replaced = !rs.IsNull(fReplaced);
+        rows_.SetFlags(r, voided, replaced);
+        rows_.SetTicket(r, TextOrEmpty(rs.Value(fNo)), KindOf(TextOrEmpty(rs.Value(fType))));
+        if (voided) {
+            status(r, QStringLiteral("作废"), QStringLiteral("负票"));
+        } else if (replaced) {
+            status(r, QStringLiteral("换票"), QStringLiteral("换负"));
+        } else if (!(DateText6(issued) < windowMonth) &&
+                   (rs.IsNull(fPaid) || DateText8(rs.Value(fPaid)) > windowEnd)) {
+            // Issued ahead of payment.
+            rows_.SetPayerText(r, PayerTextOf(rs.Value(fPayer), rs.Value(fAddress)));
+            rows_.SetPayMethod(r, QStringLiteral("预开"));
+        } else {
+            fees.Read(rs, rows_, r);
+            rows_.SetPayerText(r, PayerTextOf(rs.Value(fPayer), rs.Value(fAddress)));
+            rows_.SetPayMethod(r, TextOrEmpty(rs.Value(fMethod)));
+            rows_.SetRowTotal(r, FeeColumnReader::Total(rows_, r));
+        }
+        rs.MoveNext();
+    }
+
+    const int tickets = rows_.UpperBound();
+    if (tickets == 0) return false;
+
+    // The total row.
+    std::vector<double> totals(n + 2, 0.0);
+    for (int r = 1; r <= tickets; ++r) {
+        for (int c = 1; c <= n; ++c) totals[c] += rows_.FeeAmount(r, c);
+        totals[n + 1] += rows_.RowTotal(r);
+    }
+    const int totalRow = rows_.Append();
+    rows_.SetDateText(totalRow, QStringLiteral("合  计"));
+    for (int c = 1; c <= n; ++c) rows_.SetFeeAmount(totalRow, c, totals[c]);
+    rows_.SetRowTotal(totalRow, totals[n + 1]);
+
+    // The breakdown by payment method; the scan takes in the total row.
+    session_.SetCommandTimeout(0);
+    Recordset methods = session_.Open(QStringLiteral("Select * From 收款方式列表"));
+    const int fName = methods.IndexOf(QStringLiteral("收款方式"));
+    QStringList names;
+    for (; !methods.AtEnd(); methods.MoveNext()) names << TextOrEmpty(methods.Value(fName));
+    std::vector<double> sums(names.size(), 0.0);
+    for (int i = 0; i < names.size(); ++i)
+        for (int r = 1; r <= rows_.UpperBound(); ++r)
+            if (rows_.PayMethod(r) == names[i]) sums[i] += rows_.RowTotal(r);
+    bool first = true;
+    for (int i = 0; i < names.size(); ++i) {
+        if (sums[i] == 0) continue;
+        const int r = rows_.Append();
+        if (first) rows_.SetDateText(r, QStringLiteral("其中"));
+        first = false;
+        rows_.SetPayMethod(r, names[i]);
+        rows_.SetRowTotal(r, sums[i]);
+    }
+
+    pageCount_ = Pager::PageCountOf(rows_.UpperBound(), pageSize);
+    return true;
+}
+
+void InvoiceStatement::ShowPage(FlexGrid& grid, int page, int pageSize,
+                                const TextMeasure& measure) const {
+    const int n = feeColumnCount_;
+    grid.SetRows(2);
+    grid.SetVisible(false);
+    grid.SetWordWrap(true);
+    const int last = rows_.UpperBound();
+    int written = 0;
+    for (int r = Pager::FirstRowOf(page, pageSize); r <= last; ++r) {
+        grid.SetRows(grid.Rows() + 1);
+        const int g = grid.Rows() - 1;
+        grid.SetRow(g);
+        grid.SetTextMatrix(g, 0, QString::number(r));
+        grid.SetColAlignment(0, FlexGrid::AlignCenterCenter);
+        const QString& date = rows_.DateText(r);
+        if (date.isEmpty() || date == QStringLiteral("其中")) {
+            grid.SetColAlignment(1, FlexGrid::AlignCenterCenter);
+            grid.SetTextMatrix(g, 1, date);
+            grid.SetTextMatrix(g, 6 + n, Format0_00(rows_.RowTotal(r)));
+            grid.SetTextMatrix(g, 7 + n, rows_.PayMethod(r));
+        } else {
+            for (int c = 1; c <= 5; ++c) grid.SetColAlignment(c, FlexGrid::AlignCenterCenter);
+            grid.SetTextMatrix(g, 1, date);
+            grid.SetTextMatrix(g, 2, rows_.SpecialNo(r));
+            grid.SetTextMatrix(g, 3, rows_.OrdinaryNo(r));
+            grid.SetTextMatrix(g, 4, rows_.ElectronicNo(r));
+            grid.SetTextMatrix(g, 5, rows_.ReceiptNo(r));
+            for (int j = 1; j <= n; ++j)
+                grid.SetTextMatrix(g, 5 + j, Format0_00(rows_.FeeAmount(r, j)));
+            grid.SetTextMatrix(g, 6 + n, Format0_00(rows_.RowTotal(r)));
+            grid.SetTextMatrix(g, 7 + n, rows_.PayMethod(r));
+            grid.SetColAlignment(8 + n, FlexGrid::AlignLeftCenter);
+            grid.SetTextMatrix(g, 8 + n, rows_.PayerText(r));
+            if (measure.TextWidth(rows_.PayerText(r)) > grid.ColWidth(8 + n))
+                grid.SetRowHeight(g, 600);
+        }
+        if (++written == pageSize) break;
+    }
+    grid.SetVisible(true);
+    grid.Touch();
+}
