@@ -2,6 +2,12 @@
 
 #include <QTextStream>
 
+#include "cli/ConsoleDialogs.h"
+#include "cli/PagedStatementCommand.h"
+#include "cli/StatementSession.h"
+#include "reports/invoice/InvoiceStatement.h"
+#include "reports/invoice/InvoiceTexts.h"
+
 namespace {
 
 const char kUsage[] =
@@ -23,5 +29,16 @@ int Usage(const QString& problem) {
 
 int RunStatementCli(const QStringList& args) {
     if (args.isEmpty()) return Usage(QString());
+    static ConsoleDialogs dialogs;
+    SetAppDialogs(&dialogs);
+    const QString& command = args.first();
+    if (command == QLatin1String("invoice")) {
+        const PagedReport report{
+            InvoiceTexts(),
+            [](DatabaseSession& s) { return std::make_unique<InvoiceStatement>(s); },
+            nullptr,
+        };
+        return RunPagedStatement(report, args.mid(1), OpenStatementSession);
+    }
     return Usage(QStringLiteral("unknown command: ") + args.first());
 }

@@ -1,0 +1,9 @@
+#include "cli/ConsoleDialogs.h"
+
+#include <QTextStream>
+
+MsgResult ConsoleDialogs::MsgBox(const QString& text, const QString& title, MsgIcon,
+                                 MsgButtons buttons) {
+    QTextStream(stderr) << title << ": " << text << "\n";
+    return buttons == MsgButtons::YesNo ? MsgResult::No : MsgResult::Ok;
+}

@@ -1,0 +1,101 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "cli/GridCsv.h"
+#include "cli/StatementCli.h"
+#include "support/TestDatabase.h"
+
+namespace {
+
+class InvoiceCommand : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        db.Exec("INSERT INTO 职能部门new VALUES ('D1','一部',NULL),('D2','二部',NULL)");
+        db.Exec("INSERT INTO 设置管理处 VALUES ('D1','S01','东区'),('D2','S02','西区')");
+        db.Exec("INSERT INTO 票据类型 VALUES ('01','增值税专用发票',0),('04','收据',0)");
+        db.Exec("INSERT INTO 票据入库单 VALUES ('S1','01'),('S4','04')");
+        db.Exec(
+            "INSERT INTO setupsfxm VALUES ('01','物业费',0.06,'物业收费','物业费'),"
+            "('02','停车费(月)',0.05,'停车收费','停车费')");
+        db.Exec("INSERT INTO 收款方式列表 VALUES ('现金')");
+        db.AddTicket("0001", "S1", "2024-03-01", "2024-03-01", QString(), 106, "现金",
+                     "甲,\"乙\"\n丙", QString(), "D1");
+        db.AddLine("S1", "0001", "01", 106, "6");
+        db.AddTicket("0002", "S4", "2024-03-02", "2024-03-02", QString(), 100, "现金", "丁",
+                     QString(), "D1");
+        db.AddLine("S4", "0002", "02", 100, "NULL");
+    }
+
+    int Run(QStringList extra) {
+        QStringList args{"invoice",    "--database", db.Path(),    "--dept", "D1",   "--from",
+                         "2024-01-01", "--to",       "2024-12-31", "--csv",  csvPath};
+        return RunStatementCli(args + extra);
+    }
+    QStringList CsvLines() const {
+        QFile f(csvPath);
+        if (!f.open(QIODevice::ReadOnly)) return {};
+        return QString::fromUtf8(f.readAll()).split('\n');
+    }
+
+    TestDatabase db;
+    QTemporaryDir dir;
+    QString csvPath = dir.filePath("out.csv");
+};
+
+}  // namespace
+
+TEST(GridCsvTest, QuotesOnlyWhatNeedsIt) {
+    EXPECT_EQ(CsvField("plain 文本"), "plain 文本");
+    EXPECT_EQ(CsvField("a,b"), "\"a,b\"");
+    EXPECT_EQ(CsvField("say \"hi\""), "\"say \"\"hi\"\"\"");
+    EXPECT_EQ(CsvField("line\rbreak"), "\"line\rbreak\"");
+    EXPECT_EQ(CsvField("line\nbreak"), "\"line\nbreak\"");
+}
+
+TEST_F(InvoiceCommand, WritesHeaderAndEveryBodyRow) {
+    ASSERT_EQ(Run({"--ratio", "02=60/40"}), 0);
+    const QString text = [&] {
+        QFile f(csvPath);
+        f.open(QIODevice::ReadOnly);
+        return QString::fromUtf8(f.readAll());
+    }();
+    ASSERT_TRUE(text.endsWith('\n'));
+    // Columns: 6 leading, 物业费 (2), 停车费月 (3), 合计, 收款方式, 付款人 = 14.
+    const QStringList lines = CsvLines();
+    ASSERT_GE(lines.size(), 2);
+    EXPECT_EQ(lines[0].count(','), 13);
+    EXPECT_TRUE(
+        lines[0].startsWith(QStringLiteral("序,开票日期,增值税发票,增值税发票,增值税发票,收据,")));
+    EXPECT_TRUE(lines[1].contains(QStringLiteral("开发商60%")));
+    EXPECT_TRUE(lines[1].contains(QStringLiteral("物业40%")));
+    // The payer with a comma, quotes and a line feed stays one quoted field.
+    EXPECT_TRUE(text.contains(QStringLiteral(",现金,\"甲,\"\"乙\"\"\n丙\"\n2,")));
+    EXPECT_TRUE(text.contains(
+        QStringLiteral("\n2,2024-03-02,,,,0002,0.00,0.00,60.00,40.00,0.00,100.00,现金,丁\n")))
+        << text.toStdString();
+    EXPECT_TRUE(
+        text.contains(QStringLiteral("\n3,合  计,,,,,100.00,6.00,60.00,40.00,0.00,206.00,,\n")));
+    EXPECT_TRUE(text.contains(QStringLiteral("\n4,其中,,,,,,,,,,206.00,现金,\n")));
+}
+
+TEST_F(InvoiceCommand, ExitStatusesTellWhatHappened) {
+    EXPECT_EQ(RunStatementCli({"invoice", "--database", db.Path(), "--dept", "D1", "--from",
+                               "2025-01-01", "--to", "2025-12-31"}),
+              3);
+    EXPECT_EQ(Run({"--ratio", "02=60/30"}), 2);
+    EXPECT_EQ(Run({"--ratio", "09=60/40"}), 2);
+    EXPECT_EQ(Run({"--bogus", "x"}), 2);
+    EXPECT_EQ(RunStatementCli({"invoice", "--database", db.Path(), "--dept", "D1", "--from",
+                               "2024-13-01", "--to", "2024-12-31"}),
+              2);
+    EXPECT_EQ(RunStatementCli({"invoice", "--database", db.Path(), "--dept", "D9", "--from",
+                               "2024-01-01", "--to", "2024-12-31"}),
+              2);
+    EXPECT_EQ(RunStatementCli({"invoice", "--database", db.Path() + ".missing", "--dept", "D1",
+                               "--from", "2024-01-01", "--to", "2024-12-31"}),
+              1);
+    EXPECT_FALSE(QFile::exists(db.Path() + ".missing"));
+    EXPECT_FALSE(QFile::exists(csvPath));
+}
