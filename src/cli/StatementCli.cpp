@@ -3,6 +3,7 @@
 #include <QTextStream>
 
 #include "cli/ConsoleDialogs.h"
+#include "cli/MakeDemoDbCommand.h"
 #include "cli/PagedStatementCommand.h"
 #include "cli/StatementSession.h"
 #include "reports/invoice/InvoiceStatement.h"
@@ -32,6 +33,7 @@ int RunStatementCli(const QStringList& args) {
     static ConsoleDialogs dialogs;
     SetAppDialogs(&dialogs);
     const QString& command = args.first();
+    if (command == QLatin1String("make-demo-db")) return RunMakeDemoDb(args.mid(1));
     if (command == QLatin1String("invoice")) {
         const PagedReport report{
             InvoiceTexts(),

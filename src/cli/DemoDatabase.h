@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+// What a demo ledger holds, for the summary line.
+struct DemoSummary {
+    int tickets = 0;
+    int lines = 0;
+    QString largestDepartment;
+};
+
+// Writes a demo ledger of the given number of tickets: the embedded schema
+// with its indexes, and data of the shape an office's ledger has (several
+// departments and years, ordinary and parking items, voided, replaced,
+// negative, pre-invoiced, paid-later, electronic and paper tickets). The same
+// seed gives the same file. The file appears only when complete; an existing
+// file is replaced then. Throws RuntimeError.
+DemoSummary WriteDemoDatabase(const QString& file, int tickets, quint64 seed);
