@@ -3,10 +3,16 @@
 #include <QFileInfo>
 
 #include "frame/RuntimeError.h"
+#include "shell/OpenDatabase.h"
+#include "shell/SessionState.h"
 
 std::unique_ptr<DatabaseSession> OpenStatementSession(const QString& database) {
-    if (database.isEmpty())
-        throw RuntimeError(1, QStringLiteral("the settings are not read yet; use --database"));
+    if (database.isEmpty()) {
+        // The desktop program's settings; OpenDatabase has shown why it failed.
+        if (!OpenDatabase(ReadDbSettings()))
+            throw RuntimeError(3704, QStringLiteral("数据库连接失败!"));
+        return std::move(AppSession().SessionConnection);
+    }
     if (!QFileInfo(database).isFile())
         throw RuntimeError(53, QStringLiteral("File not found: ") + database);
     return DatabaseSession::OpenEmbedded(database);

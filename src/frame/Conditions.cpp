@@ -3,6 +3,7 @@
 #include "frame/Dialogs.h"
 #include "frame/RuntimeError.h"
 #include "frame/ValueRules.h"
+#include "shell/MessageForms.h"
 
 namespace Conditions {
 
@@ -26,9 +27,7 @@ QStringList LoadDepartments(DatabaseSession& session) {
             rs.MoveNext();
         }
     } catch (const RuntimeError& e) {
-        AppDialogs().MsgBox(QStringLiteral("错误码: ") + QString::number(e.number()) +
-                                QStringLiteral(" 错误描述: ") + e.description(),
-                            QStringLiteral("系统提示"), MsgIcon::Information);
+        MessageForms::ShowReport(e.number(), e.description());
     }
     return entries;
 }

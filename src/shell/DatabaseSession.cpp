@@ -61,7 +61,8 @@ std::unique_ptr<DatabaseSession> DatabaseSession::OpenOdbc(const QString& odbcCo
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), name);
         db.setDatabaseName(odbcConnectionString);
         // Without a login time-out some drivers wait for ever on a silent server.
-        db.setConnectOptions(QStringLiteral("SQL_ATTR_LOGIN_TIMEOUT=30;SQL_ATTR_CONNECTION_TIMEOUT=30"));
+        db.setConnectOptions(
+            QStringLiteral("SQL_ATTR_LOGIN_TIMEOUT=30;SQL_ATTR_CONNECTION_TIMEOUT=30"));
         if (!db.open()) {
             RuntimeError e = ErrorOf(db.lastError());
             db = QSqlDatabase();

@@ -10,7 +10,7 @@
 // The one database connection of the process. Every query goes through Open:
 // the text is logged, adapted to the engine's dialect and run forward-only.
 class DatabaseSession {
-public:
+  public:
     ~DatabaseSession();
     DatabaseSession(const DatabaseSession&) = delete;
     DatabaseSession& operator=(const DatabaseSession&) = delete;
@@ -34,7 +34,7 @@ public:
     // Receives every SQL text as assembled, before any dialect rewrite.
     void SetSqlLog(std::function<void(const QString&)> log) { log_ = std::move(log); }
 
-private:
+  private:
     DatabaseSession(QString connectionName, SqlDialect dialect);
 
     QString connectionName_;

@@ -19,8 +19,10 @@ Recordset::Recordset(QSqlQuery query) : query_(std::move(query)) {
 }
 
 void Recordset::MoveNext() {
-    if (atEnd_) throw RuntimeError(3021, QStringLiteral(
-        "Either BOF or EOF is True, or the current record has been deleted."));
+    if (atEnd_)
+        throw RuntimeError(
+            3021,
+            QStringLiteral("Either BOF or EOF is True, or the current record has been deleted."));
     atEnd_ = !query_.next();
     if (atEnd_) query_.finish();
 }
@@ -28,19 +30,22 @@ void Recordset::MoveNext() {
 int Recordset::IndexOf(const QString& name) const {
     for (int i = 0; i < names_.size(); ++i)
         if (names_[i].compare(name, Qt::CaseInsensitive) == 0) return i;
-    throw RuntimeError(3265, QStringLiteral(
-        "Item cannot be found in the collection corresponding to the requested name or ordinal."));
+    throw RuntimeError(3265, QStringLiteral("Item cannot be found in the collection corresponding "
+                                            "to the requested name or ordinal."));
 }
 
 bool Recordset::IsNull(int index) const {
-    if (atEnd_) throw RuntimeError(3021, QStringLiteral(
-        "Either BOF or EOF is True, or the current record has been deleted."));
+    if (atEnd_)
+        throw RuntimeError(
+            3021,
+            QStringLiteral("Either BOF or EOF is True, or the current record has been deleted."));
     return query_.isNull(index);
 }
 
 QVariant Recordset::Value(int index) const {
-    if (index < 0 || index >= names_.size()) throw RuntimeError(3265, QStringLiteral(
-        "Item cannot be found in the collection corresponding to the requested name or ordinal."));
+    if (index < 0 || index >= names_.size())
+        throw RuntimeError(3265, QStringLiteral("Item cannot be found in the collection "
+                                                "corresponding to the requested name or ordinal."));
     if (IsNull(index)) return QVariant();
     return query_.value(index);
 }

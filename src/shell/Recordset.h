@@ -8,7 +8,7 @@
 // A forward-only, read-only result: fields by name and by position, Null as
 // an invalid QVariant. Reading it to its end releases the connection.
 class Recordset {
-public:
+  public:
     explicit Recordset(QSqlQuery query);
     Recordset(Recordset&&) = default;
     Recordset& operator=(Recordset&&) = default;
@@ -27,7 +27,7 @@ public:
     QVariant Value(int index) const;
     QVariant Value(const QString& name) const { return Value(IndexOf(name)); }
 
-private:
+  private:
     QSqlQuery query_;
     QStringList names_;
     bool atEnd_ = true;

@@ -1,0 +1,6 @@
+#include "shell/SessionState.h"
+
+SessionState& AppSession() {
+    static SessionState state;
+    return state;
+}

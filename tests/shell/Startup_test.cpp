@@ -1,0 +1,92 @@
+#include "shell/Startup.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include "frame/Dialogs.h"
+#include "shell/OpenDatabase.h"
+#include "shell/SessionState.h"
+#include "support/TestDatabase.h"
+
+namespace {
+
+class StartUpTest : public ::testing::Test {
+  protected:
+    void SetUp() override { SetAppDialogs(&dialogs); }
+    void TearDown() override {
+        SetAppDialogs(nullptr);
+        AppSession().SessionConnection.reset();
+    }
+    DbSettings FromIni(const QString& text) {
+        QFile f(dir.filePath("s.conf"));
+        f.open(QIODevice::WriteOnly);
+        f.write(text.toUtf8());
+        f.close();
+        QSettings store(dir.filePath("s.conf"), QSettings::IniFormat);
+        return ReadDbSettings(store);
+    }
+    QTemporaryDir dir;
+    RecordingDialogs dialogs;
+};
+
+}  // namespace
+
+TEST(ConnectionTextTest, ValuesGoInAsTheyStand) {
+    EXPECT_EQ(ConnectionText("sa", "p;w'd", "账房", "srv\\inst"),
+              "Provider=SQLOLEDB.1;Password=p;w'd;Persist Security Info=False;User ID=sa;"
+              "Initial Catalog='账房';Data Source='srv\\inst'");
+    DbSettings s{"2000", "db.local,1433", "sa", "p;w}d", "账房", "FreeTDS"};
+    EXPECT_EQ(OdbcConnectionString(s),
+              "DRIVER={FreeTDS};SERVER=db.local;PORT=1433;DATABASE=账房;UID=sa;PWD={p;w}}d};"
+              "TDS_Version=7.4;ClientCharset=UTF-8");
+}
+
+TEST_F(StartUpTest, NoSectionMeansDefaultsAndTwoMessagesInOrder) {
+    const DbSettings s = FromIni("[Other]\nx=1\n");
+    EXPECT_EQ(s.Edition, "2000");
+    EXPECT_EQ(s.Driver, DefaultDriver());
+    EXPECT_TRUE(s.Svr.isEmpty() && s.UID.isEmpty() && s.PWD.isEmpty() && s.DBname.isEmpty());
+    bool shown = false;
+    EXPECT_EQ(StartUp(s, [&] { shown = true; }), 1);
+    EXPECT_FALSE(shown);
+    EXPECT_EQ(AppSession().SessionEdition, "2000");
+    ASSERT_EQ(dialogs.messages.size(), 2u);
+    EXPECT_TRUE(dialogs.messages[0].text.startsWith("错误信息："));
+    EXPECT_GT(dialogs.messages[0].text.size(), 5);
+    EXPECT_EQ(dialogs.messages[0].title, "信息文本");
+    EXPECT_EQ(dialogs.messages[1].text, "数据库连接失败!");
+    EXPECT_EQ(dialogs.messages[1].title, "连接提示");
+}
+
+TEST_F(StartUpTest, FreeTdsOnAClosedPortGivesTheDriversDescription) {
+    const DbSettings s = FromIni("[DBConfig]\nSvr=\"127.0.0.1,1\"\nUID=sa\nPWD=x\nDBname=db\n");
+    EXPECT_FALSE(OpenDatabase(s));
+    ASSERT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_TRUE(dialogs.messages[0].text.contains("Unable to connect"))
+        << dialogs.messages[0].text.toStdString();
+}
+
+TEST_F(StartUpTest, QuoteInTheCatalogueBreaksTheText) {
+    const DbSettings s = FromIni("[DBConfig]\nSvr=127.0.0.1\nDBname=\"a'b\"\n");
+    EXPECT_FALSE(OpenDatabase(s));
+    EXPECT_TRUE(AppSession().SessionConnectionText.contains("Initial Catalog='a'b';"));
+    ASSERT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_TRUE(dialogs.messages[0].text.startsWith("错误信息：Format of the initialization"));
+}
+
+TEST_F(StartUpTest, EmbeddedLedgerStartsWithEmptyIdentity) {
+    TestDatabase db;
+    const DbSettings s =
+        FromIni("[DBConfig]\nDriver=SQLite\nDBname=\"" + db.Path() + "\"\nEdition=2008\n");
+    int shown = 0;
+    EXPECT_EQ(StartUp(s, [&] { ++shown; }), 0);
+    EXPECT_EQ(shown, 1);
+    EXPECT_TRUE(dialogs.messages.empty());
+    const SessionState& st = AppSession();
+    EXPECT_EQ(st.SessionEdition, "2008");
+    ASSERT_TRUE(st.SessionConnection);
+    EXPECT_TRUE(st.SessionUser.isEmpty() && st.SessionOperatorText.isEmpty() &&
+                st.SessionDepartmentText.isEmpty() && st.SessionPostText.isEmpty() &&
+                st.SessionPostCode.isEmpty());
+}
