@@ -13,6 +13,8 @@ const QString kPayer = QStringLiteral("付款人");
 void Start(FlexGrid& grid, int cols) {
     grid.SetRows(2);
     grid.SetCols(cols);
+    // Both header rows stay in view and take part in the merges.
+    grid.SetFixedRows(2);
     grid.SetRow(0);
     grid.SetMergeCells(FlexGrid::MergeRestrictColumns);
     for (int c = 0; c < cols; ++c) grid.SetFixedAlignment(c, FlexGrid::AlignCenterCenter);
@@ -85,11 +87,12 @@ int Build(FlexGrid& grid, const DetailHeaderPlan& plan, const FeeItemList& items
         if (item.IsParking()) {
             for (int r = 1; r < grid2.Rows(); ++r) {
                 if (grid2.TextMatrix(r, SplitRatios::kCodeCol) != item.ItemCode) continue;
-                grid.SetTextMatrix(1, c, QStringLiteral("开发商") +
-                                             grid2.TextMatrix(r, SplitRatios::kDeveloperCol) + '%');
-                grid.SetTextMatrix(1, c + 1, QStringLiteral("物业") +
-                                                 grid2.TextMatrix(r, SplitRatios::kPropertyCol) +
-                                                 '%');
+                grid.SetTextMatrix(1, c,
+                                   QStringLiteral("开发商") +
+                                       grid2.TextMatrix(r, SplitRatios::kDeveloperCol) + '%');
+                grid.SetTextMatrix(
+                    1, c + 1,
+                    QStringLiteral("物业") + grid2.TextMatrix(r, SplitRatios::kPropertyCol) + '%');
             }
         } else {
             grid.SetTextMatrix(1, c, QStringLiteral("金额"));
