@@ -6,8 +6,10 @@
 #include "cli/MakeDemoDbCommand.h"
 #include "cli/PagedStatementCommand.h"
 #include "cli/StatementSession.h"
+#include "frame/xlsx/XlsxWriter.h"
 #include "reports/invoice/InvoiceStatement.h"
 #include "reports/invoice/InvoiceTexts.h"
+#include "reports/invoice/InvoiceWorkbook.h"
 
 namespace {
 
@@ -38,7 +40,15 @@ int RunStatementCli(const QStringList& args) {
         const PagedReport report{
             InvoiceTexts(),
             [](DatabaseSession& s) { return std::make_unique<InvoiceStatement>(s); },
-            nullptr,
+            [](const PagedStatement& statement, const FlexGrid& grid1, const StatementRun& run,
+               const QString& path) {
+                SheetModel sheet;
+                ExportFrame::ExportSteps steps(nullptr, AppDialogs());
+                WriteInvoiceSheet(sheet, steps,
+                                  {static_cast<const InvoiceStatement&>(statement), grid1,
+                                   run.title, run.entry, run.from, run.to});
+                WriteXlsx(sheet, path);
+            },
         };
         return RunPagedStatement(report, args.mid(1), OpenStatementSession);
     }

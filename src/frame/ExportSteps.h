@@ -1,0 +1,39 @@
+#pragma once
+
+#include "frame/Dialogs.h"
+
+// The window's side of an export, and the points at which a report's sheet
+// writer hands control back to it.
+namespace ExportFrame {
+
+// The window's controls during an export.
+class ExportControls {
+  public:
+    virtual ~ExportControls() = default;
+    virtual void SetButtonsVisible(bool visible) = 0;  // Command1, Command2
+    virtual void ShowProgressBar(int maximum) = 0;     // ProgressBar1, minimum 0
+    virtual void SetProgressValue(int value) = 0;
+    virtual void HideProgressBar() = 0;
+    virtual void SetBusyLabelVisible(bool visible) = 0;  // Label2
+};
+
+// What a report's sheet writer is told to do between its parts.
+class ExportSteps {
+  public:
+    ExportSteps(ExportControls* controls, Dialogs& dialogs)
+        : controls_(controls), dialogs_(dialogs) {}
+    // After the title block and headers: yield, show Label2, yield.
+    void HeaderWritten();
+    // Before record r is written.
+    void Row(int r) {
+        if (controls_) controls_->SetProgressValue(r);
+    }
+    // After the footer: Label2 hidden.
+    void FooterWritten();
+
+  private:
+    ExportControls* controls_;
+    Dialogs& dialogs_;
+};
+
+}  // namespace ExportFrame

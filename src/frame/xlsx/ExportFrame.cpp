@@ -1,0 +1,65 @@
+#include "frame/xlsx/ExportFrame.h"
+
+#include "frame/RuntimeError.h"
+#include "frame/ValueRules.h"
+#include "frame/xlsx/XlsxWriter.h"
+
+namespace ExportFrame {
+
+QString ExportFileStem(const QString& chosen) {
+    const qsizetype dot = chosen.indexOf(QLatin1Char('.'));
+    if (dot < 0) throw RuntimeError::InvalidProcedureCall();
+    return chosen.left(dot);
+}
+
+QString WorkbookExtension() { return QStringLiteral(".xlsx"); }
+
+QString SaveFilter() { return QStringLiteral("电子表(.xlsx)|*.xlsx|电子表(.xls)|*.xls"); }
+
+QString DefaultFileName(const QString& title, const QDate& from, const QDate& to) {
+    return title + QLatin1Char('_') + ValueRules::FormatYmd(from) + QLatin1Char('-') +
+           ValueRules::FormatYmd(to);
+}
+
+QString CancelledText() { return QStringLiteral("您取消了导出操作！"); }
+
+QString ErrorText(long number, const QString& description) {
+    return QStringLiteral("错误号: ") + QString::number(number) + QStringLiteral("错误描述: ") +
+           description;
+}
+
+QString ExportToExcel(const QString& chosen, const ExportRequest& request, ExportControls* controls,
+                      Dialogs& dialogs) {
+    try {
+        const QString file = ExportFileStem(chosen) + WorkbookExtension();
+        SheetModel sheet;
+        ExportSteps steps(controls, dialogs);
+        request.writeSheet(sheet, steps);
+        WriteXlsx(sheet, file);
+        dialogs.MsgBox(request.successText, QStringLiteral("系统提示"), MsgIcon::Information);
+        return file;
+    } catch (const RuntimeError& e) {
+        dialogs.MsgBox(ErrorText(e.number(), e.description()), QStringLiteral("系统提示"),
+                       MsgIcon::Information);
+        return QString();
+    }
+}
+
+QString ExportCommand(const ExportRequest& request, ExportControls& controls, Dialogs& dialogs) {
+    if (request.gridRows == 2) return QString();
+    controls.SetButtonsVisible(false);
+    const auto chosen = dialogs.SaveFileName(request.defaultName, SaveFilter());
+    if (!chosen) {
+        dialogs.MsgBox(CancelledText(), QStringLiteral("系统提示"), MsgIcon::Information);
+        controls.SetButtonsVisible(true);
+        return QString();
+    }
+    controls.ShowProgressBar(request.progressMaximum);
+    dialogs.Yield();
+    const QString file = ExportToExcel(*chosen, request, &controls, dialogs);
+    controls.HideProgressBar();
+    controls.SetButtonsVisible(true);
+    return file;
+}
+
+}  // namespace ExportFrame

@@ -1,0 +1,113 @@
+#include "reports/invoice/InvoiceWorkbook.h"
+
+#include "frame/Conditions.h"
+#include "frame/ValueRules.h"
+
+namespace {
+
+constexpr int kLightBlue = 16761024;
+const QString kTotal = QStringLiteral("合  计");
+const QString kOf = QStringLiteral("其中");
+
+}  // namespace
+
+void WriteInvoiceSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                       const InvoiceWorkbookInput& in) {
+    using ValueRules::Format0_00;
+    const FlexGrid& grid = in.grid1;
+    const DetailRows& rows = in.statement.Rows();
+    const int c = grid.Cols();
+    const int n = in.statement.FeeColumnCount();
+    const int u = rows.UpperBound();
+
+    auto title = sheet.RangeOf(1, 1, 1, c);
+    title.SetMergeCells(true);
+    title.SetHorizontalAlignment(SheetModel::kAlignCenter);
+    sheet.Cells(1, 1).SetValue(in.title);
+
+    auto dept = sheet.RangeOf(2, 1, 2, 4);
+    dept.SetMergeCells(true);
+    dept.SetHorizontalAlignment(SheetModel::kAlignLeft);
+    sheet.Cells(2, 1).SetValue(QStringLiteral(" 统计部门 : ") +
+                               Conditions::EntryBeforeBracket(in.entry));
+
+    auto dates = sheet.RangeOf(3, 1, 3, 4);
+    dates.SetMergeCells(true);
+    dates.SetHorizontalAlignment(SheetModel::kAlignLeft);
+    sheet.Cells(3, 1).SetValue(QStringLiteral(" 开票日期 : ") + ValueRules::FormatYmdDash(in.from) +
+                               QStringLiteral(" 至 ") + ValueRules::FormatYmdDash(in.to));
+
+    sheet.RangeOf(4, 1, 5, c).SetHorizontalAlignment(SheetModel::kAlignCenter);
+    for (int headerRow = 0; headerRow <= 1; ++headerRow)
+        for (int g = 0; g < c; ++g) {
+            sheet.SetColumnWidth(g + 1, grid.ColWidth(g) / 110.0);
+            sheet.Cells(4 + headerRow, g + 1).SetValue(grid.TextMatrix(headerRow, g));
+        }
+
+    sheet.RangeOf(4, 1, 5, 1).SetMergeCells(true);
+    sheet.RangeOf(4, 2, 5, 2).SetMergeCells(true);
+    sheet.RangeOf(4, 3, 4, 5).SetMergeCells(true);
+    sheet.RangeOf(4, 6, 5, 6).SetMergeCells(true);
+    int k = 6;
+    const FeeItemList& items = in.statement.FeeItems();
+    for (std::size_t i = 1; i < items.size(); ++i) {
+        const int width = items[i].IsParking() ? 3 : 2;
+        sheet.RangeOf(4, k + 1, 4, k + width).SetMergeCells(true);
+        k += width;
+    }
+    for (int col = c - 2; col <= c; ++col) sheet.RangeOf(4, col, 5, col).SetMergeCells(true);
+    sheet.RangeOf(4, 1, 5, c).SetInteriorColor(kLightBlue);
+
+    steps.HeaderWritten();
+
+    for (int r = 1; r <= u; ++r) {
+        steps.Row(r);
+        const int s = r + 5;
+        auto number = sheet.Cells(s, 1);
+        number.SetValue(double(r));
+        number.SetHorizontalAlignment(SheetModel::kAlignCenter);
+        const QString& date = rows.DateText(r);
+        auto second = sheet.Cells(s, 2);
+        if (!date.isEmpty() && date != kOf) {
+            second.SetValue(date);
+            second.SetNumberFormat(QStringLiteral("yyyy-mm-dd"));
+            second.SetHorizontalAlignment(SheetModel::kAlignCenter);
+            const QString* numbers[] = {&rows.SpecialNo(r), &rows.OrdinaryNo(r),
+                                        &rows.ElectronicNo(r), &rows.ReceiptNo(r)};
+            for (int j = 0; j < 4; ++j) {
+                auto cell = sheet.Cells(s, 3 + j);
+                cell.SetValue(QLatin1Char('\'') + *numbers[j]);
+                cell.SetHorizontalAlignment(SheetModel::kAlignCenter);
+            }
+            for (int j = 1; j <= n; ++j)
+                sheet.Cells(s, j + 6).SetValue(Format0_00(rows.FeeAmount(r, j)));
+            sheet.Cells(s, c - 2).SetValue(Format0_00(rows.RowTotal(r)));
+            sheet.Cells(s, c - 1).SetValue(rows.PayMethod(r));
+            sheet.Cells(s, c).SetValue(rows.PayerText(r));
+            sheet.SetRowWrapText(s, true);
+            if (date == kTotal) sheet.RangeOf(s, 1, s, c).SetInteriorColor(kLightBlue);
+        } else {
+            second.SetValue(date);
+            second.SetHorizontalAlignment(SheetModel::kAlignCenter);
+            sheet.Cells(s, c - 2).SetValue(Format0_00(rows.RowTotal(r)));
+            sheet.Cells(s, c - 1).SetValue(rows.PayMethod(r));
+            sheet.RangeOf(s, 1, s, c).SetInteriorColor(kLightBlue);
+        }
+    }
+
+    auto money = sheet.RangeOf(6, 7, u + 5, n + 7);
+    money.SetNumberFormat(QStringLiteral("#0.00"));
+    money.SetHorizontalAlignment(SheetModel::kAlignRight);
+    auto head = sheet.RangeOf(1, 1, 1, c);
+    head.SetFontName(QStringLiteral("微软雅黑"));
+    head.SetFontBold(true);
+    auto body = sheet.RangeOf(2, 1, u + 5, c);
+    body.SetFontName(QStringLiteral("微软雅黑"));
+    body.SetFontSize(9);
+    sheet.RangeOf(4, 1, u + 5, c).SetBordersLineStyle(1);
+
+    sheet.Cells(u + 6, 2).SetValue(QStringLiteral("收款人:"));
+    sheet.Cells(u + 6, 7).SetValue(QStringLiteral("经理:"));
+    sheet.Cells(u + 6, 13).SetValue(QStringLiteral("缴款人:"));
+    steps.FooterWritten();
+}
