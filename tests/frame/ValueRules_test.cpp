@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QDateTime>
+#include <functional>
 
 #include "frame/RuntimeError.h"
 
