@@ -4,58 +4,114 @@
 
 #include "frame/RuntimeError.h"
 
+using namespace SplitRatios;
+
 namespace {
-FeeItem Item(const char* code, const char* name, const char* category) {
-    FeeItem f;
-    f.ItemCode = QString("'%1'").arg(code);
-    f.ItemName = name;
-    f.Category = category;
-    return f;
+
+FeeItem Item(const QString& code, const QString& name, const QString& category) {
+    FeeItem item;
+    item.ItemCode = '\'' + code + '\'';
+    item.ItemName = name;
+    item.Category = category;
+    return item;
 }
+
+// One row of shares, as the editor leaves them.
+FlexGrid Shares(const QString& developer, const QString& property) {
+    FlexGrid grid = NewGrid();
+    Fill(grid, {FeeItem{}, Item("02", "停车费", "停车收费")});
+    grid.SetTextMatrix(1, kDeveloperCol, developer);
+    grid.SetTextMatrix(1, kPropertyCol, property);
+    return grid;
+}
+
 }  // namespace
 
-TEST(SplitRatiosTest, FillResetsToSeventyThirtyPerParkingItem) {
-    FlexGrid grid = SplitRatios::NewGrid();
+TEST(SplitRatiosGrid, LoadsWithItsHeadingsAndAHiddenCodeColumn) {
+    const FlexGrid grid = NewGrid();
     ASSERT_EQ(grid.Cols(), 5);
-    EXPECT_EQ(grid.ColWidth(4), 0);
-    FeeItemList items{FeeItem{}, Item("01", "物业费", "物业"), Item("07", "停车费", "停车收费"),
-                      Item("08", "临停", "临时停车")};
-    SplitRatios::Fill(grid, items);
-    ASSERT_EQ(grid.Rows(), 3);
-    EXPECT_EQ(grid.TextMatrix(1, 0), "1");
-    EXPECT_EQ(grid.TextMatrix(1, 1), "停车费");
-    EXPECT_EQ(grid.TextMatrix(2, 1), "临停");
-    EXPECT_EQ(grid.TextMatrix(2, 2), "70");
-    EXPECT_EQ(grid.TextMatrix(2, 3), "30");
-    EXPECT_EQ(grid.TextMatrix(2, 4), "'08'");
-    grid.SetTextMatrix(1, 2, "60");
-    SplitRatios::Fill(grid, items);
-    EXPECT_EQ(grid.TextMatrix(1, 2), "70");
-    SplitRatios::Fill(grid, FeeItemList{FeeItem{}});
     EXPECT_EQ(grid.Rows(), 1);
+    EXPECT_EQ(grid.FixedRows(), 1);
+    const QStringList headings{"序", "停车费项目", "开发商", "物业公司", ""};
+    for (int c = 0; c < 5; ++c) {
+        EXPECT_EQ(grid.TextMatrix(0, c), headings[c]);
+        EXPECT_EQ(grid.FixedAlignment(c), FlexGrid::AlignCenterCenter);
+    }
+    EXPECT_EQ(grid.ColAlignment(0), FlexGrid::AlignCenterCenter);
+    EXPECT_EQ(grid.ColAlignment(1), FlexGrid::AlignLeftCenter);
+    EXPECT_EQ(grid.ColAlignment(2), FlexGrid::AlignRightCenter);
+    EXPECT_EQ(grid.ColAlignment(3), FlexGrid::AlignRightCenter);
+    EXPECT_EQ(grid.ColWidth(kCodeCol), 0);
+    EXPECT_GT(grid.ColWidth(1), 0);
 }
 
-TEST(SplitRatiosTest, RatioTextAndTheSumRule) {
-    FlexGrid grid = SplitRatios::NewGrid();
-    SplitRatios::Fill(grid, FeeItemList{FeeItem{}, Item("07", "停车费", "停车")});
-    for (const auto& [cell, text] : std::vector<std::pair<QString, QString>>{
-             {"30", "0.3"}, {"33.3", "0.333"}, {"100", "1"}, {"0", "0"}}) {
-        grid.SetTextMatrix(1, 3, cell);
-        EXPECT_EQ(SplitRatios::RatioText(grid, 1), text);
+TEST(SplitRatiosGrid, FillTakesParkingItemsInItemOrderWithDefaultShares) {
+    FlexGrid grid = NewGrid();
+    Fill(grid, {FeeItem{}, Item("01", "物业费", "物业收费"), Item("05", "月租停车", "停车收费"),
+                Item("03", "临停", "临时停车"), Item("04", "水费", "代收")});
+    ASSERT_EQ(grid.Rows(), 3);
+    EXPECT_EQ(grid.TextMatrix(0, 1), "停车费项目");
+    const QStringList row1{"1", "月租停车", "70", "30", "'05'"};
+    const QStringList row2{"2", "临停", "70", "30", "'03'"};
+    for (int c = 0; c < 5; ++c) {
+        EXPECT_EQ(grid.TextMatrix(1, c), row1[c]);
+        EXPECT_EQ(grid.TextMatrix(2, c), row2[c]);
     }
-    grid.SetTextMatrix(1, 3, "三十");
-    try {
-        SplitRatios::RatioText(grid, 1);
-        FAIL();
-    } catch (const RuntimeError& e) {
-        EXPECT_EQ(e.number(), 13);
+}
+
+TEST(SplitRatiosGrid, EachFillResetsEditedShares) {
+    FlexGrid grid = NewGrid();
+    Fill(grid, {FeeItem{}, Item("02", "停车费", "停车收费"), Item("03", "临停", "停车收费")});
+    grid.SetTextMatrix(1, kDeveloperCol, "60");
+    grid.SetTextMatrix(1, kPropertyCol, "40");
+
+    Fill(grid, {FeeItem{}, Item("02", "停车费", "停车收费")});
+    ASSERT_EQ(grid.Rows(), 2);
+    EXPECT_EQ(grid.TextMatrix(1, kDeveloperCol), "70");
+    EXPECT_EQ(grid.TextMatrix(1, kPropertyCol), "30");
+
+    Fill(grid, {FeeItem{}, Item("01", "物业费", "物业收费")});
+    EXPECT_EQ(grid.Rows(), 1);
+    Fill(grid, {FeeItem{}, Item("03", "临停", "停车收费")});
+    EXPECT_EQ(grid.TextMatrix(1, 0), "1");
+    EXPECT_EQ(grid.TextMatrix(1, kCodeCol), "'03'");
+}
+
+TEST(SplitRatiosRatioText, PlainDecimalOfThePropertyShare) {
+    EXPECT_EQ(RatioText(Shares("70", "30"), 1), "0.3");
+    EXPECT_EQ(RatioText(Shares("66.7", "33.3"), 1), "0.333");
+    EXPECT_EQ(RatioText(Shares("87.5", "12.5"), 1), "0.125");
+    EXPECT_EQ(RatioText(Shares("0", "100"), 1), "1");
+    EXPECT_EQ(RatioText(Shares("100", "0"), 1), "0");
+    EXPECT_EQ(RatioText(Shares("70", " 30 "), 1), "0.3");
+    // The developer's share takes no part.
+    EXPECT_EQ(RatioText(Shares("abc", "30"), 1), "0.3");
+}
+
+TEST(SplitRatiosRatioText, ACellThatIsNoNumberIsATypeMismatch) {
+    for (const QString& text : {QStringLiteral("abc"), QString()}) {
+        try {
+            RatioText(Shares("70", text), 1);
+            ADD_FAILURE() << "no error for \"" << text.toStdString() << '"';
+        } catch (const RuntimeError& e) {
+            EXPECT_EQ(e.number(), 13);
+            EXPECT_EQ(e.description(), "Type mismatch");
+        }
     }
-    grid.SetTextMatrix(1, 2, "60");
-    grid.SetTextMatrix(1, 3, "40");
-    EXPECT_TRUE(SplitRatios::SumIsHundred(grid, 1));
-    grid.SetTextMatrix(1, 3, "30");
-    EXPECT_FALSE(SplitRatios::SumIsHundred(grid, 1));
-    grid.SetTextMatrix(1, 2, "66.7");
-    grid.SetTextMatrix(1, 3, "33.3");
-    EXPECT_TRUE(SplitRatios::SumIsHundred(grid, 1));
+}
+
+TEST(SplitRatiosSum, NumericValuesMustAddUpToExactlyHundred) {
+    EXPECT_TRUE(SumIsHundred(Shares("60", "40"), 1));
+    EXPECT_TRUE(SumIsHundred(Shares("66.7", "33.3"), 1));
+    EXPECT_FALSE(SumIsHundred(Shares("60", "30"), 1));
+    // No tolerance.
+    EXPECT_FALSE(SumIsHundred(Shares("70", "29.9999999999999"), 1));
+}
+
+TEST(SplitRatiosSum, CellsReadByTheirLeadingNumber) {
+    EXPECT_TRUE(SumIsHundred(Shares("70%", "30"), 1));
+    EXPECT_TRUE(SumIsHundred(Shares("", "100"), 1));
+    EXPECT_TRUE(SumIsHundred(Shares("abc", "100"), 1));
+    EXPECT_FALSE(SumIsHundred(Shares("", ""), 1));
+    EXPECT_EQ(SumMessage(), "分成比例总和必须等于100,请重新设置分成比例!");
 }
