@@ -3,52 +3,123 @@
 #include <gtest/gtest.h>
 
 #include "frame/Dialogs.h"
+#include "frame/RuntimeError.h"
 #include "support/TestDatabase.h"
 
-TEST(ConditionsTest, DepartmentListLeavesOutTerminatedAndOrdersByLength) {
+using namespace Conditions;
+
+namespace {
+
+class ConditionsDatabase : public ::testing::Test {
+  protected:
+    void SetUp() override { SetAppDialogs(&dialogs); }
+    void TearDown() override { SetAppDialogs(nullptr); }
+
+    void AddDepartment(const QString& code, const QString& site, const QString& nameSql,
+                       const QString& ended = QString()) {
+        db.Exec(QStringLiteral("INSERT INTO 职能部门new VALUES (%1, '部门', %2)")
+                    .arg(SqlText(code), SqlText(ended)));
+        db.Exec(QStringLiteral("INSERT INTO 设置管理处 VALUES (%1, %2, %3)")
+                    .arg(SqlText(code), SqlText(site), nameSql));
+    }
+
+    QStringList Departments() { return LoadDepartments(*db.Session()); }
+
     TestDatabase db;
-    db.Exec(
-        "INSERT INTO 职能部门new VALUES ('10','十部',NULL),('2','二部',NULL),"
-        "('01','一部',NULL),('03','三部','2020-01-01 00:00:00'),('7','七部',NULL)");
-    db.Exec(
-        "INSERT INTO 设置管理处 VALUES ('10','GY10','十区'),('2','GY2','二区\r\n北'),"
-        "('01','GY01','云栖 商务'),('03','GY03','三区'),('7','GY7',NULL)");
-    auto session = db.Session();
     RecordingDialogs dialogs;
-    SetAppDialogs(&dialogs);
-    const QStringList entries = Conditions::LoadDepartments(*session);
-    SetAppDialogs(nullptr);
-    // A Null name stops the list with the report form of the error.
-    ASSERT_EQ(entries, (QStringList{"2 二区北【GY2】"}));
+};
+
+}  // namespace
+
+TEST_F(ConditionsDatabase, DepartmentsInForceByCodeLengthThenCode) {
+    AddDepartment("10", "S10", "'十区'");
+    AddDepartment("2", "S2", "'南区'");
+    AddDepartment("003", "S3", "'西区'");
+    AddDepartment("9", "S9", "'旧区'", "2020-01-01 00:00:00");
+    AddDepartment("11", "S11", "'北区'");
+    EXPECT_EQ(Departments(),
+              (QStringList{"2 南区【S2】", "10 十区【S10】", "11 北区【S11】", "003 西区【S3】"}));
+    EXPECT_TRUE(dialogs.messages.empty());
+}
+
+TEST_F(ConditionsDatabase, SiteNameOnOneLineAndBlanksKeepTheCodes) {
+    AddDepartment("1", "S1", "'东区' || char(13) || char(10) || '一期' || char(13) || char(10)");
+    AddDepartment("2", "S2", "'西区 二期'");
+    AddDepartment("3", "S3", "'北' || char(10) || '区'");
+    const QStringList entries = Departments();
+    ASSERT_EQ(entries.size(), 3);
+    EXPECT_EQ(entries[0], "1 东区一期【S1】");
+    EXPECT_EQ(entries[1], "2 西区 二期【S2】");
+    EXPECT_EQ(entries[2], "3 北\n区【S3】");  // only pairs go
+    EXPECT_EQ(DeptCodeOf(entries[1]), "2");
+    EXPECT_EQ(SiteCodeOf(entries[1]), "S2");
+    EXPECT_EQ(TitleCaption(entries[1], "增值税开票明细表"), "【西区 二期】增值税开票明细表");
+}
+
+TEST_F(ConditionsDatabase, AFailureShowsItsNumberAndKeepsTheEntriesRead) {
+    AddDepartment("1", "S1", "'东区'");
+    AddDepartment("2", "S2", "NULL");
+    AddDepartment("3", "S3", "'北区'");
+    EXPECT_EQ(Departments(), QStringList{"1 东区【S1】"});
     ASSERT_EQ(dialogs.messages.size(), 1u);
     EXPECT_EQ(dialogs.messages[0].text, "错误码: 94 错误描述: Invalid use of Null");
     EXPECT_EQ(dialogs.messages[0].title, "系统提示");
-
-    db.Exec("UPDATE 设置管理处 SET gyd_name = '七区' WHERE 对应部门代号 = '7'");
-    EXPECT_EQ(Conditions::LoadDepartments(*session),
-              (QStringList{"2 二区北【GY2】", "7 七区【GY7】", "01 云栖 商务【GY01】",
-                           "10 十区【GY10】"}));
-    const QString entry = "01 云栖 商务【GY01】";
-    EXPECT_EQ(Conditions::DeptCodeOf(entry), "01");
-    EXPECT_EQ(Conditions::SiteCodeOf(entry), "GY01");
-    EXPECT_EQ(Conditions::TitleCaption(entry, "增值税开票明细表"), "【云栖 商务】增值税开票明细表");
-    EXPECT_EQ(Conditions::EntryBeforeBracket(entry), "01 云栖 商务");
+    EXPECT_EQ(dialogs.messages[0].icon, MsgIcon::Information);
 }
 
-TEST(ConditionsTest, InvoiceTypesAndTheTwoChecks) {
-    TestDatabase db;
-    db.Exec("INSERT INTO 票据类型 VALUES ('03','电子发票',0),('01','专用发票',0),('09','定额',1)");
-    auto session = db.Session();
-    EXPECT_EQ(Conditions::LoadInvoiceTypes(*session), "'01','03'");
+TEST_F(ConditionsDatabase, AFailingQueryLeavesTheListEmpty) {
+    db.Exec("DROP TABLE 设置管理处");
+    EXPECT_TRUE(Departments().isEmpty());
+    ASSERT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_TRUE(dialogs.messages[0].text.startsWith("错误码: "));
+    EXPECT_TRUE(dialogs.messages[0].text.contains(" 错误描述: "));
+    EXPECT_TRUE(dialogs.messages[0].text.contains("设置管理处"));
+}
 
-    using Conditions::CheckConditions;
-    using Conditions::ConditionProblem;
-    const QDate d(2024, 5, 1);
-    EXPECT_EQ(CheckConditions(false, d, d), ConditionProblem::NoDepartment);
-    EXPECT_EQ(CheckConditions(true, d, d.addDays(-1)), ConditionProblem::EndBeforeStart);
-    EXPECT_EQ(CheckConditions(false, d, d.addDays(-1)), ConditionProblem::NoDepartment);
-    EXPECT_EQ(CheckConditions(true, d, d), std::nullopt);
-    EXPECT_FALSE(Conditions::MessageOf(ConditionProblem::NoDepartment).isEmpty());
-    EXPECT_NE(Conditions::MessageOf(ConditionProblem::NoDepartment),
-              Conditions::MessageOf(ConditionProblem::EndBeforeStart));
+TEST_F(ConditionsDatabase, InvoiceTypesWithoutFixedAmountQuotedInCodeOrder) {
+    db.Exec(
+        "INSERT INTO 票据类型 VALUES ('02','增值税普通发票',0),('01','增值税专用发票',0),"
+        "('09','定额发票',1),('04','收据',NULL),('03','增值税电子发票',0)");
+    EXPECT_EQ(LoadInvoiceTypes(*db.Session()), "'01','02','03'");
+}
+
+TEST_F(ConditionsDatabase, InvoiceTypesEmptyWhenNoneQualifies) {
+    db.Exec("INSERT INTO 票据类型 VALUES ('09','定额发票',1)");
+    EXPECT_EQ(LoadInvoiceTypes(*db.Session()), "");
+}
+
+TEST_F(ConditionsDatabase, InvoiceTypesHaveNoErrorTrap) {
+    db.Exec("DROP TABLE 票据类型");
+    auto session = db.Session();
+    EXPECT_THROW(LoadInvoiceTypes(*session), RuntimeError);
+    EXPECT_TRUE(dialogs.messages.empty());
+}
+
+TEST(ConditionsEntry, CodesAndTitleFromTheEntryText) {
+    const QString entry = "0105 滨江 花园【G7】";
+    EXPECT_EQ(DeptCodeOf(entry), "0105");
+    EXPECT_EQ(SiteCodeOf(entry), "G7");
+    EXPECT_EQ(DepartmentOf(entry), "滨江 花园");
+    EXPECT_EQ(EntryBeforeBracket(entry), "0105 滨江 花园");
+    EXPECT_EQ(TitleCaption(entry, "增值税预开票明细表"), "【滨江 花园】增值税预开票明细表");
+    EXPECT_EQ(TitleCaption(entry, "停车费明细表"), "【滨江 花园】停车费明细表");
+    EXPECT_EQ(SiteCodeOf("5 区【】"), "");
+}
+
+TEST(ConditionsEntry, BracketsInsideTheNameWinOverTheSiteCode) {
+    // The first "【" and the first "】" after it count, wherever they stand.
+    const QString entry = "7 A【B】C【S7】";
+    EXPECT_EQ(SiteCodeOf(entry), "B");
+    EXPECT_EQ(DepartmentOf(entry), "A");
+    EXPECT_EQ(DeptCodeOf(entry), "7");
+}
+
+TEST(ConditionsChecks, DepartmentFirstThenDates) {
+    const QDate day(2024, 5, 1);
+    EXPECT_EQ(CheckConditions(false, day, day.addDays(-1)), ConditionProblem::NoDepartment);
+    EXPECT_EQ(CheckConditions(true, day, day.addDays(-1)), ConditionProblem::EndBeforeStart);
+    EXPECT_EQ(CheckConditions(true, day, day), std::nullopt);
+    EXPECT_EQ(CheckConditions(true, day, day.addDays(1)), std::nullopt);
+    EXPECT_EQ(MessageOf(ConditionProblem::NoDepartment), "请先选择统计部门!");
+    EXPECT_EQ(MessageOf(ConditionProblem::EndBeforeStart), "截至日期不能小于开始日期!");
 }
