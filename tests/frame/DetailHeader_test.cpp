@@ -90,18 +90,18 @@ TEST_F(InvoiceHeader, DefaultHeaderKeepsItsTwoWidthQuirks) {
 TEST_F(InvoiceHeader, ItemsLayTwoOrThreeMoneyColumnsEach) {
     AddItem("01", "物业费", "0.06", "物业收费");
     AddItem("02", "停车费(月租)", "0.05", "停车收费");
-    AddItem("03", "垃圾费%", "NULL", "代收");
+    AddItem("03", "垃圾费（代收）%", "NULL", "代收");
     AddItem("04", "临停", "0.125", "临时停车");
     Extract();
 
     EXPECT_EQ(statement->FeeColumnCount(), 10);
     EXPECT_EQ(grid1.Rows(), 2);
     ASSERT_EQ(grid1.Cols(), 19);
-    EXPECT_EQ(HeaderRow(0),
-              (QStringList{"序", "开票日期", "增值税发票", "增值税发票", "增值税发票", "收据",
-                           "物业费", "物业费", "停车费月租", "停车费月租", "停车费月租", "垃圾费",
-                           "垃圾费", "临停", "临停", "临停", "合计", "收款方式", "付款人"}));
-    // 0.125 is read as 0.13; a Null rate is 0.
+    EXPECT_EQ(HeaderRow(0), (QStringList{"序", "开票日期", "增值税发票", "增值税发票", "增值税发票",
+                                         "收据", "物业费", "物业费", "停车费月租", "停车费月租",
+                                         "停车费月租", "垃圾费代收", "垃圾费代收", "临停", "临停",
+                                         "临停", "合计", "收款方式", "付款人"}));
+    // 0.125 is read as 0.13 ("0.00"); a Null rate is 0.
     EXPECT_EQ(HeaderRow(1),
               (QStringList{"序", "开票日期", "专用发票", "普通发票", "电子发票", "收据", "金额",
                            "税额6%", "开发商70%", "物业30%", "税额5%", "金额", "税额0%",
