@@ -66,6 +66,7 @@ TEST_F(InvoiceHeader, DefaultHeaderKeepsItsTwoWidthQuirks) {
     statement = std::make_unique<InvoiceStatement>(*session);
     statement->InitGridHeader(grid1);
     EXPECT_EQ(grid1.Rows(), 2);
+    EXPECT_EQ(grid1.FixedRows(), 2);
     ASSERT_EQ(grid1.Cols(), 9);
     EXPECT_EQ(HeaderRow(0), (QStringList{"序", "开票日期", "增值税发票", "增值税发票", "增值税发票",
                                          "收据", "合计", "收款方式", "付款人"}));
@@ -96,6 +97,7 @@ TEST_F(InvoiceHeader, ItemsLayTwoOrThreeMoneyColumnsEach) {
 
     EXPECT_EQ(statement->FeeColumnCount(), 10);
     EXPECT_EQ(grid1.Rows(), 2);
+    EXPECT_EQ(grid1.FixedRows(), 2);
     ASSERT_EQ(grid1.Cols(), 19);
     EXPECT_EQ(HeaderRow(0), (QStringList{"序", "开票日期", "增值税发票", "增值税发票", "增值税发票",
                                          "收据", "物业费", "物业费", "停车费月租", "停车费月租",

@@ -53,6 +53,9 @@ TEST(ValueRulesFormat, Round2ReadsTheFormattedTextBack) {
     EXPECT_EQ(Round2(0.015), 0.02);
     EXPECT_EQ(Round2(-0.001), 0.0);
     EXPECT_EQ(Round2(10.0 / 3), 3.33);
+    // Products that land a hair off the half, as the split shares do.
+    EXPECT_EQ(Round2(100.5 * 0.3), 30.15);
+    EXPECT_EQ(Round2(10.01 * 0.3), 3.0);
 }
 
 TEST(ValueRulesFormat, TwoDigitsPadWithoutCutting) {
@@ -150,6 +153,7 @@ TEST(ValueRulesText, ParkingTestIsContainment) {
     EXPECT_TRUE(IsParkingCategory("停车收费"));
     EXPECT_TRUE(IsParkingCategory("临时停车"));
     EXPECT_FALSE(IsParkingCategory("物业收费"));
+    EXPECT_FALSE(IsParkingCategory("停 车"));
     EXPECT_FALSE(IsParkingCategory(""));
 }
 
