@@ -1,26 +1,25 @@
 #include "frame/SheetModel.h"
 
 #include <QRegularExpression>
+#include <charconv>
 #include <unordered_map>
 
 #include "frame/RuntimeError.h"
 
-namespace {
-
-QString KeyOf(const SheetModel::Style& s) {
-    return QStringLiteral("%1|%2|%3|%4|%5|%6|%7|%8")
-        .arg(s.horizontalAlignment)
-        .arg(s.interiorColor)
-        .arg(s.numberFormat, s.fontName)
-        .arg(s.fontSize)
-        .arg(int(s.bold))
-        .arg(s.borderLineStyle)
-        .arg(int(s.wrapText));
+bool SheetModel::Style::operator==(const Style& o) const {
+    return horizontalAlignment == o.horizontalAlignment && interiorColor == o.interiorColor &&
+           numberFormat == o.numberFormat && fontName == o.fontName && fontSize == o.fontSize &&
+           bold == o.bold && borderLineStyle == o.borderLineStyle && wrapText == o.wrapText;
 }
 
-}  // namespace
-
-bool SheetModel::Style::operator==(const Style& o) const { return KeyOf(*this) == KeyOf(o); }
+std::size_t SheetModel::StyleHash::operator()(const Style& s) const {
+    std::size_t h = qHash(s.numberFormat) ^ (qHash(s.fontName) << 1);
+    h = h * 31 + std::size_t(s.horizontalAlignment);
+    h = h * 31 + std::size_t(s.interiorColor);
+    h = h * 31 + std::size_t(s.fontSize * 4);
+    h = h * 31 + std::size_t(s.bold) * 2 + std::size_t(s.wrapText);
+    return h * 31 + std::size_t(s.borderLineStyle);
+}
 
 double SheetModel::SerialOf(const QDate& date) { return QDate(1899, 12, 30).daysTo(date); }
 
@@ -42,36 +41,82 @@ const SheetModel::Cell* SheetModel::Find(int row, int col) const {
 }
 
 int SheetModel::Intern(const Style& style) {
-    const QString key = KeyOf(style);
-    const auto it = styleIndex_.constFind(key);
-    if (it != styleIndex_.constEnd()) return *it;
-    if (styles_.empty()) styleIndex_.insert(KeyOf(Style{}), 0);
+    const auto it = styleIndex_.find(style);
+    if (it != styleIndex_.end()) return it->second;
+    if (styles_.size() > 0xFFFF)
+        throw RuntimeError(1004, QStringLiteral("Too many different cell formats."));
     styles_.push_back(style);
     const int index = int(styles_.size()) - 1;
-    styleIndex_.insert(key, index);
+    styleIndex_.emplace(style, index);
     return index;
 }
 
 template <typename Change>
 void SheetModel::Restyle(const Area& a, Change change) {
-    if (styleIndex_.isEmpty()) styleIndex_.insert(KeyOf(Style{}), 0);
-    std::unordered_map<int, int> memo;
+    if (a.top == a.bottom && a.left == a.right) {
+        Cell& cell = At(a.top, a.left);
+        Style s = styles_[cell.style];
+        change(s);
+        cell.style = std::uint16_t(Intern(s));
+        return;
+    }
+    // Styles are few: a table from old to new index serves the whole area.
+    std::vector<int> memo(styles_.size(), -1);
     for (int r = a.top; r <= a.bottom; ++r)
         for (int c = a.left; c <= a.right; ++c) {
             Cell& cell = At(r, c);
-            auto it = memo.find(cell.style);
-            if (it == memo.end()) {
+            int& to = memo[cell.style];
+            if (to < 0) {
                 Style s = styles_[cell.style];
                 change(s);
-                it = memo.emplace(cell.style, Intern(s)).first;
+                to = Intern(s);
             }
-            cell.style = std::uint16_t(it->second);
+            cell.style = std::uint16_t(to);
         }
 }
 
+namespace {
+
+bool IsDigit(QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); }
+
+// Number-like: blanks, a sign, digits with one optional point, an exponent.
+bool LooksNumeric(const QString& t) {
+    qsizetype i = 0, n = t.size();
+    while (i < n && t[i] == QLatin1Char(' ')) ++i;
+    while (n > i && t[n - 1] == QLatin1Char(' ')) --n;
+    if (i < n && (t[i] == QLatin1Char('-') || t[i] == QLatin1Char('+'))) ++i;
+    int digits = 0;
+    while (i < n && IsDigit(t[i])) ++i, ++digits;
+    if (i < n && t[i] == QLatin1Char('.')) {
+        ++i;
+        while (i < n && IsDigit(t[i])) ++i, ++digits;
+    }
+    if (digits == 0) return false;
+    if (i < n && (t[i] == QLatin1Char('e') || t[i] == QLatin1Char('E'))) {
+        ++i;
+        if (i < n && (t[i] == QLatin1Char('-') || t[i] == QLatin1Char('+'))) ++i;
+        int exponent = 0;
+        while (i < n && IsDigit(t[i])) ++i, ++exponent;
+        if (exponent == 0) return false;
+    }
+    return i == n;
+}
+
+// The value of a number-like text, without the detour through a locale.
+double ParseNumber(const QString& t) {
+    char buffer[64];
+    qsizetype n = 0;
+    for (QChar c : t)
+        if (c != QLatin1Char(' ') && c != QLatin1Char('+') && n < qsizetype(sizeof buffer))
+            buffer[n++] = char(c.unicode());
+    double value = 0;
+    std::from_chars(buffer, buffer + n, value);
+    return value;
+}
+
+}  // namespace
+
 void SheetModel::Assign(Cell& cell, const QString& text) {
-    static const QRegularExpression number(
-        QStringLiteral(R"(^\s*[-+]?(\d+\.?\d*|\.\d+)([eE][-+]?\d+)?\s*$)"));
     static const QRegularExpression isoDate(QStringLiteral(R"(^(\d{4})-(\d{1,2})-(\d{1,2})$)"));
     cell.text = 0;
     cell.number = 0;
@@ -85,19 +130,20 @@ void SheetModel::Assign(Cell& cell, const QString& text) {
         cell.type = ValueType::Empty;
         return;
     }
-    if (number.match(text).hasMatch()) {
+    if (LooksNumeric(text)) {
         cell.type = ValueType::Number;
-        cell.number = text.trimmed().toDouble();
+        cell.number = ParseNumber(text);
         return;
     }
-    if (const auto m = isoDate.match(text); m.hasMatch()) {
-        const QDate d(m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt());
-        if (d.isValid()) {
-            cell.type = ValueType::Date;
-            cell.number = SerialOf(d);
-            return;
+    if (text.size() >= 8 && text.size() <= 10 && IsDigit(text[0]) && text[4] == QLatin1Char('-'))
+        if (const auto m = isoDate.match(text); m.hasMatch()) {
+            const QDate d(m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt());
+            if (d.isValid()) {
+                cell.type = ValueType::Date;
+                cell.number = SerialOf(d);
+                return;
+            }
         }
-    }
     cell.type = ValueType::Text;
     texts_.push_back(text);
     cell.text = std::uint32_t(texts_.size() - 1);

@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QString>
 #include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 // One worksheet with the semantics of the spreadsheet's object model, kept
@@ -110,8 +111,11 @@ class SheetModel {
     std::vector<std::vector<Cell>> rows_;  // index row - 1, col - 1
     int cols_ = 0;
     std::vector<QString> texts_{QString()};
+    struct StyleHash {
+        std::size_t operator()(const Style& s) const;
+    };
     std::vector<Style> styles_{Style{}};
-    QHash<QString, int> styleIndex_;
+    std::unordered_map<Style, int, StyleHash> styleIndex_{{Style{}, 0}};
     std::vector<Area> merges_;
     std::vector<double> widths_;
 };
