@@ -11,7 +11,7 @@
 // its report. The window moves data between its controls and this object.
 //   grid1: MSFlexGrid1, the statement grid; grid2: MSFlexGrid2, the split ratios.
 class PagedStatement {
-public:
+  public:
     virtual ~PagedStatement() = default;
 
     // The default header, before any fee item is known.
@@ -33,4 +33,6 @@ public:
     virtual const FeeItemList& FeeItems() const = 0;
     virtual int FeeColumnCount() const = 0;
     virtual int PageCount() const = 0;
+    // The last row of the statement, appended rows included; 0 before a run.
+    virtual int UpperBound() const = 0;
 };

@@ -4,6 +4,8 @@
 #include <clocale>
 
 int main(int argc, char** argv) {
+    // Test discovery runs the binary outside CTest's environment too.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     std::setlocale(LC_CTYPE, "C.UTF-8");
     ::testing::InitGoogleTest(&argc, argv);

@@ -10,7 +10,7 @@
 // a date window, one money group per fee item, status words and a breakdown by
 // payment method. Computed without widgets; the window and the companion share it.
 class InvoiceStatement : public PagedStatement {
-public:
+  public:
     explicit InvoiceStatement(DatabaseSession& session) : session_(session) {}
 
     void InitGridHeader(FlexGrid& grid1) const override;
@@ -25,6 +25,7 @@ public:
     const FeeItemList& FeeItems() const override { return feeItems_; }
     int FeeColumnCount() const override { return feeColumnCount_; }
     int PageCount() const override { return pageCount_; }
+    int UpperBound() const override { return rows_.UpperBound(); }
     // InvoiceRows: ticket rows, then "合  计", then the "其中" rows.
     const DetailRows& Rows() const { return rows_; }
 
@@ -32,7 +33,7 @@ public:
     static QString FeeItemSql(const StatementConditions& conditions);
     QString StatisticsSql(const StatementConditions& conditions, const FlexGrid& grid2) const;
 
-private:
+  private:
     DatabaseSession& session_;
     FeeItemList feeItems_{FeeItem{}};
     int feeColumnCount_ = 0;

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QMdiArea>
+#include <functional>
+#include <map>
+
+// MDIForm1: the main window with the menu and the report windows as children.
+// Each report entry opens one instance per session; a second choice raises it.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+  public:
+    using WindowFactory = std::function<QWidget*()>;
+    // factories: by menu entry name, the windows that exist so far.
+    explicit MainWindow(std::map<QString, WindowFactory> factories, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    // Shows the entry's window, creating it when its slot is empty.
+    void Choose(const QString& entry);
+    QWidget* OpenWindow(const QString& entry) const;
+    QMdiArea* Area() const { return area_; }
+    // Applies the privilege tables to the menu (not called at start-up).
+    void 权限设置(QString& memo);
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    std::map<QString, WindowFactory> factories_;
+    std::map<QString, QMdiSubWindow*> open_;
+    QMdiArea* area_;
+};
