@@ -27,8 +27,7 @@ void CheckQuotedValues(const QString& text) {
         if (after < text.size() && text[after] != QLatin1Char(';'))
             throw RuntimeError(
                 -2147467259,
-                QStringLiteral("Format of the initialization string does not conform to "
-                               "specification starting at index %1.")
+                QStringLiteral("Format of the initialization string is invalid at index %1.")
                     .arg(start - key.size()));
     }
 }
