@@ -4,18 +4,31 @@
 #include <QCloseEvent>
 #include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QPixmap>
+#include <QResizeEvent>
+#include <QVBoxLayout>
 
 #include "frame/Dialogs.h"
 #include "frame/RuntimeError.h"
 #include "frame/ValueRules.h"
 #include "shell/MessageForms.h"
 #include "shell/SessionState.h"
+#include "shell/widgets/AboutWindow.h"
+#include "shell/widgets/Banner.h"
 
 MainWindow::MainWindow(std::map<QString, WindowFactory> factories, QWidget* parent)
     : QMainWindow(parent), factories_(std::move(factories)), area_(new QMdiArea(this)) {
     setObjectName(QStringLiteral("MDIForm1"));
     setWindowTitle(QStringLiteral("云栖账房报表"));
-    setCentralWidget(area_);
+    auto* central = new QWidget(this);
+    auto* column = new QVBoxLayout(central);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(new Banner(central));
+    column->addWidget(area_);
+    setCentralWidget(central);
+    // The about window is one more child of the main window.
+    factories_.emplace(QStringLiteral("关于软件"), [] { return new AboutWindow; });
     resize(1280, 800);
     // Nothing follows from the comparison; the identity stays empty.
     (void)(AppSession().SessionUser == QStringLiteral("超级用户"));
@@ -69,6 +82,12 @@ void MainWindow::Choose(const QString& entry) {
     }
     it->second->show();
     it->second->widget()->show();
+    if (entry == QStringLiteral("关于软件")) {
+        // Centred in the main window's client area at each showing.
+        const QSize client = area_->size(), own = it->second->size();
+        it->second->move(int((client.width() - own.width()) / 2.0f),
+                         int((client.height() - own.height()) / 2.0f));
+    }
     area_->setActiveSubWindow(it->second);
     it->second->raise();
 }
@@ -113,6 +132,16 @@ void MainWindow::权限设置(QString& memo) {
     } catch (const RuntimeError& e) {
         MessageForms::ShowMenu(e.number(), e.description());
     }
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    // The backdrop: MDI.BMP beside the program, stretched; none, no message.
+    const QPixmap picture(QCoreApplication::applicationDirPath() + QStringLiteral("/MDI.BMP"));
+    if (picture.isNull())
+        area_->setBackground(palette().brush(QPalette::Dark));
+    else
+        area_->setBackground(picture.scaled(area_->viewport()->size(), Qt::IgnoreAspectRatio));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QDialog>
+
+// frmAbout: the program's name and version, centred in the main window.
+class AboutWindow : public QWidget {
+    Q_OBJECT
+  public:
+    explicit AboutWindow(QWidget* parent = nullptr);
+    // No system information tool exists here: the message of its absence.
+    void ClickSysInfo();
+};
