@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QDateTime>
 #include <QKeyEvent>
+#include <QPainter>
+#include <QPolygonF>
 #include <QTimer>
 
 #include "frame/Conditions.h"
@@ -64,6 +66,24 @@ class EnterFilter : public QObject {
   private:
     std::function<void()> onEnter_;
 };
+
+// The four small pager images: a bar and a triangle for the ends, a triangle
+// for a step, pointing left for 0 and 1 and right for 2 and 3.
+QIcon PagerIcon(int index) {
+    QPixmap pixmap(16, 16);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(40, 96, 160));
+    const bool left = index < 2;
+    const QPolygonF triangle =
+        left ? QPolygonF({{11, 3}, {11, 13}, {4, 8}}) : QPolygonF({{5, 3}, {5, 13}, {12, 8}});
+    p.drawPolygon(triangle);
+    if (index == 0) p.drawRect(2, 3, 2, 10);
+    if (index == 3) p.drawRect(12, 3, 2, 10);
+    return QIcon(pixmap);
+}
 
 }  // namespace
 
@@ -128,11 +148,10 @@ ReportWindow::ReportWindow(const ReportTexts& texts, std::unique_ptr<PagedStatem
     picture8_ = Named<QWidget>(picture3_, "Picture8");
     Place(picture8_, 5370, 45, 5370, 360);
     const int imageLeft[] = {180, 540, 2835, 3195};
-    const char* arrows[] = {"|<", "<", ">", ">|"};
     for (int i = 0; i < 4; ++i) {
         image2_[i] =
             Named<QToolButton>(picture8_, QStringLiteral("Image2(%1)").arg(i).toUtf8().constData());
-        image2_[i]->setText(QString::fromLatin1(arrows[i]));
+        image2_[i]->setIcon(PagerIcon(i));
         image2_[i]->setToolTip(Pager::ToolTipOf(Pager::PagerImage(i)));
         image2_[i]->setAutoRaise(true);
         Place(image2_[i], imageLeft[i], 30, 330, 300);
