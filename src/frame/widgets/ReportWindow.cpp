@@ -201,11 +201,20 @@ ReportWindow::ReportWindow(const ReportTexts& texts, std::unique_ptr<PagedStatem
                               QStringLiteral("云栖账房"),
                               QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")),
                               QTime::currentTime().toString(QStringLiteral("HH:mm:ss"))};
+    QLabel* clock[2] = {};
     for (int i = 0; i < 9; ++i) {
         auto* panel =
             Label(status_, QStringLiteral("Panel%1").arg(i + 1).toUtf8().constData(), panels[i]);
         status_->addWidget(panel, i == 6 ? 1 : 0);
+        if (i >= 7) clock[i - 7] = panel;
     }
+    // Panels 8 and 9 keep showing the date and time.
+    auto* tick = new QTimer(this);
+    connect(tick, &QTimer::timeout, this, [date = clock[0], time = clock[1]] {
+        date->setText(QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")));
+        time->setText(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")));
+    });
+    tick->start(1000);
 
     connect(command1_, &QPushButton::clicked, this, &QWidget::close);
     connect(command2_, &QPushButton::clicked, this, [this] { ClickCommand2(); });
