@@ -1,10 +1,12 @@
 #include "shell/DatabaseSession.h"
 
 #include <QFileInfo>
+#include <QLibrary>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QSqlResult>
 #include <atomic>
 
 #include "frame/RuntimeError.h"
@@ -23,10 +25,44 @@ RuntimeError ErrorOf(const QSqlError& error) {
     return RuntimeError(ok ? number : -2147467259L, text);
 }
 
+#ifdef Q_OS_WIN
+#define ODBC_API __stdcall
+#else
+#define ODBC_API
+#endif
+using SetStmtAttrFn = short(ODBC_API*)(void*, int, void*, int);
+
+// Qt's ODBC driver doesn't expose the query time-out; the driver manager it
+// was loaded with does.
+SetStmtAttrFn SetStmtAttr() {
+    static const SetStmtAttrFn fn = [] {
+#ifdef Q_OS_WIN
+        QLibrary manager(QStringLiteral("odbc32"));
+#else
+        QLibrary manager(QStringLiteral("odbc"), 2);
+#endif
+        return reinterpret_cast<SetStmtAttrFn>(manager.resolve("SQLSetStmtAttr"));
+    }();
+    return fn;
+}
+
+// Where the driver refuses, the statement runs without a limit.
+void SetQueryTimeout(const QSqlQuery& query, int seconds) {
+    constexpr int kQueryTimeout = 0;  // SQL_ATTR_QUERY_TIMEOUT
+    constexpr int kUnsigned = -5;     // SQL_IS_UINTEGER
+    const QVariant handle = query.result()->handle();
+    const SetStmtAttrFn fn = SetStmtAttr();
+    if (!fn || handle.metaType() != QMetaType::fromType<void*>()) return;
+    void* statement = *static_cast<void* const*>(handle.constData());
+    if (statement)
+        fn(statement, kQueryTimeout, reinterpret_cast<void*>(static_cast<quintptr>(seconds)),
+           kUnsigned);
+}
+
 }  // namespace
 
-DatabaseSession::DatabaseSession(QString connectionName, SqlDialect dialect)
-    : connectionName_(std::move(connectionName)), dialect_(dialect) {}
+DatabaseSession::DatabaseSession(QString connectionName, SqlDialect dialect, bool odbc)
+    : connectionName_(std::move(connectionName)), dialect_(dialect), odbc_(odbc) {}
 
 DatabaseSession::~DatabaseSession() {
     {
@@ -51,7 +87,7 @@ std::unique_ptr<DatabaseSession> DatabaseSession::OpenEmbedded(const QString& fi
             throw e;
         }
     }
-    return std::unique_ptr<DatabaseSession>(new DatabaseSession(name, SqlDialect::SQLite));
+    return std::unique_ptr<DatabaseSession>(new DatabaseSession(name, SqlDialect::SQLite, false));
 }
 
 std::unique_ptr<DatabaseSession> DatabaseSession::OpenOdbc(const QString& odbcConnectionString,
@@ -70,14 +106,33 @@ std::unique_ptr<DatabaseSession> DatabaseSession::OpenOdbc(const QString& odbcCo
             throw e;
         }
     }
-    return std::unique_ptr<DatabaseSession>(new DatabaseSession(name, dialect));
+    std::unique_ptr<DatabaseSession> session(new DatabaseSession(name, dialect, true));
+    session->SetOneStatementAtATime(dialect == SqlDialect::SqlServer);
+    return session;
 }
 
 Recordset DatabaseSession::Open(const QString& sql) {
     if (log_) log_(sql);
     const QString text = dialect_ == SqlDialect::SQLite ? AdaptToSQLite(sql) : sql;
+    if (oneStatement_)
+        for (const auto& cursor : open_) Recordset::ReadRestToMemory(cursor);
+    open_.clear();
+
     QSqlQuery query(QSqlDatabase::database(connectionName_, false));
     query.setForwardOnly(true);
-    if (!query.exec(text)) throw ErrorOf(query.lastError());
-    return Recordset(std::move(query));
+    bool ok;
+    if (odbc_ && commandTimeout_.value_or(0) > 0) {
+        // The statement must exist before its time-out can be set.
+        ok = query.prepare(text);
+        if (ok) {
+            SetQueryTimeout(query, *commandTimeout_);
+            ok = query.exec();
+        }
+    } else {
+        ok = query.exec(text);
+    }
+    if (!ok) throw ErrorOf(query.lastError());
+    Recordset rs(std::move(query));
+    if (!rs.AtEnd()) open_.push_back(rs.Watch());
+    return rs;
 }

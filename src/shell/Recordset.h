@@ -4,31 +4,44 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <memory>
 
 // A forward-only, read-only result: fields by name and by position, Null as
 // an invalid QVariant. Reading it to its end releases the connection.
 class Recordset {
   public:
+    // The reading state, shared with the session that opened it.
+    class Cursor;
+
     explicit Recordset(QSqlQuery query);
     Recordset(Recordset&&) = default;
     Recordset& operator=(Recordset&&) = default;
+    ~Recordset();
 
-    bool AtEnd() const { return atEnd_; }
+    bool AtEnd() const;
+    // Past the end: RuntimeError 3021.
     void MoveNext();
 
-    int FieldCount() const { return names_.size(); }
-    const QString& FieldName(int index) const { return names_[index]; }
-    const QStringList& FieldNames() const { return names_; }
+    int FieldCount() const;
+    const QString& FieldName(int index) const;
+    const QStringList& FieldNames() const;
     // Case-insensitive, as the driver resolves names; an unknown name raises
-    // the driver's "item not found" error.
+    // the driver's "item not found" error (3265).
     int IndexOf(const QString& name) const;
 
+    // At the end: RuntimeError 3021; an unknown position: 3265.
     bool IsNull(int index) const;
     QVariant Value(int index) const;
     QVariant Value(const QString& name) const { return Value(IndexOf(name)); }
 
+    std::weak_ptr<Cursor> Watch() const { return cursor_; }
+    // Reads the rest of a result into memory and releases the statement, for
+    // a connection that allows one open statement at a time. Reading goes on
+    // from memory as before.
+    static void ReadRestToMemory(const std::weak_ptr<Cursor>& cursor);
+
   private:
-    QSqlQuery query_;
-    QStringList names_;
-    bool atEnd_ = true;
+    void CheckField(int index) const;
+
+    std::shared_ptr<Cursor> cursor_;
 };
