@@ -4,7 +4,8 @@
 #include <QString>
 
 // The DBConfig section of the settings of application 云栖账房. Only read,
-// never written. On Linux the file is $XDG_CONFIG_HOME/云栖账房/云栖账房.conf.
+// never written. An INI file; on Linux $XDG_CONFIG_HOME/云栖账房/云栖账房.ini
+// ($XDG_CONFIG_HOME defaults to ~/.config).
 struct DbSettings {
     QString Edition;  // default "2000"
     QString Svr;

@@ -4,6 +4,10 @@
 #include "shell/OpenDatabase.h"
 #include "shell/SessionState.h"
 
+int Main(const std::function<void()>& showMainWindow) {
+    return StartUp(ReadDbSettings(), showMainWindow);
+}
+
 int StartUp(const DbSettings& settings, const std::function<void()>& showMainWindow) {
     AppSession().SessionEdition = settings.Edition;
     if (!OpenDatabase(settings)) {

@@ -4,7 +4,14 @@
 
 #include "shell/Settings.h"
 
-// The start of the desktop program: the settings, the one connection, then the
-// main window. Returns the process status: 0 once the main window is shown,
-// 1 when the connection failed (after its two messages).
+// Main of the desktop program, its steps in order: Edition into SessionEdition,
+// then Svr, UID, PWD and DBname from the settings store, OpenDatabase, and the
+// main window through showMainWindow (not modal; the caller runs the event
+// loop). Command-line arguments play no part. Returns the process status: 0
+// once the main window is shown, 1 when the connection failed, after
+// "错误信息：" + the driver's description under "信息文本" and "数据库连接失败!"
+// under "连接提示".
+int Main(const std::function<void()>& showMainWindow);
+
+// The same steps on settings already read.
 int StartUp(const DbSettings& settings, const std::function<void()>& showMainWindow);

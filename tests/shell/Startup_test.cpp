@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QTemporaryDir>
+#include <cstdio>
+#include <cstdlib>
 
 #include "frame/Dialogs.h"
 #include "shell/OpenDatabase.h"
 #include "shell/SessionState.h"
+#include "shell/WindowPlacement.h"
 #include "support/TestDatabase.h"
 
 namespace {
@@ -28,6 +32,49 @@ class StartUpTest : public ::testing::Test {
     }
     QTemporaryDir dir;
     RecordingDialogs dialogs;
+};
+
+// QSettings looks for its folder once per process, so each case runs Main in a
+// process of its own, with XDG_CONFIG_HOME pointing at a folder of the test.
+class MainTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        GTEST_FLAG_SET(death_test_style, "threadsafe");
+        saved = qgetenv("XDG_CONFIG_HOME");
+        qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
+    }
+    void TearDown() override {
+        if (saved.isNull())
+            qunsetenv("XDG_CONFIG_HOME");
+        else
+            qputenv("XDG_CONFIG_HOME", saved);
+    }
+    void WriteStore(const QString& text) {
+        QDir(config.path()).mkpath("云栖账房");
+        QFile f(config.filePath("云栖账房/云栖账房.ini"));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(text.toUtf8());
+    }
+    // Runs Main with recording dialogs and ends the process: status 0 when
+    // check() holds, else 1 with what was seen on stderr.
+    [[noreturn]] static void RunMain(
+        const std::function<bool(int, bool, RecordingDialogs&)>& check) {
+        RecordingDialogs dialogs;
+        SetAppDialogs(&dialogs);
+        bool shown = false;
+        const int status = Main([&] { shown = true; });
+        const bool ok = check(status, shown, dialogs);
+        if (!ok) {
+            std::fprintf(stderr, "status %d shown %d edition %s\n", status, int(shown),
+                         qPrintable(AppSession().SessionEdition));
+            for (const auto& m : dialogs.messages)
+                std::fprintf(stderr, "%s | %s\n", qPrintable(m.title), qPrintable(m.text));
+        }
+        std::fflush(stderr);
+        std::_Exit(ok ? 0 : 1);
+    }
+    QTemporaryDir config;
+    QByteArray saved;
 };
 
 }  // namespace
@@ -63,6 +110,7 @@ TEST_F(StartUpTest, FreeTdsOnAClosedPortGivesTheDriversDescription) {
     const DbSettings s = FromIni("[DBConfig]\nSvr=\"127.0.0.1,1\"\nUID=sa\nPWD=x\nDBname=db\n");
     EXPECT_FALSE(OpenDatabase(s));
     ASSERT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_TRUE(dialogs.messages[0].text.startsWith("错误信息：[FreeTDS]"));
     EXPECT_TRUE(dialogs.messages[0].text.contains("Unable to connect"))
         << dialogs.messages[0].text.toStdString();
 }
@@ -89,4 +137,54 @@ TEST_F(StartUpTest, EmbeddedLedgerStartsWithEmptyIdentity) {
     EXPECT_TRUE(st.SessionUser.isEmpty() && st.SessionOperatorText.isEmpty() &&
                 st.SessionDepartmentText.isEmpty() && st.SessionPostText.isEmpty() &&
                 st.SessionPostCode.isEmpty());
+}
+
+TEST(ConnectionTextTest, OdbcServerForms) {
+    DbSettings s{"2000", "srv\\inst", "用户", "", "", "FreeTDS"};
+    EXPECT_EQ(OdbcConnectionString(s),
+              "DRIVER={FreeTDS};SERVER=srv\\inst;DATABASE=;UID=用户;PWD=;"
+              "TDS_Version=7.4;ClientCharset=UTF-8");
+    s.Svr = " db.local , 1433 ";
+    s.PWD = " {x} ";
+    EXPECT_TRUE(OdbcConnectionString(s).contains("SERVER=db.local;PORT=1433;"));
+    EXPECT_TRUE(OdbcConnectionString(s).contains(";PWD={ {x}} };"));
+}
+
+TEST_F(MainTest, ReadsTheStoreUnderXdgConfigHome) {
+    TestDatabase db;
+    WriteStore("[DBConfig]\nEdition=2012\nDriver=SQLite\nDBname=\"" + db.Path() +
+               "\"\nUID=sa\nPWD=\"p;w'd\"\n");
+    EXPECT_EXIT(RunMain([](int status, bool shown, RecordingDialogs& dialogs) {
+                    const SessionState& st = AppSession();
+                    return status == 0 && shown && dialogs.messages.empty() &&
+                           st.SessionEdition == "2012" && st.SessionConnection &&
+                           st.SessionConnectionText.startsWith(
+                               "Provider=SQLOLEDB.1;Password=p;w'd;Persist Security "
+                               "Info=False;User ID=sa;Initial Catalog='");
+                }),
+                ::testing::ExitedWithCode(0), "");
+}
+
+TEST_F(MainTest, NoStoreMeansEdition2000AndTwoMessages) {
+    EXPECT_EXIT(RunMain([](int status, bool shown, RecordingDialogs& dialogs) {
+                    const auto& m = dialogs.messages;
+                    return status == 1 && !shown && AppSession().SessionEdition == "2000" &&
+                           AppSession().SessionConnectionText ==
+                               "Provider=SQLOLEDB.1;Password=;Persist Security Info=False;User "
+                               "ID=;Initial Catalog='';Data Source=''" &&
+                           m.size() == 2 && m[0].title == "信息文本" &&
+                           m[0].text.startsWith("错误信息：[FreeTDS]") &&
+                           m[0].icon == MsgIcon::Information && m[1].title == "连接提示" &&
+                           m[1].text == "数据库连接失败!" && m[1].icon == MsgIcon::Information &&
+                           m[1].buttons == MsgButtons::Ok;
+                }),
+                ::testing::ExitedWithCode(0), "");
+}
+
+TEST(CenterInMainWindowTest, HalvesTheFreeSpaceInSinglePrecision) {
+    const WindowPlace p = CenterInMainWindow(12000, 8000, 5001, 9000);
+    EXPECT_EQ(p.Left, 3499.5f);
+    EXPECT_EQ(p.Top, -500.0f);
+    // 16777217 has no single-precision form: the half comes out even.
+    EXPECT_EQ(CenterInMainWindow(16777217.0f, 0, 0, 0).Left, 8388608.0f);
 }
