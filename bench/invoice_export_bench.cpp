@@ -15,8 +15,10 @@
 
 #include "frame/SplitRatios.h"
 #include "frame/xlsx/XlsxWriter.h"
-#include "reports/invoice/InvoiceWorkbook.h"
-#include "shell/EmbeddedSchema.h"
+#include "reports/invoice/InvoiceStatement.h"
+#include "db/EmbeddedSchema.h"
+
+using namespace yunqi;
 
 namespace {
 
@@ -99,9 +101,7 @@ int main(int argc, char** argv) {
     clock.start();
     SheetModel sheet;
     ExportFrame::ExportSteps steps(nullptr, dialogs);
-    WriteInvoiceSheet(
-        sheet, steps,
-        {statement, grid1, "【云栖苑】增值税开票明细表", "01 云栖苑【GY01】", k.From, k.To});
+    statement.WriteSheet(sheet, steps, {grid1, "【云栖苑】增值税开票明细表", "01 云栖苑【GY01】", k});
     const qint64 modelMs = clock.elapsed();
     WriteXlsx(sheet, file);
     const double seconds = clock.nsecsElapsed() / 1e9;

@@ -17,7 +17,9 @@
 #include "frame/Conditions.h"
 #include "frame/SplitRatios.h"
 #include "reports/invoice/InvoiceStatement.h"
-#include "shell/SqlDialect.h"
+#include "db/SqlDialect.h"
+
+using namespace yunqi;
 
 namespace {
 

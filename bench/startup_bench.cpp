@@ -7,9 +7,11 @@
 #include <clocale>
 
 #include "frame/widgets/WidgetDialogs.h"
-#include "shell/SessionState.h"
+#include "db/SessionState.h"
 #include "shell/Startup.h"
 #include "shell/widgets/MainWindow.h"
+
+using namespace yunqi;
 
 int main(int argc, char** argv) {
     QElapsedTimer clock;

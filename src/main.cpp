@@ -1,12 +1,15 @@
 #include <QApplication>
 #include <clocale>
 
+#include "db/SessionState.h"
+#include "db/Settings.h"
+#include "frame/widgets/ReportWindow.h"
 #include "frame/widgets/WidgetDialogs.h"
-#include "reports/invoice/widgets/InvoiceWindow.h"
-#include "shell/SessionState.h"
-#include "shell/Settings.h"
+#include "reports/Reports.h"
 #include "shell/Startup.h"
 #include "shell/widgets/MainWindow.h"
+
+using namespace yunqi;
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
@@ -17,10 +20,11 @@ int main(int argc, char** argv) {
     std::unique_ptr<MainWindow> main;
     const int status = StartUp(ReadDbSettings(), [&] {
         DatabaseSession& session = *AppSession().SessionConnection;
-        main = std::make_unique<MainWindow>(std::map<QString, MainWindow::WindowFactory>{
-            {QStringLiteral("增值税开票明细表"),
-             [&session] { return new frm票据开票明细表New(session); }},
-        });
+        std::map<QString, MainWindow::WindowFactory> windows;
+        for (const ReportDefinition* report : AllReports())
+            windows.emplace(report->menuEntry,
+                            [report, &session] { return NewReportWindow(*report, session); });
+        main = std::make_unique<MainWindow>(std::move(windows));
         main->show();
     });
     if (status != 0) return status;

@@ -2,8 +2,12 @@
 
 #include <QTextStream>
 
+namespace yunqi {
+
 MsgResult ConsoleDialogs::MsgBox(const QString& text, const QString& title, MsgIcon,
                                  MsgButtons buttons) {
     QTextStream(stderr) << title << ": " << text << "\n";
     return buttons == MsgButtons::YesNo ? MsgResult::No : MsgResult::Ok;
 }
+
+}  // namespace yunqi

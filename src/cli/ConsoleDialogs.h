@@ -1,6 +1,8 @@
 #pragma once
 
-#include "frame/Dialogs.h"
+#include "core/Dialogs.h"
+
+namespace yunqi {
 
 // Messages of the shared routines go to standard error; no question is ever
 // asked without a terminal, so every question is answered No and every save
@@ -14,3 +16,5 @@ class ConsoleDialogs : public Dialogs {
     }
     void Yield() override {}
 };
+
+}  // namespace yunqi

@@ -11,8 +11,10 @@
 #include <cmath>
 #include <cstdio>
 
-#include "frame/RuntimeError.h"
-#include "shell/EmbeddedSchema.h"
+#include "core/RuntimeError.h"
+#include "db/EmbeddedSchema.h"
+
+namespace yunqi {
 
 namespace {
 
@@ -297,3 +299,5 @@ DemoSummary WriteDemoDatabase(const QString& file, int tickets, quint64 seed) {
     }
     return summary;
 }
+
+}  // namespace yunqi

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QtGlobal>
 
+namespace yunqi {
+
 // What a demo ledger holds, for the summary line.
 struct DemoSummary {
     int tickets = 0;
@@ -17,3 +19,5 @@ struct DemoSummary {
 // seed gives the same file. The file appears only when complete; an existing
 // file is replaced then. Throws RuntimeError.
 DemoSummary WriteDemoDatabase(const QString& file, int tickets, quint64 seed);
+
+}  // namespace yunqi

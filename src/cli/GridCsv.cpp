@@ -1,5 +1,7 @@
 #include "cli/GridCsv.h"
 
+namespace yunqi {
+
 QString CsvField(const QString& text) {
     if (!text.contains(QLatin1Char(',')) && !text.contains(QLatin1Char('"')) &&
         !text.contains(QLatin1Char('\r')) && !text.contains(QLatin1Char('\n')))
@@ -20,3 +22,5 @@ QString GridCsv(const FlexGrid& grid, int firstRow) {
     }
     return out;
 }
+
+}  // namespace yunqi

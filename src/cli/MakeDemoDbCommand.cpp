@@ -4,7 +4,9 @@
 #include <QTextStream>
 
 #include "cli/DemoDatabase.h"
-#include "frame/RuntimeError.h"
+#include "core/RuntimeError.h"
+
+namespace yunqi {
 
 int RunMakeDemoDb(const QStringList& args) {
     QTextStream err(stderr);
@@ -47,3 +49,5 @@ int RunMakeDemoDb(const QStringList& args) {
         return 1;
     }
 }
+
+}  // namespace yunqi

@@ -8,9 +8,12 @@
 #include "cli/GridCsv.h"
 #include "cli/StatementOptions.h"
 #include "frame/Conditions.h"
-#include "frame/RuntimeError.h"
+#include "core/RuntimeError.h"
 #include "frame/SplitRatios.h"
 #include "frame/TextMeasure.h"
+#include "frame/xlsx/XlsxWriter.h"
+
+namespace yunqi {
 
 namespace {
 
@@ -60,7 +63,7 @@ bool WriteText(const QString& path, const QString& text) {
     return true;
 }
 
-int Run(const PagedReport& report, const StatementOptions& o, const SessionOpener& openSession) {
+int Run(const ReportDefinition& report, const StatementOptions& o, const SessionOpener& openSession) {
     std::unique_ptr<DatabaseSession> session = openSession(o.database);
     std::unique_ptr<QFile> sqlLog;
     if (!o.sqlLog.isEmpty()) {
@@ -95,7 +98,7 @@ int Run(const PagedReport& report, const StatementOptions& o, const SessionOpene
     StatementConditions conditions{Conditions::DeptCodeOf(entry), Conditions::SiteCodeOf(entry),
                                    Conditions::LoadInvoiceTypes(*session), o.from, o.to};
 
-    std::unique_ptr<PagedStatement> statement = report.makeStatement(*session);
+    std::unique_ptr<PagedStatement> statement = report.makePaged(*session);
     FlexGrid grid1;
     FlexGrid grid2 = SplitRatios::NewGrid();
     statement->InitGridHeader(grid1);
@@ -115,20 +118,18 @@ int Run(const PagedReport& report, const StatementOptions& o, const SessionOpene
 
     if (!o.csv.isEmpty() && !WriteText(o.csv, GridCsv(grid1))) return kFailure;
     if (!o.xlsx.isEmpty()) {
-        if (!report.writeWorkbook) {
-            Say(QStringLiteral("this statement has no workbook yet"));
-            return kBadArguments;
-        }
-        const StatementRun run{entry, Conditions::TitleCaption(entry, report.texts.title), o.from,
-                               o.to};
-        report.writeWorkbook(*statement, grid1, run, o.xlsx);
+        SheetModel sheet;
+        ExportFrame::ExportSteps steps(nullptr, AppDialogs());
+        statement->WriteSheet(
+            sheet, steps, {grid1, Conditions::TitleCaption(entry, report.texts.title), entry, conditions});
+        WriteXlsx(sheet, o.xlsx);
     }
     return kRows;
 }
 
 }  // namespace
 
-int RunPagedStatement(const PagedReport& report, const QStringList& args,
+int RunPagedStatement(const ReportDefinition& report, const QStringList& args,
                       const SessionOpener& openSession) {
     QString problem;
     const auto options = ParseStatementOptions(args, problem);
@@ -144,3 +145,5 @@ int RunPagedStatement(const PagedReport& report, const QStringList& args,
         return kFailure;
     }
 }
+
+}  // namespace yunqi

@@ -6,10 +6,9 @@
 #include "cli/MakeDemoDbCommand.h"
 #include "cli/PagedStatementCommand.h"
 #include "cli/StatementSession.h"
-#include "frame/xlsx/XlsxWriter.h"
-#include "reports/invoice/InvoiceStatement.h"
-#include "reports/invoice/InvoiceTexts.h"
-#include "reports/invoice/InvoiceWorkbook.h"
+#include "reports/Reports.h"
+
+namespace yunqi {
 
 namespace {
 
@@ -36,21 +35,9 @@ int RunStatementCli(const QStringList& args) {
     SetAppDialogs(&dialogs);
     const QString& command = args.first();
     if (command == QLatin1String("make-demo-db")) return RunMakeDemoDb(args.mid(1));
-    if (command == QLatin1String("invoice")) {
-        const PagedReport report{
-            InvoiceTexts(),
-            [](DatabaseSession& s) { return std::make_unique<InvoiceStatement>(s); },
-            [](const PagedStatement& statement, const FlexGrid& grid1, const StatementRun& run,
-               const QString& path) {
-                SheetModel sheet;
-                ExportFrame::ExportSteps steps(nullptr, AppDialogs());
-                WriteInvoiceSheet(sheet, steps,
-                                  {static_cast<const InvoiceStatement&>(statement), grid1,
-                                   run.title, run.entry, run.from, run.to});
-                WriteXlsx(sheet, path);
-            },
-        };
-        return RunPagedStatement(report, args.mid(1), OpenStatementSession);
-    }
+    if (const ReportDefinition* report = FindReport(command); report && report->makePaged)
+        return RunPagedStatement(*report, args.mid(1), OpenStatementSession);
     return Usage(QStringLiteral("unknown command: ") + args.first());
 }
+
+}  // namespace yunqi

@@ -2,6 +2,8 @@
 
 #include <QRegularExpression>
 
+namespace yunqi {
+
 namespace {
 
 std::optional<QDate> IsoDate(const QString& text) {
@@ -68,3 +70,5 @@ std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, Q
     if (!problem.isEmpty()) return std::nullopt;
     return o;
 }
+
+}  // namespace yunqi

@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+namespace yunqi {
+
 // The options of the paged statements (invoice, preinvoice, parking).
 struct RatioOption {
     QString itemCode;   // 收费项目代号, without quotes
@@ -27,3 +29,5 @@ struct StatementOptions {
 // Parses the arguments after the command name. On a problem returns nothing
 // and sets problem to a one-line reason.
 std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, QString& problem);
+
+}  // namespace yunqi

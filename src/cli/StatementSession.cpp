@@ -2,9 +2,11 @@
 
 #include <QFileInfo>
 
-#include "frame/RuntimeError.h"
-#include "shell/OpenDatabase.h"
-#include "shell/SessionState.h"
+#include "core/RuntimeError.h"
+#include "db/OpenDatabase.h"
+#include "db/SessionState.h"
+
+namespace yunqi {
 
 std::unique_ptr<DatabaseSession> OpenStatementSession(const QString& database) {
     if (database.isEmpty()) {
@@ -17,3 +19,5 @@ std::unique_ptr<DatabaseSession> OpenStatementSession(const QString& database) {
         throw RuntimeError(53, QStringLiteral("File not found: ") + database);
     return DatabaseSession::OpenEmbedded(database);
 }
+
+}  // namespace yunqi

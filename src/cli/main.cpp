@@ -3,6 +3,8 @@
 
 #include "cli/StatementCli.h"
 
+using namespace yunqi;
+
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     // Chinese SQL texts survive the ODBC path only under a UTF-8 character type.

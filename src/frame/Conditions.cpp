@@ -1,9 +1,11 @@
 #include "frame/Conditions.h"
 
-#include "frame/Dialogs.h"
-#include "frame/RuntimeError.h"
-#include "frame/ValueRules.h"
-#include "shell/MessageForms.h"
+#include "core/Dialogs.h"
+#include "core/RuntimeError.h"
+#include "core/ValueRules.h"
+#include "core/MessageForms.h"
+
+namespace yunqi {
 
 namespace Conditions {
 
@@ -96,3 +98,5 @@ QString MessageOf(ConditionProblem problem) {
 }
 
 }  // namespace Conditions
+
+}  // namespace yunqi

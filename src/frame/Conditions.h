@@ -5,7 +5,9 @@
 #include <QStringList>
 #include <optional>
 
-#include "shell/DatabaseSession.h"
+#include "db/DatabaseSession.h"
+
+namespace yunqi {
 
 // The condition panel without its widgets: the department list, the list of
 // invoice types every statement filters on, and the checks of the extraction.
@@ -34,3 +36,5 @@ std::optional<ConditionProblem> CheckConditions(bool departmentSelected, const Q
 QString MessageOf(ConditionProblem problem);
 
 }  // namespace Conditions
+
+}  // namespace yunqi

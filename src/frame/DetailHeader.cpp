@@ -1,7 +1,9 @@
 #include "frame/DetailHeader.h"
 
 #include "frame/SplitRatios.h"
-#include "frame/ValueRules.h"
+#include "core/ValueRules.h"
+
+namespace yunqi {
 
 namespace DetailHeader {
 namespace {
@@ -111,3 +113,5 @@ int Build(FlexGrid& grid, const DetailHeaderPlan& plan, const FeeItemList& items
 }
 
 }  // namespace DetailHeader
+
+}  // namespace yunqi

@@ -6,6 +6,8 @@
 #include "frame/FeeItem.h"
 #include "frame/FlexGrid.h"
 
+namespace yunqi {
+
 // The two-row header of the ticket statements: the report's leading columns,
 // the money columns of the fee items, then 合计, 收款方式 and 付款人.
 struct DetailHeaderPlan {
@@ -34,3 +36,5 @@ int Build(FlexGrid& grid1, const DetailHeaderPlan& plan, const FeeItemList& item
 QString TaxHeading(double taxRate);
 
 }  // namespace DetailHeader
+
+}  // namespace yunqi

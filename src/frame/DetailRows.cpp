@@ -1,5 +1,7 @@
 #include "frame/DetailRows.h"
 
+namespace yunqi {
+
 namespace {
 const QString kEmpty;
 }
@@ -37,3 +39,5 @@ void DetailRows::Reserve(int rows) {
     rowTotal_.reserve(rows);
     fees_.reserve(std::size_t(rows) * feeColumns_);
 }
+
+}  // namespace yunqi

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace yunqi {
+
 // The rows of a ticket statement, kept compactly: the ticket number once with
 // its kind instead of four number fields, and the money of all rows in one
 // flat array. Index 0 exists and is never used; rows are 1 to UpperBound().
@@ -59,3 +61,5 @@ private:
     std::vector<std::uint8_t> flags_;
     std::vector<double> fees_, rowTotal_;
 };
+
+}  // namespace yunqi

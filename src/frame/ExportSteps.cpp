@@ -1,5 +1,7 @@
 #include "frame/ExportSteps.h"
 
+namespace yunqi {
+
 namespace ExportFrame {
 
 void ExportSteps::HeaderWritten() {
@@ -13,3 +15,5 @@ void ExportSteps::FooterWritten() {
 }
 
 }  // namespace ExportFrame
+
+}  // namespace yunqi

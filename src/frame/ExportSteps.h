@@ -1,6 +1,8 @@
 #pragma once
 
-#include "frame/Dialogs.h"
+#include "core/Dialogs.h"
+
+namespace yunqi {
 
 // The window's side of an export, and the points at which a report's sheet
 // writer hands control back to it.
@@ -37,3 +39,5 @@ class ExportSteps {
 };
 
 }  // namespace ExportFrame
+
+}  // namespace yunqi

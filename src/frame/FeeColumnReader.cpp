@@ -1,6 +1,8 @@
 #include "frame/FeeColumnReader.h"
 
-#include "frame/ValueRules.h"
+#include "core/ValueRules.h"
+
+namespace yunqi {
 
 using ValueRules::Round2;
 
@@ -40,3 +42,5 @@ QString PayerTextOf(const QVariant& payer, const QVariant& address) {
         text += ' ' + ValueRules::RemoveCrLf(ValueRules::TextOf(address));
     return text;
 }
+
+}  // namespace yunqi

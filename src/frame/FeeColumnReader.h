@@ -4,7 +4,9 @@
 #include <vector>
 
 #include "frame/DetailRows.h"
-#include "shell/Recordset.h"
+#include "db/Recordset.h"
+
+namespace yunqi {
 
 // Reads the money columns of a statement's result into a row. Amounts are
 // rounded to the cent here and only here; a 开发商 column (its name holds
@@ -26,3 +28,5 @@ private:
 // 付款人 and, when present, a blank and 地址; CR LF pairs removed. A Null
 // 付款人 is an invalid use of Null.
 QString PayerTextOf(const QVariant& payer, const QVariant& address);
+
+}  // namespace yunqi

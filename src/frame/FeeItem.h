@@ -3,7 +3,9 @@
 #include <QString>
 #include <vector>
 
-#include "frame/ValueRules.h"
+#include "core/ValueRules.h"
+
+namespace yunqi {
 
 // One fee item of a statement. ItemCode carries its own single quotes, ready
 // for an "in (...)" list; ItemName has the characters removed that a bare SQL
@@ -30,3 +32,5 @@ inline int FeeColumnCountOf(const FeeItemList& items) {
     for (std::size_t i = 1; i < items.size(); ++i) n += items[i].ColumnCount();
     return n;
 }
+
+}  // namespace yunqi

@@ -1,6 +1,8 @@
 #include "frame/FeeItemReader.h"
 
-#include "frame/ValueRules.h"
+#include "core/ValueRules.h"
+
+namespace yunqi {
 
 using namespace ValueRules;
 
@@ -41,3 +43,5 @@ QString PresenceCondition(const FeeItemList& items) {
     }
     return text;
 }
+
+}  // namespace yunqi

@@ -3,7 +3,9 @@
 #include <QString>
 
 #include "frame/FeeItem.h"
-#include "shell/Recordset.h"
+#include "db/Recordset.h"
+
+namespace yunqi {
 
 // FeeItems from the result of an extraction statement (收费项目代号, 税率, xm,
 // 收费类别), in the order delivered. Index 0 is an empty item.
@@ -13,3 +15,5 @@ QString AliasSafeName(QString name);
 // "A Is Not Null Or B Is Not Null ...": a parking item is tested by its KFS
 // column; the names stand bare.
 QString PresenceCondition(const FeeItemList& items);
+
+}  // namespace yunqi

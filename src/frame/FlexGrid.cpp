@@ -1,6 +1,8 @@
 #include "frame/FlexGrid.h"
 
-#include "frame/RuntimeError.h"
+#include "core/RuntimeError.h"
+
+namespace yunqi {
 
 namespace {
 // The control's own error for a row or column outside the grid.
@@ -178,3 +180,5 @@ std::vector<FlexGrid::Span> FlexGrid::MergedSpans() const {
     }
     return spans;
 }
+
+}  // namespace yunqi

@@ -3,6 +3,8 @@
 #include <QString>
 #include <vector>
 
+namespace yunqi {
+
 // A model of the grid control: cell texts, widths, heights, alignments,
 // colours and the merge marks. Free of widgets; a view draws it.
 // Lengths are twips, colours blue-green-red numbers (-1 for none).
@@ -105,3 +107,5 @@ private:
     bool visible_ = true;
     unsigned revision_ = 0;
 };
+
+}  // namespace yunqi

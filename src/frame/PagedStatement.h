@@ -2,10 +2,15 @@
 
 #include <QString>
 
+#include "frame/ExportSteps.h"
 #include "frame/FeeItem.h"
 #include "frame/FlexGrid.h"
+#include "frame/SheetModel.h"
 #include "frame/StatementConditions.h"
 #include "frame/TextMeasure.h"
+#include "frame/WorkbookContext.h"
+
+namespace yunqi {
 
 // A statement shown page by page: what a report window with a pager asks of
 // its report. The window moves data between its controls and this object.
@@ -29,6 +34,9 @@ class PagedStatement {
     // Writes one page under the header (grid1 keeps its two header rows).
     virtual void ShowPage(FlexGrid& grid1, int page, int pageSize,
                           const TextMeasure& measure) const = 0;
+    // The whole statement, all pages, on one sheet: the report's workbook.
+    virtual void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                            const WorkbookContext& context) const = 0;
 
     virtual const FeeItemList& FeeItems() const = 0;
     virtual int FeeColumnCount() const = 0;
@@ -36,3 +44,5 @@ class PagedStatement {
     // The last row of the statement, appended rows included; 0 before a run.
     virtual int UpperBound() const = 0;
 };
+
+}  // namespace yunqi

@@ -1,7 +1,9 @@
 #include "frame/Pager.h"
 
-#include "frame/RuntimeError.h"
-#include "frame/ValueRules.h"
+#include "core/RuntimeError.h"
+#include "core/ValueRules.h"
+
+namespace yunqi {
 
 namespace Pager {
 
@@ -58,3 +60,5 @@ std::optional<int> PageFromText(const QString& text, int pageCount) {
 }
 
 }  // namespace Pager
+
+}  // namespace yunqi

@@ -3,6 +3,8 @@
 #include <QString>
 #include <optional>
 
+namespace yunqi {
+
 // Page arithmetic of the paged viewer. Pages run from 1.
 namespace Pager {
 
@@ -27,3 +29,5 @@ QString ToolTipOf(PagerImage image);
 std::optional<int> PageFromText(const QString& text, int pageCount);
 
 }  // namespace Pager
+
+}  // namespace yunqi

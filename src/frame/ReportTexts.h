@@ -2,7 +2,9 @@
 
 #include <QString>
 
-// The texts by which the report windows with a pager differ.
+namespace yunqi {
+
+// The texts by which the report windows differ.
 struct ReportTexts {
     QString caption;          // window caption
     QString title;            // Label1(0) at load; the title a List1 click appends
@@ -14,3 +16,5 @@ struct ReportTexts {
     QString noRowsText;       // Command6 found no row
     QString exportedText;     // the export's success message
 };
+
+}  // namespace yunqi

@@ -4,7 +4,9 @@
 #include <charconv>
 #include <unordered_map>
 
-#include "frame/RuntimeError.h"
+#include "core/RuntimeError.h"
+
+namespace yunqi {
 
 bool SheetModel::Style::operator==(const Style& o) const {
     return horizontalAlignment == o.horizontalAlignment && interiorColor == o.interiorColor &&
@@ -245,3 +247,5 @@ bool SheetModel::IsDateValue(int row, int col) const {
     const Cell* c = Find(row, col);
     return c && c->type == ValueType::Date;
 }
+
+}  // namespace yunqi

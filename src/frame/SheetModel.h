@@ -7,6 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
+namespace yunqi {
+
 // One worksheet with the semantics of the spreadsheet's object model, kept
 // compactly so that a statement of 100,000 rows fits: every cell is a value
 // and the index of an interned style. Rows and columns count from 1. Later
@@ -119,3 +121,5 @@ class SheetModel {
     std::vector<Area> merges_;
     std::vector<double> widths_;
 };
+
+}  // namespace yunqi

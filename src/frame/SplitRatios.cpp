@@ -1,7 +1,9 @@
 #include "frame/SplitRatios.h"
 
-#include "frame/RuntimeError.h"
-#include "frame/ValueRules.h"
+#include "core/RuntimeError.h"
+#include "core/ValueRules.h"
+
+namespace yunqi {
 
 namespace SplitRatios {
 
@@ -73,3 +75,5 @@ QString SumMessage() {
 }
 
 }  // namespace SplitRatios
+
+}  // namespace yunqi

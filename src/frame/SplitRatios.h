@@ -5,6 +5,8 @@
 #include "frame/FeeItem.h"
 #include "frame/FlexGrid.h"
 
+namespace yunqi {
+
 // MSFlexGrid2: one row per parking item, the 开发商 percentage in column 2, the
 // 物业 percentage in column 3, the item's code hidden in column 4. The
 // percentages live only in these cells; statements read them back from here.
@@ -27,3 +29,5 @@ bool SumIsHundred(const FlexGrid& grid, int row);
 QString SumMessage();
 
 }  // namespace SplitRatios
+
+}  // namespace yunqi

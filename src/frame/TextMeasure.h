@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace yunqi {
+
 // How wide a text would be drawn, in twips. The window measures with its own
 // font; the headless companion estimates.
 class TextMeasure {
@@ -16,3 +18,5 @@ class EstimatedTextMeasure : public TextMeasure {
 public:
     int TextWidth(const QString& text) const override;
 };
+
+}  // namespace yunqi

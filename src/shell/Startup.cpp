@@ -1,8 +1,10 @@
 #include "shell/Startup.h"
 
-#include "frame/Dialogs.h"
-#include "shell/OpenDatabase.h"
-#include "shell/SessionState.h"
+#include "core/Dialogs.h"
+#include "db/OpenDatabase.h"
+#include "db/SessionState.h"
+
+namespace yunqi {
 
 int Main(const std::function<void()>& showMainWindow) {
     return StartUp(ReadDbSettings(), showMainWindow);
@@ -18,3 +20,5 @@ int StartUp(const DbSettings& settings, const std::function<void()>& showMainWin
     showMainWindow();
     return 0;
 }
+
+}  // namespace yunqi

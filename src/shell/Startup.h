@@ -2,7 +2,9 @@
 
 #include <functional>
 
-#include "shell/Settings.h"
+#include "db/Settings.h"
+
+namespace yunqi {
 
 // Main of the desktop program, its steps in order: Edition into SessionEdition,
 // then Svr, UID, PWD and DBname from the settings store, OpenDatabase, and the
@@ -15,3 +17,5 @@ int Main(const std::function<void()>& showMainWindow);
 
 // The same steps on settings already read.
 int StartUp(const DbSettings& settings, const std::function<void()>& showMainWindow);
+
+}  // namespace yunqi

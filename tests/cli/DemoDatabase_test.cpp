@@ -6,8 +6,10 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-#include "frame/RuntimeError.h"
-#include "shell/DatabaseSession.h"
+#include "core/RuntimeError.h"
+#include "db/DatabaseSession.h"
+
+using namespace yunqi;
 
 namespace {
 

@@ -7,6 +7,8 @@
 #include "cli/StatementCli.h"
 #include "support/TestDatabase.h"
 
+using namespace yunqi;
+
 namespace {
 
 class InvoiceCommand : public ::testing::Test {

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/Dialogs.h"
-#include "frame/RuntimeError.h"
+#include "core/Dialogs.h"
+#include "core/RuntimeError.h"
 #include "support/TestDatabase.h"
+
+using namespace yunqi;
 
 using namespace Conditions;
 

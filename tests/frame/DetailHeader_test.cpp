@@ -10,6 +10,8 @@
 #include "reports/invoice/InvoiceStatement.h"
 #include "support/TestDatabase.h"
 
+using namespace yunqi;
+
 namespace {
 
 // A department whose one ticket carries a line of every item in setupsfxm,

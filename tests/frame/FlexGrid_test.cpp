@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <functional>
 
-#include "frame/RuntimeError.h"
+#include "core/RuntimeError.h"
+
+using namespace yunqi;
 
 namespace {
 

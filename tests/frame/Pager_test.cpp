@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/RuntimeError.h"
+#include "core/RuntimeError.h"
+
+using namespace yunqi;
 
 using namespace Pager;
 

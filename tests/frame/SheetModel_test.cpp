@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace yunqi;
+
 using VT = SheetModel::ValueType;
 
 TEST(SheetModelTest, AssignedTextConvertsAsTheSpreadsheetDoes) {

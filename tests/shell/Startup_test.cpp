@@ -7,11 +7,13 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "frame/Dialogs.h"
-#include "shell/OpenDatabase.h"
-#include "shell/SessionState.h"
+#include "core/Dialogs.h"
+#include "db/OpenDatabase.h"
+#include "db/SessionState.h"
 #include "shell/WindowPlacement.h"
 #include "support/TestDatabase.h"
+
+using namespace yunqi;
 
 namespace {
 

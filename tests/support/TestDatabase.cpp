@@ -7,7 +7,9 @@
 #include <QSqlQuery>
 #include <atomic>
 
-#include "shell/EmbeddedSchema.h"
+#include "db/EmbeddedSchema.h"
+
+namespace yunqi {
 
 namespace {
 std::atomic<int> counter{0};
@@ -67,3 +69,5 @@ void TestDatabase::AddLine(const QString& note, const QString& no, const QString
 std::unique_ptr<DatabaseSession> TestDatabase::Session() const {
     return DatabaseSession::OpenEmbedded(path_);
 }
+
+}  // namespace yunqi

@@ -4,7 +4,9 @@
 #include <QTemporaryDir>
 #include <memory>
 
-#include "shell/DatabaseSession.h"
+#include "db/DatabaseSession.h"
+
+namespace yunqi {
 
 // A real SQLite database for behaviour tests: the embedded schema in a
 // temporary folder, filled with the test's own rows.
@@ -35,3 +37,5 @@ private:
 
 // Quotes a text as an SQL literal; empty optional text as NULL.
 QString SqlText(const QString& text);
+
+}  // namespace yunqi

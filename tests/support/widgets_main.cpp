@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <clocale>
 
+
 int main(int argc, char** argv) {
     // Test discovery runs the binary outside CTest's environment too.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -2,6 +2,8 @@
 
 #include <QHeaderView>
 
+namespace yunqi {
+
 namespace {
 
 Qt::Alignment QtAlignment(int code) {
@@ -52,3 +54,5 @@ void FlexGridView::Refresh() {
     for (const auto& s : grid_.MergedSpans()) setSpan(s.row, s.col, s.rowSpan, s.colSpan);
     setUpdatesEnabled(true);
 }
+
+}  // namespace yunqi

@@ -4,6 +4,8 @@
 
 #include "frame/FlexGrid.h"
 
+namespace yunqi {
+
 // Draws a FlexGrid model: every row (the fixed ones shaded), merged header
 // spans, widths and heights in twips at 15 twips a pixel, alignments, back
 // colours, word wrap. Refresh() redraws from the model.
@@ -17,3 +19,5 @@ class FlexGridView : public QTableWidget {
   private:
     const FlexGrid& grid_;
 };
+
+}  // namespace yunqi

@@ -5,6 +5,8 @@
 
 #include "frame/TextMeasure.h"
 
+namespace yunqi {
+
 // Text width as the grid draws it, in twips at 15 twips a pixel.
 class QtTextMeasure : public TextMeasure {
   public:
@@ -16,3 +18,5 @@ class QtTextMeasure : public TextMeasure {
   private:
     QFontMetrics metrics_;
 };
+
+}  // namespace yunqi

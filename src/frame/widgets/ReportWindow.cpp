@@ -12,7 +12,9 @@
 #include "frame/SplitRatios.h"
 #include "frame/widgets/QtTextMeasure.h"
 #include "frame/xlsx/ExportFrame.h"
-#include "shell/SessionState.h"
+#include "db/SessionState.h"
+
+namespace yunqi {
 
 namespace {
 
@@ -87,14 +89,16 @@ QIcon PagerIcon(int index) {
 
 }  // namespace
 
-ReportWindow::ReportWindow(const ReportTexts& texts, std::unique_ptr<PagedStatement> statement,
-                           SheetWriter writeSheet, DatabaseSession& session, QWidget* parent)
+ReportWindow::ReportWindow(const ReportDefinition& report, DatabaseSession& session,
+                           QWidget* parent)
     : QWidget(parent),
-      texts_(texts),
-      statement_(std::move(statement)),
-      writeSheet_(std::move(writeSheet)),
+      report_(report),
+      texts_(report.texts),
+      statement_(report.makePaged(session)),
       session_(session),
       grid2_(SplitRatios::NewGrid()) {
+    const ReportTexts& texts = texts_;
+    setObjectName(report.windowName);
     setWindowTitle(texts.caption);
     setAttribute(Qt::WA_DeleteOnClose);
     setFont(Yahei(9, false));
@@ -237,6 +241,10 @@ ReportWindow::ReportWindow(const ReportTexts& texts, std::unique_ptr<PagedStatem
 
 ReportWindow::~ReportWindow() = default;
 
+QWidget* NewReportWindow(const ReportDefinition& report, DatabaseSession& session) {
+    return new ReportWindow(report, session);
+}
+
 QString ReportWindow::SelectedEntry() const {
     const auto* item = list1_->currentItem();
     return item && item->isSelected() ? item->text() : QString();
@@ -360,11 +368,16 @@ void ReportWindow::EnterTxtGrd() {
 }
 
 void ReportWindow::ClickCommand2() {
+    // The workbook's date line reads the pickers as they stand now.
+    StatementConditions shown = conditions_;
+    shown.From = from_->date();
+    shown.To = to_->date();
     const ExportFrame::ExportRequest request{
         grid1_.Rows(), statement_->UpperBound(),
         ExportFrame::DefaultFileName(title_->text(), from_->date(), to_->date()),
-        texts_.exportedText, [this](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
-            writeSheet_(sheet, steps, *this);
+        texts_.exportedText, [this, shown](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
+            statement_->WriteSheet(sheet, steps,
+                                   {grid1_, title_->text(), SelectedEntry(), shown});
         }};
     lastExport_ = ExportFrame::ExportCommand(request, *this, AppDialogs());
 }
@@ -426,3 +439,5 @@ void ReportWindow::Layout() {
         put(command1_, c1), put(list1_, l1), put(progress_, pb), put(view1_, g1),
         put(picture5_, p5), put(status_, st);
 }
+
+}  // namespace yunqi

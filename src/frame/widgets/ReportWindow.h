@@ -15,10 +15,12 @@
 #include "frame/ExportSteps.h"
 #include "frame/FlexGrid.h"
 #include "frame/PagedStatement.h"
-#include "frame/ReportTexts.h"
+#include "frame/ReportDefinition.h"
 #include "frame/SheetModel.h"
 #include "frame/StatementConditions.h"
 #include "frame/widgets/FlexGridView.h"
+
+namespace yunqi {
 
 class DatabaseSession;
 
@@ -28,12 +30,8 @@ class DatabaseSession;
 class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     Q_OBJECT
   public:
-    // Writes the report's sheet for the export.
-    using SheetWriter =
-        std::function<void(SheetModel&, ExportFrame::ExportSteps&, const ReportWindow&)>;
-
-    ReportWindow(const ReportTexts& texts, std::unique_ptr<PagedStatement> statement,
-                 SheetWriter writeSheet, DatabaseSession& session, QWidget* parent = nullptr);
+    ReportWindow(const ReportDefinition& report, DatabaseSession& session,
+                 QWidget* parent = nullptr);
     ~ReportWindow() override;
 
     // The handlers, callable by tests as the events call them.
@@ -73,9 +71,9 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     void ShowCurrentPage();
     void Layout();
 
+    const ReportDefinition& report_;
     const ReportTexts& texts_;
     std::unique_ptr<PagedStatement> statement_;
-    SheetWriter writeSheet_;
     DatabaseSession& session_;
     FlexGrid grid1_;
     FlexGrid grid2_;
@@ -95,3 +93,8 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     QProgressBar* progress_;
     QStatusBar* status_;
 };
+
+// The window of a report, as its definition asks for.
+QWidget* NewReportWindow(const ReportDefinition& report, DatabaseSession& session);
+
+}  // namespace yunqi

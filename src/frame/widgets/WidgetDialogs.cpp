@@ -4,6 +4,8 @@
 #include <QFileDialog>
 #include <QMessageBox>
 
+namespace yunqi {
+
 MsgResult WidgetDialogs::MsgBox(const QString& text, const QString& title, MsgIcon icon,
                                 MsgButtons buttons) {
     QMessageBox box(parent_ ? parent_ : QApplication::activeWindow());
@@ -48,3 +50,5 @@ std::optional<QString> WidgetDialogs::SaveFileName(const QString& defaultName,
 }
 
 void WidgetDialogs::Yield() { QApplication::processEvents(); }
+
+}  // namespace yunqi

@@ -2,7 +2,9 @@
 
 #include <QWidget>
 
-#include "frame/Dialogs.h"
+#include "core/Dialogs.h"
+
+namespace yunqi {
 
 // The desktop's message boxes, save dialog and yield.
 class WidgetDialogs : public Dialogs {
@@ -16,3 +18,5 @@ class WidgetDialogs : public Dialogs {
   private:
     QWidget* parent_;
 };
+
+}  // namespace yunqi

@@ -1,8 +1,10 @@
 #include "frame/xlsx/ExportFrame.h"
 
-#include "frame/RuntimeError.h"
-#include "frame/ValueRules.h"
+#include "core/RuntimeError.h"
+#include "core/ValueRules.h"
 #include "frame/xlsx/XlsxWriter.h"
+
+namespace yunqi {
 
 namespace ExportFrame {
 
@@ -63,3 +65,5 @@ QString ExportCommand(const ExportRequest& request, ExportControls& controls, Di
 }
 
 }  // namespace ExportFrame
+
+}  // namespace yunqi

@@ -4,9 +4,11 @@
 #include <QString>
 #include <functional>
 
-#include "frame/Dialogs.h"
+#include "core/Dialogs.h"
 #include "frame/ExportSteps.h"
 #include "frame/SheetModel.h"
+
+namespace yunqi {
 
 // The export of a statement to a workbook, without widgets: the file name
 // rule, the order of the steps and the messages. The window plugs its
@@ -46,3 +48,5 @@ QString ExportToExcel(const QString& chosen, const ExportRequest& request, Expor
                       Dialogs& dialogs);
 
 }  // namespace ExportFrame
+
+}  // namespace yunqi

@@ -10,7 +10,9 @@
 #include <cstdio>
 #include <map>
 
-#include "frame/RuntimeError.h"
+#include "core/RuntimeError.h"
+
+namespace yunqi {
 
 namespace {
 
@@ -178,3 +180,5 @@ void WriteXlsx(const SheetModel& sheet, const QString& path) {
         throw RuntimeError(75, QStringLiteral("Path/File access error: ") + path);
     temp.setAutoRemove(false);
 }
+
+}  // namespace yunqi

@@ -5,8 +5,10 @@
 #include "frame/FeeItemReader.h"
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
-#include "frame/ValueRules.h"
-#include "reports/invoice/InvoiceTexts.h"
+#include "core/ValueRules.h"
+#include "reports/invoice/InvoiceWorkbook.h"
+
+namespace yunqi {
 
 using namespace ValueRules;
 
@@ -292,3 +294,10 @@ void InvoiceStatement::ShowPage(FlexGrid& grid, int page, int pageSize,
     grid.SetVisible(true);
     grid.Touch();
 }
+
+void InvoiceStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                                  const WorkbookContext& context) const {
+    WriteInvoiceSheet(*this, sheet, steps, context);
+}
+
+}  // namespace yunqi

@@ -4,7 +4,9 @@
 
 #include "frame/DetailRows.h"
 #include "frame/PagedStatement.h"
-#include "shell/DatabaseSession.h"
+#include "db/DatabaseSession.h"
+
+namespace yunqi {
 
 // The VAT invoice detail statement: every ticket of a department that touched
 // a date window, one money group per fee item, status words and a breakdown by
@@ -21,6 +23,8 @@ class InvoiceStatement : public PagedStatement {
                        int pageSize) override;
     void ShowPage(FlexGrid& grid1, int page, int pageSize,
                   const TextMeasure& measure) const override;
+    void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                    const WorkbookContext& context) const override;
 
     const FeeItemList& FeeItems() const override { return feeItems_; }
     int FeeColumnCount() const override { return feeColumnCount_; }
@@ -40,3 +44,5 @@ class InvoiceStatement : public PagedStatement {
     DetailRows rows_;
     int pageCount_ = 0;
 };
+
+}  // namespace yunqi

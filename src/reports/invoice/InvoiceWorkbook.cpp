@@ -1,7 +1,11 @@
 #include "reports/invoice/InvoiceWorkbook.h"
 
+#include "reports/invoice/InvoiceStatement.h"
+
 #include "frame/Conditions.h"
-#include "frame/ValueRules.h"
+#include "core/ValueRules.h"
+
+namespace yunqi {
 
 namespace {
 
@@ -11,13 +15,13 @@ const QString kOf = QStringLiteral("其中");
 
 }  // namespace
 
-void WriteInvoiceSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
-                       const InvoiceWorkbookInput& in) {
+void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                       const WorkbookContext& in) {
     using ValueRules::Format0_00;
     const FlexGrid& grid = in.grid1;
-    const DetailRows& rows = in.statement.Rows();
+    const DetailRows& rows = statement.Rows();
     const int c = grid.Cols();
-    const int n = in.statement.FeeColumnCount();
+    const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();
 
     auto title = sheet.RangeOf(1, 1, 1, c);
@@ -34,8 +38,8 @@ void WriteInvoiceSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
     auto dates = sheet.RangeOf(3, 1, 3, 4);
     dates.SetMergeCells(true);
     dates.SetHorizontalAlignment(SheetModel::kAlignLeft);
-    sheet.Cells(3, 1).SetValue(QStringLiteral(" 开票日期 : ") + ValueRules::FormatYmdDash(in.from) +
-                               QStringLiteral(" 至 ") + ValueRules::FormatYmdDash(in.to));
+    sheet.Cells(3, 1).SetValue(QStringLiteral(" 开票日期 : ") + ValueRules::FormatYmdDash(in.conditions.From) +
+                               QStringLiteral(" 至 ") + ValueRules::FormatYmdDash(in.conditions.To));
 
     sheet.RangeOf(4, 1, 5, c).SetHorizontalAlignment(SheetModel::kAlignCenter);
     for (int headerRow = 0; headerRow <= 1; ++headerRow)
@@ -49,7 +53,7 @@ void WriteInvoiceSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
     sheet.RangeOf(4, 3, 4, 5).SetMergeCells(true);
     sheet.RangeOf(4, 6, 5, 6).SetMergeCells(true);
     int k = 6;
-    const FeeItemList& items = in.statement.FeeItems();
+    const FeeItemList& items = statement.FeeItems();
     for (std::size_t i = 1; i < items.size(); ++i) {
         const int width = items[i].IsParking() ? 3 : 2;
         sheet.RangeOf(4, k + 1, 4, k + width).SetMergeCells(true);
@@ -111,3 +115,5 @@ void WriteInvoiceSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
     sheet.Cells(u + 6, 13).SetValue(QStringLiteral("缴款人:"));
     steps.FooterWritten();
 }
+
+}  // namespace yunqi

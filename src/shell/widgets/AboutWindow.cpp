@@ -4,7 +4,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "frame/Dialogs.h"
+#include "core/Dialogs.h"
+
+namespace yunqi {
 
 AboutWindow::AboutWindow(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("frmAbout"));
@@ -31,3 +33,5 @@ AboutWindow::AboutWindow(QWidget* parent) : QWidget(parent) {
 void AboutWindow::ClickSysInfo() {
     AppDialogs().MsgBox(QStringLiteral("此时系统信息不可用"), QString(), MsgIcon::None);
 }
+
+}  // namespace yunqi

@@ -2,6 +2,8 @@
 
 #include <QDialog>
 
+namespace yunqi {
+
 // frmAbout: the program's name and version, centred in the main window.
 class AboutWindow : public QWidget {
     Q_OBJECT
@@ -10,3 +12,5 @@ class AboutWindow : public QWidget {
     // No system information tool exists here: the message of its absence.
     void ClickSysInfo();
 };
+
+}  // namespace yunqi

@@ -3,6 +3,8 @@
 #include <QLinearGradient>
 #include <QPainter>
 
+namespace yunqi {
+
 namespace {
 constexpr int kTwipsPerPixel = 15;
 }
@@ -52,3 +54,5 @@ void Banner::paintEvent(QPaintEvent*) {
     QPainter p(this);
     p.drawImage(0, 0, Paint(design_, width()));
 }
+
+}  // namespace yunqi

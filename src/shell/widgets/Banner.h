@@ -3,6 +3,8 @@
 #include <QImage>
 #include <QWidget>
 
+namespace yunqi {
+
 // MDIForm1.Picture1: the band along the top. Its first 8850 twips stay as
 // drawn, the slice at 8850 repeats to fill a wide window, and the last 4000
 // close the band at the right edge.
@@ -20,3 +22,5 @@ class Banner : public QWidget {
   private:
     QImage design_;
 };
+
+}  // namespace yunqi

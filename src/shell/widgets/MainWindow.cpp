@@ -8,13 +8,15 @@
 #include <QResizeEvent>
 #include <QVBoxLayout>
 
-#include "frame/Dialogs.h"
-#include "frame/RuntimeError.h"
-#include "frame/ValueRules.h"
-#include "shell/MessageForms.h"
-#include "shell/SessionState.h"
+#include "core/Dialogs.h"
+#include "core/RuntimeError.h"
+#include "core/ValueRules.h"
+#include "core/MessageForms.h"
+#include "db/SessionState.h"
 #include "shell/widgets/AboutWindow.h"
 #include "shell/widgets/Banner.h"
+
+namespace yunqi {
 
 MainWindow::MainWindow(std::map<QString, WindowFactory> factories, QWidget* parent)
     : QMainWindow(parent), factories_(std::move(factories)), area_(new QMdiArea(this)) {
@@ -154,3 +156,5 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
     }
 }
+
+}  // namespace yunqi

@@ -5,6 +5,8 @@
 #include <functional>
 #include <map>
 
+namespace yunqi {
+
 // MDIForm1: the main window with the menu and the report windows as children.
 // Each report entry opens one instance per session; a second choice raises it.
 class MainWindow : public QMainWindow {
@@ -31,3 +33,5 @@ class MainWindow : public QMainWindow {
     std::map<QString, QMdiSubWindow*> open_;
     QMdiArea* area_;
 };
+
+}  // namespace yunqi

@@ -10,11 +10,13 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 
-#include "frame/Dialogs.h"
-#include "reports/invoice/widgets/InvoiceWindow.h"
-#include "shell/SessionState.h"
+#include "core/Dialogs.h"
+#include "reports/Reports.h"
+#include "db/SessionState.h"
 #include "shell/widgets/MainWindow.h"
 #include "support/TestDatabase.h"
+
+using namespace yunqi;
 
 namespace {
 
@@ -39,7 +41,7 @@ class InvoiceWindowTest : public ::testing::Test {
         }
         session = db.Session();
         main = std::make_unique<MainWindow>(std::map<QString, MainWindow::WindowFactory>{
-            {"增值税开票明细表", [this] { return new frm票据开票明细表New(*session); }}});
+            {"增值税开票明细表", [this] { return NewReportWindow(*FindReport("invoice"), *session); }}});
         main->show();
     }
     void TearDown() override {

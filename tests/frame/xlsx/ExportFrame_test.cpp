@@ -6,7 +6,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "frame/RuntimeError.h"
+#include "core/RuntimeError.h"
+
+using namespace yunqi;
 
 using namespace ExportFrame;
 

@@ -9,6 +9,8 @@
 #include "reports/invoice/InvoiceStatement.h"
 #include "support/TestDatabase.h"
 
+namespace yunqi {
+
 // A small ledger: department D1, paper types 01 (专用发票) and 02 (普通发票),
 // 03 (电子发票), 04 (收据), fixed-amount type 09; items 01 物业费 (ordinary),
 // 02 停车费 (parking). Tickets are added by each test.
@@ -62,3 +64,5 @@ class InvoiceLedger : public ::testing::Test {
     std::unique_ptr<DatabaseSession> session;
     std::unique_ptr<InvoiceStatement> statement;
 };
+
+}  // namespace yunqi

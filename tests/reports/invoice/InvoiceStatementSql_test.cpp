@@ -1,5 +1,7 @@
 #include "reports/invoice/InvoiceStatementFixture.h"
 
+using namespace yunqi;
+
 // The texts go to the server as they stand; every blank is part of them.
 namespace {
 

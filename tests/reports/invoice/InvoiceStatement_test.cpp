@@ -1,5 +1,7 @@
-#include "frame/RuntimeError.h"
+#include "core/RuntimeError.h"
 #include "reports/invoice/InvoiceStatementFixture.h"
+
+using namespace yunqi;
 
 namespace {
 const QString kTotal = QStringLiteral("合  计");

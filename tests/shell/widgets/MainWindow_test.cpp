@@ -5,9 +5,11 @@
 #include <QLabel>
 #include <QMdiSubWindow>
 
-#include "frame/Dialogs.h"
+#include "core/Dialogs.h"
 #include "shell/widgets/AboutWindow.h"
 #include "shell/widgets/Banner.h"
+
+using namespace yunqi;
 
 TEST(BannerTest, SliceRepeatsOnlyWhereTheWindowIsWide) {
     // A design with a marked slice at 8850 twips (590 px) and a distinct tail.

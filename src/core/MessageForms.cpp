@@ -1,0 +1,39 @@
+#include "core/MessageForms.h"
+
+#include "core/Dialogs.h"
+
+namespace yunqi {
+
+namespace MessageForms {
+
+QString StartupText(const QString& description) {
+    return QStringLiteral("错误信息：") + description;
+}
+
+QString MenuText(long number, const QString& description) {
+    return QStringLiteral("错误号：") + QString::number(number) + QLatin1Char('\n') +
+           QStringLiteral("错误描述：") + description;
+}
+
+QString ReportText(long number, const QString& description) {
+    return QStringLiteral("错误码: ") + QString::number(number) + QStringLiteral(" 错误描述: ") +
+           description;
+}
+
+void ShowStartup(const QString& description) {
+    AppDialogs().MsgBox(StartupText(description), QStringLiteral("信息文本"), MsgIcon::Information);
+}
+
+void ShowMenu(long number, const QString& description) {
+    AppDialogs().MsgBox(MenuText(number, description), QStringLiteral("提示"),
+                        MsgIcon::Information);
+}
+
+void ShowReport(long number, const QString& description) {
+    AppDialogs().MsgBox(ReportText(number, description), QStringLiteral("系统提示"),
+                        MsgIcon::Information);
+}
+
+}  // namespace MessageForms
+
+}  // namespace yunqi

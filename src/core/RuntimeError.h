@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+#include <stdexcept>
+
+namespace yunqi {
+
+// A run-time error: number and description, as the platform reports them.
+// Routines without an error trap let it travel to the top-level handler.
+class RuntimeError : public std::runtime_error {
+public:
+    RuntimeError(long number, QString description);
+
+    long number() const { return number_; }
+    const QString& description() const { return description_; }
+
+    // The platform's own numbers.
+    static RuntimeError InvalidProcedureCall();  // 5
+    static RuntimeError Overflow();              // 6
+    static RuntimeError SubscriptOutOfRange();   // 9
+    static RuntimeError TypeMismatch();          // 13
+    static RuntimeError InvalidUseOfNull();      // 94
+
+private:
+    long number_;
+    QString description_;
+};
+
+// Where an untrapped error ends up. Production shows it and ends the process
+// with a non-zero status; tests install a handler that records instead.
+using RuntimeErrorHandler = void (*)(const RuntimeError&);
+void SetRuntimeErrorHandler(RuntimeErrorHandler handler);
+void ReportRuntimeError(const RuntimeError& error);
+
+}  // namespace yunqi

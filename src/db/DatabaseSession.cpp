@@ -1,0 +1,142 @@
+#include "db/DatabaseSession.h"
+
+#include <QFileInfo>
+#include <QLibrary>
+#include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlResult>
+#include <atomic>
+
+#include "core/RuntimeError.h"
+
+namespace yunqi {
+
+namespace {
+
+QString NewConnectionName() {
+    static std::atomic<int> counter{0};
+    return QStringLiteral("yunqi-session-%1").arg(++counter);
+}
+
+RuntimeError ErrorOf(const QSqlError& error) {
+    bool ok = false;
+    long number = error.nativeErrorCode().toLong(&ok);
+    QString text = error.databaseText().isEmpty() ? error.text() : error.databaseText();
+    return RuntimeError(ok ? number : -2147467259L, text);
+}
+
+#ifdef Q_OS_WIN
+#define ODBC_API __stdcall
+#else
+#define ODBC_API
+#endif
+using SetStmtAttrFn = short(ODBC_API*)(void*, int, void*, int);
+
+// Qt's ODBC driver doesn't expose the query time-out; the driver manager it
+// was loaded with does.
+SetStmtAttrFn SetStmtAttr() {
+    static const SetStmtAttrFn fn = [] {
+#ifdef Q_OS_WIN
+        QLibrary manager(QStringLiteral("odbc32"));
+#else
+        QLibrary manager(QStringLiteral("odbc"), 2);
+#endif
+        return reinterpret_cast<SetStmtAttrFn>(manager.resolve("SQLSetStmtAttr"));
+    }();
+    return fn;
+}
+
+// Where the driver refuses, the statement runs without a limit.
+void SetQueryTimeout(const QSqlQuery& query, int seconds) {
+    constexpr int kQueryTimeout = 0;  // SQL_ATTR_QUERY_TIMEOUT
+    constexpr int kUnsigned = -5;     // SQL_IS_UINTEGER
+    const QVariant handle = query.result()->handle();
+    const SetStmtAttrFn fn = SetStmtAttr();
+    if (!fn || handle.metaType() != QMetaType::fromType<void*>()) return;
+    void* statement = *static_cast<void* const*>(handle.constData());
+    if (statement)
+        fn(statement, kQueryTimeout, reinterpret_cast<void*>(static_cast<quintptr>(seconds)),
+           kUnsigned);
+}
+
+}  // namespace
+
+DatabaseSession::DatabaseSession(QString connectionName, SqlDialect dialect, bool odbc)
+    : connectionName_(std::move(connectionName)), dialect_(dialect), odbc_(odbc) {}
+
+DatabaseSession::~DatabaseSession() {
+    {
+        QSqlDatabase db = QSqlDatabase::database(connectionName_, false);
+        if (db.isValid()) db.close();
+    }
+    QSqlDatabase::removeDatabase(connectionName_);
+}
+
+std::unique_ptr<DatabaseSession> DatabaseSession::OpenEmbedded(const QString& file) {
+    if (!QFileInfo(file).isFile())
+        throw RuntimeError(14, QStringLiteral("unable to open database file: ") + file);
+    const QString name = NewConnectionName();
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(file);
+        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        if (!db.open()) {
+            RuntimeError e = ErrorOf(db.lastError());
+            db = QSqlDatabase();
+            QSqlDatabase::removeDatabase(name);
+            throw e;
+        }
+    }
+    return std::unique_ptr<DatabaseSession>(new DatabaseSession(name, SqlDialect::SQLite, false));
+}
+
+std::unique_ptr<DatabaseSession> DatabaseSession::OpenOdbc(const QString& odbcConnectionString,
+                                                           SqlDialect dialect) {
+    const QString name = NewConnectionName();
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), name);
+        db.setDatabaseName(odbcConnectionString);
+        // Without a login time-out some drivers wait for ever on a silent server.
+        db.setConnectOptions(
+            QStringLiteral("SQL_ATTR_LOGIN_TIMEOUT=30;SQL_ATTR_CONNECTION_TIMEOUT=30"));
+        if (!db.open()) {
+            RuntimeError e = ErrorOf(db.lastError());
+            db = QSqlDatabase();
+            QSqlDatabase::removeDatabase(name);
+            throw e;
+        }
+    }
+    std::unique_ptr<DatabaseSession> session(new DatabaseSession(name, dialect, true));
+    session->SetOneStatementAtATime(dialect == SqlDialect::SqlServer);
+    return session;
+}
+
+Recordset DatabaseSession::Open(const QString& sql) {
+    if (log_) log_(sql);
+    const QString text = dialect_ == SqlDialect::SQLite ? AdaptToSQLite(sql) : sql;
+    if (oneStatement_)
+        for (const auto& cursor : open_) Recordset::ReadRestToMemory(cursor);
+    open_.clear();
+
+    QSqlQuery query(QSqlDatabase::database(connectionName_, false));
+    query.setForwardOnly(true);
+    bool ok;
+    if (odbc_ && commandTimeout_.value_or(0) > 0) {
+        // The statement must exist before its time-out can be set.
+        ok = query.prepare(text);
+        if (ok) {
+            SetQueryTimeout(query, *commandTimeout_);
+            ok = query.exec();
+        }
+    } else {
+        ok = query.exec(text);
+    }
+    if (!ok) throw ErrorOf(query.lastError());
+    Recordset rs(std::move(query));
+    if (!rs.AtEnd()) open_.push_back(rs.Watch());
+    return rs;
+}
+
+}  // namespace yunqi

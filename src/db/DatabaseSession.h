@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "db/Recordset.h"
+#include "db/SqlDialect.h"
+
+namespace yunqi {
+
+// The one database connection of the process. Every query goes through Open:
+// the text is logged, adapted to the engine's dialect and run forward-only.
+class DatabaseSession {
+  public:
+    ~DatabaseSession();
+    DatabaseSession(const DatabaseSession&) = delete;
+    DatabaseSession& operator=(const DatabaseSession&) = delete;
+
+    // The embedded engine on a database file. Throws RuntimeError when the
+    // file can't be opened.
+    static std::unique_ptr<DatabaseSession> OpenEmbedded(const QString& file);
+    // An ODBC connection, login time-out 30 s; dialect by driver. A SQL Server
+    // connection is taken to allow one open statement at a time. Throws
+    // RuntimeError with the driver's native number and description.
+    static std::unique_ptr<DatabaseSession> OpenOdbc(const QString& odbcConnectionString,
+                                                     SqlDialect dialect);
+
+    // Runs one statement. Errors raise RuntimeError (native number, driver text).
+    // Recordsets still open stay readable: on a connection that allows one open
+    // statement, what is left of them is read into memory first.
+    Recordset Open(const QString& sql);
+
+    // Driver default until a report sets it; 0 means no limit, and it stays.
+    // ODBC's default is already no limit and the embedded engine has none, so
+    // only a positive value reaches the driver, as each ODBC statement's
+    // query time-out.
+    void SetCommandTimeout(int seconds) { commandTimeout_ = seconds; }
+    std::optional<int> CommandTimeout() const { return commandTimeout_; }
+
+    // For a connection that can't have two statements open at once (SQL Server
+    // without multiple active result sets).
+    void SetOneStatementAtATime(bool one) { oneStatement_ = one; }
+    bool OneStatementAtATime() const { return oneStatement_; }
+
+    SqlDialect Dialect() const { return dialect_; }
+    // Receives every SQL text as assembled, before any dialect rewrite.
+    void SetSqlLog(std::function<void(const QString&)> log) { log_ = std::move(log); }
+
+  private:
+    DatabaseSession(QString connectionName, SqlDialect dialect, bool odbc);
+
+    QString connectionName_;
+    SqlDialect dialect_;
+    bool odbc_;
+    bool oneStatement_ = false;
+    std::optional<int> commandTimeout_;
+    std::function<void(const QString&)> log_;
+    std::vector<std::weak_ptr<Recordset::Cursor>> open_;
+};
+
+}  // namespace yunqi

@@ -1,0 +1,130 @@
+#include "db/Recordset.h"
+
+#include <QSqlRecord>
+#include <deque>
+
+#include "core/RuntimeError.h"
+
+namespace yunqi {
+
+namespace {
+
+RuntimeError NoCurrentRecord() {
+    return RuntimeError(
+        3021, QStringLiteral("Either BOF or EOF is True, or the current record has been deleted."));
+}
+
+RuntimeError ItemNotFound() {
+    return RuntimeError(3265, QStringLiteral("Item cannot be found in the collection "
+                                             "corresponding to the requested name or ordinal."));
+}
+
+}  // namespace
+
+class Recordset::Cursor {
+  public:
+    explicit Cursor(QSqlQuery q) : query(std::move(q)) {
+        const QSqlRecord record = query.record();
+        names.reserve(record.count());
+        for (int i = 0; i < record.count(); ++i) {
+            // Some ODBC drivers pad wide column names with NULs.
+            QString name = record.fieldName(i);
+            const qsizetype nul = name.indexOf(QChar(0));
+            if (nul >= 0) name.truncate(nul);
+            names << name;
+        }
+        Next();
+    }
+
+    void Next() {
+        if (inMemory) {
+            atEnd = rows.empty();
+            if (!atEnd) {
+                current = std::move(rows.front());
+                rows.pop_front();
+            }
+            return;
+        }
+        atEnd = !query.next();
+        if (atEnd) query.finish();
+    }
+
+    QVariantList Row() const {
+        QVariantList row;
+        row.reserve(names.size());
+        for (int i = 0; i < names.size(); ++i)
+            row << (query.isNull(i) ? QVariant() : query.value(i));
+        return row;
+    }
+
+    void ReadRest() {
+        if (inMemory || atEnd) return;
+        current = Row();
+        while (query.next()) rows.push_back(Row());
+        query.finish();
+        inMemory = true;
+    }
+
+    bool IsNull(int index) const {
+        return inMemory ? !current[index].isValid() : query.isNull(index);
+    }
+    QVariant Value(int index) const {
+        if (inMemory) return current[index];
+        return query.isNull(index) ? QVariant() : query.value(index);
+    }
+
+    QSqlQuery query;
+    QStringList names;
+    bool atEnd = true;
+    bool inMemory = false;
+    QVariantList current;
+    std::deque<QVariantList> rows;
+};
+
+Recordset::Recordset(QSqlQuery query) : cursor_(std::make_shared<Cursor>(std::move(query))) {}
+
+Recordset::~Recordset() = default;
+
+bool Recordset::AtEnd() const { return cursor_->atEnd; }
+
+void Recordset::MoveNext() {
+    if (cursor_->atEnd) throw NoCurrentRecord();
+    cursor_->Next();
+}
+
+int Recordset::FieldCount() const { return cursor_->names.size(); }
+
+const QString& Recordset::FieldName(int index) const {
+    if (index < 0 || index >= FieldCount()) throw ItemNotFound();
+    return cursor_->names[index];
+}
+
+const QStringList& Recordset::FieldNames() const { return cursor_->names; }
+
+int Recordset::IndexOf(const QString& name) const {
+    const QStringList& names = cursor_->names;
+    for (int i = 0; i < names.size(); ++i)
+        if (names[i].compare(name, Qt::CaseInsensitive) == 0) return i;
+    throw ItemNotFound();
+}
+
+void Recordset::CheckField(int index) const {
+    if (index < 0 || index >= FieldCount()) throw ItemNotFound();
+    if (cursor_->atEnd) throw NoCurrentRecord();
+}
+
+bool Recordset::IsNull(int index) const {
+    CheckField(index);
+    return cursor_->IsNull(index);
+}
+
+QVariant Recordset::Value(int index) const {
+    CheckField(index);
+    return cursor_->Value(index);
+}
+
+void Recordset::ReadRestToMemory(const std::weak_ptr<Cursor>& cursor) {
+    if (auto c = cursor.lock()) c->ReadRest();
+}
+
+}  // namespace yunqi

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QSqlQuery>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <memory>
+
+namespace yunqi {
+
+// A forward-only, read-only result: fields by name and by position, Null as
+// an invalid QVariant. Reading it to its end releases the connection.
+class Recordset {
+  public:
+    // The reading state, shared with the session that opened it.
+    class Cursor;
+
+    explicit Recordset(QSqlQuery query);
+    Recordset(Recordset&&) = default;
+    Recordset& operator=(Recordset&&) = default;
+    ~Recordset();
+
+    bool AtEnd() const;
+    // Past the end: RuntimeError 3021.
+    void MoveNext();
+
+    int FieldCount() const;
+    const QString& FieldName(int index) const;
+    const QStringList& FieldNames() const;
+    // Case-insensitive, as the driver resolves names; an unknown name raises
+    // the driver's "item not found" error (3265).
+    int IndexOf(const QString& name) const;
+
+    // At the end: RuntimeError 3021; an unknown position: 3265.
+    bool IsNull(int index) const;
+    QVariant Value(int index) const;
+    QVariant Value(const QString& name) const { return Value(IndexOf(name)); }
+
+    std::weak_ptr<Cursor> Watch() const { return cursor_; }
+    // Reads the rest of a result into memory and releases the statement, for
+    // a connection that allows one open statement at a time. Reading goes on
+    // from memory as before.
+    static void ReadRestToMemory(const std::weak_ptr<Cursor>& cursor);
+
+  private:
+    void CheckField(int index) const;
+
+    std::shared_ptr<Cursor> cursor_;
+};
+
+}  // namespace yunqi

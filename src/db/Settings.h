@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QSettings>
+#include <QString>
+
+namespace yunqi {
+
+// The DBConfig section of the settings of application 云栖账房. Only read,
+// never written. An INI file; on Linux $XDG_CONFIG_HOME/云栖账房/云栖账房.ini
+// ($XDG_CONFIG_HOME defaults to ~/.config).
+struct DbSettings {
+    QString Edition;  // default "2000"
+    QString Svr;
+    QString UID;
+    QString PWD;
+    QString DBname;
+    // Our own key: the ODBC driver's name, or "SQLite" for the embedded
+    // engine, in which case DBname is the ledger file.
+    QString Driver;
+};
+
+QString DefaultDriver();
+DbSettings ReadDbSettings(QSettings& store);
+// The store the desktop program and the companion read.
+DbSettings ReadDbSettings();
+
+}  // namespace yunqi

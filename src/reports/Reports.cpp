@@ -1,0 +1,23 @@
+#include "reports/Reports.h"
+
+// One line per report: its definition, exported by its folder.
+#define YUNQI_REPORTS(X) X(InvoiceReport)
+
+namespace yunqi {
+
+#define YUNQI_DECLARE(name) const ReportDefinition& name();
+YUNQI_REPORTS(YUNQI_DECLARE)
+
+const std::vector<const ReportDefinition*>& AllReports() {
+#define YUNQI_ENTRY(name) &name(),
+    static const std::vector<const ReportDefinition*> reports{YUNQI_REPORTS(YUNQI_ENTRY)};
+    return reports;
+}
+
+const ReportDefinition* FindReport(const QString& command) {
+    for (const ReportDefinition* report : AllReports())
+        if (report->command == command) return report;
+    return nullptr;
+}
+
+}  // namespace yunqi

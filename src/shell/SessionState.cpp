@@ -1,6 +1,0 @@
-#include "shell/SessionState.h"
-
-SessionState& AppSession() {
-    static SessionState state;
-    return state;
-}

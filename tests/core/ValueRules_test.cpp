@@ -1,0 +1,170 @@
+#include "core/ValueRules.h"
+
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+#include <functional>
+
+#include "core/RuntimeError.h"
+
+using namespace yunqi;
+
+using namespace ValueRules;
+
+namespace {
+long ErrorNumberOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const RuntimeError& e) {
+        return e.number();
+    }
+    return 0;
+}
+}  // namespace
+
+TEST(ValueRulesFormat, HalvesRoundAwayFromZeroOnTheFifteenDigitForm) {
+    // Binary 2.675 and 1.005 lie just below the half; the 15-digit form does not.
+    EXPECT_EQ(Format0_00(0.015), "0.02");
+    EXPECT_EQ(Format0_00(2.675), "2.68");
+    EXPECT_EQ(Format0_00(1.005), "1.01");
+    EXPECT_EQ(Format0_00(0.125), "0.13");
+    EXPECT_EQ(Format0_00(-2.675), "-2.68");
+    EXPECT_EQ(Format0_00(-0.005), "-0.01");
+    EXPECT_EQ(Format0_00(0.0049), "0.00");
+}
+
+TEST(ValueRulesFormat, CarriesAndPads) {
+    EXPECT_EQ(Format0_00(0), "0.00");
+    EXPECT_EQ(Format0_00(0.5), "0.50");
+    EXPECT_EQ(Format0_00(7), "7.00");
+    EXPECT_EQ(Format0_00(0.995), "1.00");
+    EXPECT_EQ(Format0_00(99.995), "100.00");
+    EXPECT_EQ(Format0_00(1234567.891), "1234567.89");
+    EXPECT_EQ(Format0_00(123456789012.345), "123456789012.35");
+    EXPECT_EQ(Format0_00(1e-20), "0.00");
+}
+
+TEST(ValueRulesFormat, NegativeThatRoundsToZeroKeepsItsSign) {
+    EXPECT_EQ(Format0_00(-0.001), "-0.00");
+    EXPECT_EQ(Format0_00(-1.1e-16), "-0.00");
+    EXPECT_EQ(Format0_00(-0.0049), "-0.00");
+}
+
+TEST(ValueRulesFormat, Round2ReadsTheFormattedTextBack) {
+    EXPECT_EQ(Round2(2.675), 2.68);
+    EXPECT_EQ(Round2(0.015), 0.02);
+    EXPECT_EQ(Round2(-0.001), 0.0);
+    EXPECT_EQ(Round2(10.0 / 3), 3.33);
+    // Products that land a hair off the half, as the split shares do.
+    EXPECT_EQ(Round2(100.5 * 0.3), 30.15);
+    EXPECT_EQ(Round2(10.01 * 0.3), 3.0);
+}
+
+TEST(ValueRulesFormat, TwoDigitsPadWithoutCutting) {
+    EXPECT_EQ(Format00(0), "00");
+    EXPECT_EQ(Format00(5), "05");
+    EXPECT_EQ(Format00(12), "12");
+    EXPECT_EQ(Format00(123), "123");
+    EXPECT_EQ(Format00(-5), "-05");
+}
+
+TEST(ValueRulesVal, LongestLeadingNumberWithBlanksSkipped) {
+    EXPECT_EQ(Val(" 70%"), 70);
+    EXPECT_EQ(Val("abc"), 0);
+    EXPECT_EQ(Val(""), 0);
+    EXPECT_EQ(Val("2.5"), 2.5);
+    EXPECT_EQ(Val("1 2 3"), 123);
+    EXPECT_EQ(Val("-3.5x"), -3.5);
+    EXPECT_EQ(Val(".5"), 0.5);
+    EXPECT_EQ(Val("1.2.3"), 1.2);
+    EXPECT_EQ(Val("12abc"), 12);
+    EXPECT_EQ(Val("-"), 0);
+    EXPECT_EQ(Val("70 %"), 70);
+}
+
+TEST(ValueRulesVal, ExponentOnlyWithDigitsBehindIt) {
+    EXPECT_EQ(Val("1e3"), 1000);
+    EXPECT_EQ(Val("1e"), 1);
+    EXPECT_EQ(Val("2e-1x"), 0.2);
+}
+
+TEST(ValueRulesDoubleText, FifteenDigitsNoExponentNoTrailingZeros) {
+    EXPECT_EQ(DoubleText(0.3), "0.3");
+    EXPECT_EQ(DoubleText(0.333), "0.333");
+    EXPECT_EQ(DoubleText(33.3 / 100), "0.333");
+    EXPECT_EQ(DoubleText(0.1 + 0.2), "0.3");
+    EXPECT_EQ(DoubleText(1), "1");
+    EXPECT_EQ(DoubleText(0), "0");
+    EXPECT_EQ(DoubleText(5), "5");
+    EXPECT_EQ(DoubleText(0.07 * 100), "7");
+    EXPECT_EQ(DoubleText(-2.5), "-2.5");
+    EXPECT_EQ(DoubleText(1e-5), "0.00001");
+    EXPECT_EQ(DoubleText(1e15), "1000000000000000");
+    EXPECT_EQ(DoubleText(123456.789), "123456.789");
+}
+
+TEST(ValueRulesRounding, TiesGoToEven) {
+    EXPECT_EQ(RoundHalfEven(2.5), 2);
+    EXPECT_EQ(RoundHalfEven(3.5), 4);
+    EXPECT_EQ(RoundHalfEven(0.5), 0);
+    EXPECT_EQ(RoundHalfEven(-2.5), -2);
+    EXPECT_EQ(RoundHalfEven(2.4999), 2);
+    EXPECT_EQ(RoundHalfEven(2.51), 3);
+}
+
+TEST(ValueRulesRounding, BeyondThirtyTwoBitsOverflows) {
+    EXPECT_EQ(RoundHalfEven(2147483647.4), 2147483647);
+    EXPECT_EQ(RoundHalfEven(-2147483648.5), -2147483647 - 1);
+    EXPECT_EQ(ErrorNumberOf([] { RoundHalfEven(2147483647.5); }), 6);
+    EXPECT_EQ(ErrorNumberOf([] { RoundHalfEven(-3e9); }), 6);
+}
+
+TEST(ValueRulesDates, FormatsFromDatesAndDatabaseValues) {
+    const QDate d(2024, 3, 5);
+    EXPECT_EQ(FormatYmdDash(d), "2024-03-05");
+    EXPECT_EQ(FormatYmd(d), "20240305");
+    EXPECT_EQ(FormatYm(d), "202403");
+
+    const QVariant text(QStringLiteral("2024-03-05 10:20:30"));
+    const QVariant dateTime(QDateTime(d, QTime(23, 59, 59)));
+    for (const QVariant& v : {text, dateTime, QVariant(d)}) {
+        EXPECT_EQ(ToDate(v), d);
+        EXPECT_EQ(DateTextDash(v), "2024-03-05");
+        EXPECT_EQ(DateText8(v), "20240305");
+        EXPECT_EQ(DateText6(v), "202403");
+    }
+    EXPECT_EQ(ToDate(QStringLiteral("2024-12-31T08:00:00")), QDate(2024, 12, 31));
+}
+
+TEST(ValueRulesDates, NullAndNonDatesRaiseThePlatformErrors) {
+    EXPECT_EQ(ErrorNumberOf([] { ToDate(QVariant()); }), 94);
+    EXPECT_EQ(ErrorNumberOf([] { DateText8(QVariant()); }), 94);
+    EXPECT_EQ(ErrorNumberOf([] { ToDate(QStringLiteral("abc")); }), 13);
+    EXPECT_EQ(ErrorNumberOf([] { ToDate(QStringLiteral("2024-02-30")); }), 13);
+    EXPECT_EQ(ErrorNumberOf([] { DateTextDash(QStringLiteral("abc")); }), 13);
+}
+
+TEST(ValueRulesText, CrLfPairsGoInOnePass) {
+    EXPECT_EQ(RemoveCrLf("东区\r\n一期\r\n"), "东区一期");
+    EXPECT_EQ(RemoveCrLf("a\rb\nc"), "a\rb\nc");
+    EXPECT_EQ(RemoveCrLf("a\n\rb"), "a\n\rb");
+    EXPECT_EQ(RemoveCrLf("\r\r\n\n"), "\r\n");
+}
+
+TEST(ValueRulesText, ParkingTestIsContainment) {
+    EXPECT_TRUE(IsParkingCategory("停车收费"));
+    EXPECT_TRUE(IsParkingCategory("临时停车"));
+    EXPECT_FALSE(IsParkingCategory("物业收费"));
+    EXPECT_FALSE(IsParkingCategory("停 车"));
+    EXPECT_FALSE(IsParkingCategory(""));
+}
+
+TEST(ValueRulesText, DatabaseValues) {
+    EXPECT_EQ(TextOf(QVariant(12)), "12");
+    EXPECT_EQ(TextOrEmpty(QVariant()), "");
+    EXPECT_EQ(ErrorNumberOf([] { TextOf(QVariant()); }), 94);
+    EXPECT_EQ(NumberOf(QVariant(qlonglong(7))), 7);
+    EXPECT_EQ(NumberOf(QVariant(2.675)), 2.675);
+    EXPECT_EQ(NumberOf(QVariant(QStringLiteral(" 12.5 "))), 12.5);
+    EXPECT_EQ(ErrorNumberOf([] { NumberOf(QVariant()); }), 94);
+}
