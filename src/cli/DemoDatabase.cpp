@@ -104,11 +104,11 @@ const char* const kCompanies[] = {"云栖科技有限公司", "杭州明远贸�
                                   "江南餐饮管理有限公司", "青禾教育咨询有限公司"};
 
 void Exec(QSqlQuery& q, const QString& sql) {
-    if (!q.exec(sql)) throw RuntimeError(1, q.lastError().text() + QStringLiteral(": ") + sql);
+    if (!q.exec(sql)) throw RuntimeError(long(ErrorCode::ProviderError), q.lastError().text() + QStringLiteral(": ") + sql);
 }
 
 void Run(QSqlQuery& q) {
-    if (!q.exec()) throw RuntimeError(1, q.lastError().text());
+    if (!q.exec()) throw RuntimeError(long(ErrorCode::ProviderError), q.lastError().text());
 }
 
 QString Money(double v) { return QString::number(std::round(v * 100) / 100, 'f', 2); }
@@ -270,7 +270,7 @@ DemoSummary WriteDemoDatabase(const QString& file, int tickets, quint64 seed) {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
         db.setDatabaseName(temp);
         try {
-            if (!db.open()) throw RuntimeError(1, db.lastError().text());
+            if (!db.open()) throw RuntimeError(long(ErrorCode::ProviderError), db.lastError().text());
             QSqlQuery q(db);
             Exec(q, QStringLiteral("PRAGMA journal_mode=OFF"));
             Exec(q, QStringLiteral("PRAGMA synchronous=OFF"));
@@ -279,7 +279,7 @@ DemoSummary WriteDemoDatabase(const QString& file, int tickets, quint64 seed) {
             WriteSettings(q);
             summary = WriteTickets(db, tickets, seed);
             for (const QString& s : EmbeddedSchema::IndexStatements()) Exec(q, s);
-            if (!db.commit()) throw RuntimeError(1, db.lastError().text());
+            if (!db.commit()) throw RuntimeError(long(ErrorCode::ProviderError), db.lastError().text());
             Exec(q, QStringLiteral("ANALYZE"));
             db.close();
         } catch (...) {
@@ -295,7 +295,7 @@ DemoSummary WriteDemoDatabase(const QString& file, int tickets, quint64 seed) {
     if (std::rename(QFile::encodeName(temp).constData(), QFile::encodeName(file).constData()) !=
         0) {
         QFile::remove(temp);
-        throw RuntimeError(75, QStringLiteral("Path/File access error: ") + file);
+        throw RuntimeError(ErrorCode::PathFileAccess, file);
     }
     return summary;
 }

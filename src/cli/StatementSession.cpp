@@ -12,11 +12,11 @@ std::unique_ptr<DatabaseSession> OpenStatementSession(const QString& database) {
     if (database.isEmpty()) {
         // The desktop program's settings; OpenDatabase has shown why it failed.
         if (!OpenDatabase(ReadDbSettings()))
-            throw RuntimeError(3704, QStringLiteral("数据库连接失败!"));
+            throw RuntimeError(ErrorCode::ConnectionFailed);
         return std::move(AppSession().SessionConnection);
     }
     if (!QFileInfo(database).isFile())
-        throw RuntimeError(53, QStringLiteral("File not found: ") + database);
+        throw RuntimeError(ErrorCode::FileNotFound, database);
     return DatabaseSession::OpenEmbedded(database);
 }
 

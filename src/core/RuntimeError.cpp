@@ -10,17 +10,20 @@ RuntimeError::RuntimeError(long number, QString description)
       number_(number),
       description_(std::move(description)) {}
 
+RuntimeError::RuntimeError(ErrorCode code) : RuntimeError(long(code), ErrorText(code)) {}
+
+RuntimeError::RuntimeError(ErrorCode code, const QString& detail)
+    : RuntimeError(long(code), ErrorText(code) + QStringLiteral(": ") + detail) {}
+
 RuntimeError RuntimeError::InvalidProcedureCall() {
-    return {5, QStringLiteral("Invalid procedure call or argument")};
+    return RuntimeError(ErrorCode::InvalidProcedureCall);
 }
-RuntimeError RuntimeError::Overflow() { return {6, QStringLiteral("Overflow")}; }
+RuntimeError RuntimeError::Overflow() { return RuntimeError(ErrorCode::Overflow); }
 RuntimeError RuntimeError::SubscriptOutOfRange() {
-    return {9, QStringLiteral("Subscript out of range")};
+    return RuntimeError(ErrorCode::SubscriptOutOfRange);
 }
-RuntimeError RuntimeError::TypeMismatch() { return {13, QStringLiteral("Type mismatch")}; }
-RuntimeError RuntimeError::InvalidUseOfNull() {
-    return {94, QStringLiteral("Invalid use of Null")};
-}
+RuntimeError RuntimeError::TypeMismatch() { return RuntimeError(ErrorCode::TypeMismatch); }
+RuntimeError RuntimeError::InvalidUseOfNull() { return RuntimeError(ErrorCode::InvalidUseOfNull); }
 
 namespace {
 void DefaultHandler(const RuntimeError& error) {

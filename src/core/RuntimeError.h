@@ -3,13 +3,19 @@
 #include <QString>
 #include <stdexcept>
 
+#include "core/ErrorCatalogue.h"
+
 namespace yunqi {
 
 // A run-time error: number and description, as the platform reports them.
 // Routines without an error trap let it travel to the top-level handler.
 class RuntimeError : public std::runtime_error {
 public:
+    // A driver's or server's own number and text.
     RuntimeError(long number, QString description);
+    // A catalogued error with its text; a detail follows it after ": ".
+    explicit RuntimeError(ErrorCode code);
+    RuntimeError(ErrorCode code, const QString& detail);
 
     long number() const { return number_; }
     const QString& description() const { return description_; }

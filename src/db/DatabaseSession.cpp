@@ -24,7 +24,7 @@ RuntimeError ErrorOf(const QSqlError& error) {
     bool ok = false;
     long number = error.nativeErrorCode().toLong(&ok);
     QString text = error.databaseText().isEmpty() ? error.text() : error.databaseText();
-    return RuntimeError(ok ? number : -2147467259L, text);
+    return RuntimeError(ok ? number : long(ErrorCode::ProviderError), text);
 }
 
 #ifdef Q_OS_WIN
@@ -76,7 +76,7 @@ DatabaseSession::~DatabaseSession() {
 
 std::unique_ptr<DatabaseSession> DatabaseSession::OpenEmbedded(const QString& file) {
     if (!QFileInfo(file).isFile())
-        throw RuntimeError(14, QStringLiteral("unable to open database file: ") + file);
+        throw RuntimeError(ErrorCode::CannotOpenDatabaseFile, file);
     const QString name = NewConnectionName();
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);

@@ -28,7 +28,7 @@ void CheckQuotedValues(const QString& text) {
         const qsizetype after = close + 1;
         if (after < text.size() && text[after] != QLatin1Char(';'))
             throw RuntimeError(
-                -2147467259,
+                long(ErrorCode::ProviderError),
                 QStringLiteral("Format of the initialization string is invalid at index %1.")
                     .arg(start - key.size()));
     }

@@ -10,13 +10,11 @@ namespace yunqi {
 namespace {
 
 RuntimeError NoCurrentRecord() {
-    return RuntimeError(
-        3021, QStringLiteral("Either BOF or EOF is True, or the current record has been deleted."));
+    return RuntimeError(ErrorCode::NoCurrentRecord);
 }
 
 RuntimeError ItemNotFound() {
-    return RuntimeError(3265, QStringLiteral("Item cannot be found in the collection "
-                                             "corresponding to the requested name or ordinal."));
+    return RuntimeError(ErrorCode::ItemNotFound);
 }
 
 }  // namespace

@@ -78,7 +78,7 @@ class Rewriter {
     void CheckEmptyInLists() const {
         for (int k = 0; k + 2 < Size(); ++k)
             if (T(k).IsWord(u"in") && Is(k + 1, '(') && Is(k + 2, ')'))
-                throw RuntimeError(102, QStringLiteral("Incorrect syntax near ')'."));
+                throw RuntimeError(ErrorCode::SyntaxError);
     }
 
     void RenameLen() {

@@ -6,7 +6,7 @@ namespace yunqi {
 
 namespace {
 // The control's own error for a row or column outside the grid.
-RuntimeError BadSubscript() { return RuntimeError(381, QStringLiteral("Subscript out of range")); }
+RuntimeError BadSubscript() { return RuntimeError(ErrorCode::GridSubscript); }
 }  // namespace
 
 FlexGrid::FlexGrid(int rows, int cols, int fixedRows, int fixedCols)
@@ -16,7 +16,7 @@ FlexGrid::FlexGrid(int rows, int cols, int fixedRows, int fixedCols)
 }
 
 void FlexGrid::SetRows(int rows) {
-    if (rows < 0) throw RuntimeError(30009, QStringLiteral("Invalid Row value"));
+    if (rows < 0) throw RuntimeError(ErrorCode::InvalidRowValue);
     cells_.resize(std::size_t(rows) * cols_);
     backColors_.resize(std::size_t(rows) * cols_, -1);
     rowHeights_.resize(rows, -1);
@@ -36,7 +36,7 @@ void FlexGrid::SetRows(int rows) {
 }
 
 void FlexGrid::SetCols(int cols) {
-    if (cols < 0) throw RuntimeError(30010, QStringLiteral("Invalid Col value"));
+    if (cols < 0) throw RuntimeError(ErrorCode::InvalidColValue);
     std::vector<QString> cells(std::size_t(rows_) * cols);
     std::vector<int> colors(std::size_t(rows_) * cols, -1);
     for (int r = 0; r < rows_; ++r)
@@ -60,12 +60,12 @@ void FlexGrid::CheckCell(int row, int col) const {
 }
 
 void FlexGrid::SetRow(int row) {
-    if (row < 0 || row >= rows_) throw RuntimeError(30009, QStringLiteral("Invalid Row value"));
+    if (row < 0 || row >= rows_) throw RuntimeError(ErrorCode::InvalidRowValue);
     row_ = row;
 }
 
 void FlexGrid::SetCol(int col) {
-    if (col < 0 || col >= cols_) throw RuntimeError(30010, QStringLiteral("Invalid Col value"));
+    if (col < 0 || col >= cols_) throw RuntimeError(ErrorCode::InvalidColValue);
     col_ = col;
 }
 

@@ -12,7 +12,7 @@ int PageSizeFor(int gridHeight, int rowHeight) {
 }
 
 int PageCountOf(int rows, int pageSize) {
-    if (pageSize == 0) throw RuntimeError(11, QStringLiteral("Division by zero"));
+    if (pageSize == 0) throw RuntimeError(ErrorCode::DivisionByZero);
     return rows / pageSize + (rows % pageSize != 0 ? 1 : 0);
 }
 

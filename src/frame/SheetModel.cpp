@@ -46,7 +46,7 @@ int SheetModel::Intern(const Style& style) {
     const auto it = styleIndex_.find(style);
     if (it != styleIndex_.end()) return it->second;
     if (styles_.size() > 0xFFFF)
-        throw RuntimeError(1004, QStringLiteral("Too many different cell formats."));
+        throw RuntimeError(ErrorCode::TooManyCellFormats);
     styles_.push_back(style);
     const int index = int(styles_.size()) - 1;
     styleIndex_.emplace(style, index);

@@ -18,7 +18,7 @@ namespace {
 
 // Path/File access error, with the library's own words.
 [[noreturn]] void Fail(lxw_error error, const QString& what) {
-    throw RuntimeError(75, what + QStringLiteral(": ") + QString::fromUtf8(lxw_strerror(error)));
+    throw RuntimeError(long(ErrorCode::PathFileAccess), what + QStringLiteral(": ") + QString::fromUtf8(lxw_strerror(error)));
 }
 
 uint8_t AlignOf(int alignment) {
@@ -148,11 +148,11 @@ void WriteSheet(lxw_workbook* book, lxw_worksheet* ws, const SheetModel& sheet) 
 void WriteXlsx(const SheetModel& sheet, const QString& path) {
     const QFileInfo target(path);
     const QDir dir = target.absoluteDir();
-    if (!dir.exists()) throw RuntimeError(76, QStringLiteral("Path not found: ") + dir.path());
+    if (!dir.exists()) throw RuntimeError(ErrorCode::PathNotFound, dir.path());
     // Reserve a temporary name beside the target; the library writes it anew.
     QTemporaryFile temp(dir.filePath(QStringLiteral(".%1.XXXXXX").arg(target.fileName())));
     if (!temp.open())
-        throw RuntimeError(75, QStringLiteral("Path/File access error: ") + temp.errorString());
+        throw RuntimeError(ErrorCode::PathFileAccess, temp.errorString());
     const QString tempPath = temp.fileName();
     temp.close();
 
@@ -160,7 +160,7 @@ void WriteXlsx(const SheetModel& sheet, const QString& path) {
     options.constant_memory = LXW_TRUE;
     const QByteArray tempName = QFile::encodeName(tempPath);
     lxw_workbook* book = workbook_new_opt(tempName.constData(), &options);
-    if (!book) throw RuntimeError(75, QStringLiteral("Path/File access error: ") + path);
+    if (!book) throw RuntimeError(ErrorCode::PathFileAccess, path);
     lxw_worksheet* ws = workbook_add_worksheet(book, nullptr);
     try {
         WriteSheet(book, ws, sheet);
@@ -177,7 +177,7 @@ void WriteXlsx(const SheetModel& sheet, const QString& path) {
     // rename(2) replaces the target in one step.
     if (std::rename(tempName.constData(),
                     QFile::encodeName(target.absoluteFilePath()).constData()) != 0)
-        throw RuntimeError(75, QStringLiteral("Path/File access error: ") + path);
+        throw RuntimeError(ErrorCode::PathFileAccess, path);
     temp.setAutoRemove(false);
 }
 
