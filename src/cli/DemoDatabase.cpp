@@ -124,7 +124,7 @@ void WriteSettings(QSqlQuery& q) {
             Exec(q,
                  QStringLiteral("INSERT INTO 税控盘收费项目设置 VALUES ('%1',%2,'%3')")
                      .arg(it.code, it.rate < 0 ? QStringLiteral("NULL") : QString::number(it.rate),
-                          d.code));
+                          d.site));
     }
     for (const TicketType& t : kTypes)
         Exec(q, QStringLiteral("INSERT INTO 票据类型 VALUES ('%1','%2',%3)")

@@ -4,6 +4,7 @@
 
 #include "cli/ConsoleDialogs.h"
 #include "cli/MakeDemoDbCommand.h"
+#include "cli/MonthlyStatementCommand.h"
 #include "cli/PagedStatementCommand.h"
 #include "cli/StatementSession.h"
 #include "reports/Reports.h"
@@ -37,6 +38,8 @@ int RunStatementCli(const QStringList& args) {
     if (command == QLatin1String("make-demo-db")) return RunMakeDemoDb(args.mid(1));
     if (const ReportDefinition* report = FindReport(command); report && report->makePaged)
         return RunPagedStatement(*report, args.mid(1), OpenStatementSession);
+    if (const ReportDefinition* report = FindReport(command); report && report->makeMonthly)
+        return RunMonthlyStatement(*report, args.mid(1), OpenStatementSession);
     return Usage(QStringLiteral("unknown command: ") + args.first());
 }
 

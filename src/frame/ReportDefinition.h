@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 
+#include "frame/MonthlyStatement.h"
 #include "frame/PagedStatement.h"
 #include "frame/ReportTexts.h"
 
@@ -30,6 +31,8 @@ struct ReportDefinition {
     bool headerBeforeDisable = false;
     // The statement of a paged report (DateWindow reports).
     std::function<std::unique_ptr<PagedStatement>(DatabaseSession&)> makePaged;
+    // The statement of a report without pages (YearMonths reports).
+    std::function<std::unique_ptr<MonthlyStatement>(DatabaseSession&)> makeMonthly;
 };
 
 }  // namespace yunqi

@@ -1,7 +1,9 @@
 #include "reports/Reports.h"
 
 // One line per report: its definition, exported by its folder.
-#define YUNQI_REPORTS(X) X(InvoiceReport)
+#define YUNQI_REPORTS(X) \
+    X(InvoiceReport)     \
+    X(ReconciliationReport)
 
 namespace yunqi {
 

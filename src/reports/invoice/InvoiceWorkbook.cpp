@@ -3,6 +3,7 @@
 #include "reports/invoice/InvoiceStatement.h"
 
 #include "frame/Conditions.h"
+#include "frame/WorkbookLayout.h"
 #include "core/ValueRules.h"
 
 namespace yunqi {
@@ -24,29 +25,11 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
     const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();
 
-    auto title = sheet.RangeOf(1, 1, 1, c);
-    title.SetMergeCells(true);
-    title.SetHorizontalAlignment(SheetModel::kAlignCenter);
-    sheet.Cells(1, 1).SetValue(in.title);
-
-    auto dept = sheet.RangeOf(2, 1, 2, 4);
-    dept.SetMergeCells(true);
-    dept.SetHorizontalAlignment(SheetModel::kAlignLeft);
-    sheet.Cells(2, 1).SetValue(QStringLiteral(" 统计部门 : ") +
-                               Conditions::EntryBeforeBracket(in.entry));
-
-    auto dates = sheet.RangeOf(3, 1, 3, 4);
-    dates.SetMergeCells(true);
-    dates.SetHorizontalAlignment(SheetModel::kAlignLeft);
-    sheet.Cells(3, 1).SetValue(QStringLiteral(" 开票日期 : ") + ValueRules::FormatYmdDash(in.conditions.From) +
-                               QStringLiteral(" 至 ") + ValueRules::FormatYmdDash(in.conditions.To));
-
-    sheet.RangeOf(4, 1, 5, c).SetHorizontalAlignment(SheetModel::kAlignCenter);
-    for (int headerRow = 0; headerRow <= 1; ++headerRow)
-        for (int g = 0; g < c; ++g) {
-            sheet.SetColumnWidth(g + 1, grid.ColWidth(g) / 110.0);
-            sheet.Cells(4 + headerRow, g + 1).SetValue(grid.TextMatrix(headerRow, g));
-        }
+    WorkbookLayout::TitleBlock(
+        sheet, c, in.title, QStringLiteral(" 统计部门 : ") + Conditions::EntryBeforeBracket(in.entry),
+        QStringLiteral(" 开票日期 : ") + ValueRules::FormatYmdDash(in.conditions.From) +
+            QStringLiteral(" 至 ") + ValueRules::FormatYmdDash(in.conditions.To));
+    WorkbookLayout::GridHeader(sheet, grid);
 
     sheet.RangeOf(4, 1, 5, 1).SetMergeCells(true);
     sheet.RangeOf(4, 2, 5, 2).SetMergeCells(true);
@@ -99,16 +82,7 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
         }
     }
 
-    auto money = sheet.RangeOf(6, 7, u + 5, n + 7);
-    money.SetNumberFormat(QStringLiteral("#0.00"));
-    money.SetHorizontalAlignment(SheetModel::kAlignRight);
-    auto head = sheet.RangeOf(1, 1, 1, c);
-    head.SetFontName(QStringLiteral("微软雅黑"));
-    head.SetFontBold(true);
-    auto body = sheet.RangeOf(2, 1, u + 5, c);
-    body.SetFontName(QStringLiteral("微软雅黑"));
-    body.SetFontSize(9);
-    sheet.RangeOf(4, 1, u + 5, c).SetBordersLineStyle(1);
+    WorkbookLayout::Finish(sheet, c, {6, 7, u + 5, n + 7}, u + 5, u + 5);
 
     sheet.Cells(u + 6, 2).SetValue(QStringLiteral("收款人:"));
     sheet.Cells(u + 6, 7).SetValue(QStringLiteral("经理:"));

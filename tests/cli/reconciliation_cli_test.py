@@ -1,0 +1,102 @@
+"""yunqi-statement reconciliation end to end on a demo ledger: the rows add
+up as the check says, the invoice columns agree with the ledger itself, and
+the exit statuses tell what happened."""
+import csv
+import io
+import os
+import shutil
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import unittest
+
+BIN = sys.argv[1] if len(sys.argv) > 1 else "build/bin"
+TOOL = os.path.join(BIN, "yunqi-statement")
+
+
+def run(*args):
+    return subprocess.run([TOOL, *args], capture_output=True, text=True)
+
+
+class ReconciliationCommandOnDemoLedger(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.dir = tempfile.mkdtemp()
+        cls.db = os.path.join(cls.dir, "demo.sqlite")
+        made = run("make-demo-db", cls.db, "--tickets", "3000", "--seed", "5")
+        assert made.returncode == 0, made.stderr
+        cls.log = os.path.join(cls.dir, "sql.log")
+        r = run("reconciliation", "--database", cls.db, "--dept", "01", "--year", "2024",
+                "--months", "01-12", "--csv", "-", "--sql-log", cls.log)
+        assert r.returncode == 0, r.stderr
+        cls.rows = list(csv.reader(io.StringIO(r.stdout)))
+
+    @classmethod
+    def tearDownClass(cls):
+        shutil.rmtree(cls.dir)
+
+    def test_rows_add_up(self):
+        head0, body = self.rows[0], self.rows[2:]
+        c = len(head0)
+        n = c - 13
+        self.assertTrue(all(len(r) == c for r in self.rows))
+        self.assertEqual([r[0] for r in body], [str(i) for i in range(1, len(body) + 1)])
+        num = lambda t: float(t) if t else 0.0
+        month, subtotals = [], []
+        for r in body[:-1]:
+            if r[2] == "小计":
+                for k in range(3, n + 9):
+                    self.assertAlmostEqual(num(r[k]), sum(num(m[k]) for m in month), places=2)
+                d = sum(num(r[k]) for k in range(3, 8)) - num(r[n + 8]) + num(r[n + 9]) - num(r[n + 10])
+                self.assertAlmostEqual(num(r[n + 11]), d, places=2)
+                subtotals.append(r)
+                month = []
+            else:
+                self.assertEqual(r[7], "0.00")
+                self.assertAlmostEqual(num(r[n + 8]), sum(num(r[k]) for k in range(8, n + 8)), places=2)
+                month.append(r)
+        self.assertEqual(len(subtotals), 12)
+        total = body[-1]
+        self.assertEqual(total[1:3], ["合计", ""])
+        for k in range(3, n + 11):
+            self.assertAlmostEqual(num(total[k]), sum(num(r[k]) for r in subtotals), places=2)
+        self.assertEqual(total[n + 11], "")
+
+    def test_invoice_columns_agree_with_the_ledger(self):
+        con = sqlite3.connect(self.db)
+        sums = dict(con.execute(
+            "Select strftime('%Y%m', p.开票日期), round(sum(d.税额), 2) From 票据开票数据 d "
+            "Join 票据 p On p.票据编号 = d.票据编号 And p.入库单编号 = d.入库单编号 "
+            "Join 票据入库单 s On s.入库单编号 = p.入库单编号 "
+            "Join 税控盘收费项目设置 t On t.DH = d.收费项目代号 And t.管理处 = 'GY01' "
+            "Where s.票据类型编号 = '01' And p.作废日期 Is Null And p.开票部门编号 = '01' "
+            "And t.税率 Is Not Null And p.开票日期 Like '2024%' Group by 1").fetchall())
+        got = {r[1]: float(r[4]) for r in self.rows[2:] if r[2] == "小计"}
+        self.assertTrue(set(sums) <= set(got))
+        for m in got:
+            self.assertAlmostEqual(got[m], sums.get(m) or 0.0, places=2, msg=m)
+
+    def test_one_statement_a_month_and_two_sums(self):
+        with open(self.log, encoding="utf-8") as f:
+            lines = f.read().splitlines()
+        self.assertEqual(len(lines), 3 + 3 * 12)
+        self.assertEqual(sum(l.startswith("Select Distinct CASE") for l in lines), 12)
+
+    def test_exit_statuses(self):
+        base = ("reconciliation", "--database", self.db, "--dept", "01", "--year")
+        r = run(*base, "2024", "--months", "12-01")
+        self.assertEqual(r.returncode, 2)
+        self.assertIn("截至月份不能小于开始月份,请重新选择!", r.stderr)
+        for months in ("1-12", "00-03", "03-13"):
+            self.assertEqual(run(*base, "2024", "--months", months).returncode, 2, months)
+        self.assertEqual(run(*base, "2015", "--months", "01-12").returncode, 2)
+        r = run(*base, "2016", "--months", "01-12")
+        self.assertEqual(r.returncode, 3)
+        self.assertIn("没有满足条件的开票数据,请重新设置条件!", r.stderr)
+        self.assertEqual(run("reconciliation", "--database", self.db, "--dept", "99", "--year",
+                             "2024", "--months", "01-01").returncode, 2)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
