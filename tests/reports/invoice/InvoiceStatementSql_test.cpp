@@ -1,9 +1,10 @@
-#include "reports/invoice/InvoiceStatementFixture.h"
+#include "reports/invoice/InvoiceStatement.h"
+#include "support/TicketLedger.h"
 
 using namespace yunqi;
 
 // The exact texts are held by the golden fixtures under tests/fixtures/golden.
-class InvoiceStatementSql : public InvoiceLedger {};
+class InvoiceStatementSql : public TicketLedger<InvoiceStatement> {};
 
 TEST_F(InvoiceStatementSql, RatioTextFollowsThePropertyCell) {
     Paid("2", "S1", "2024-03-02", "02", 105, "5");
