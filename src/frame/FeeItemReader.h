@@ -3,6 +3,8 @@
 #include <QString>
 
 #include "frame/FeeItem.h"
+#include "frame/FlexGrid.h"
+#include "db/DatabaseSession.h"
 #include "db/Recordset.h"
 
 namespace yunqi {
@@ -10,6 +12,13 @@ namespace yunqi {
 // FeeItems from the result of an extraction statement (收费项目代号, 税率, xm,
 // 收费类别), in the order delivered. Index 0 is an empty item.
 FeeItemList ReadFeeItems(Recordset& rs);
+// Runs an extraction statement and fills the split-ratio grid with the
+// default percentages of its parking items.
+FeeItemList LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2);
+// The money columns of the main statement, from position 10 or 11 on:
+// " ,Bi.name , Bi.tax" for an ordinary item, and for a parking item, per
+// matching row of the split-ratio grid, " ,Bi.nameKFS ,Bi.nameWY , Bi.tax".
+QString FeeColumnsSelect(const FeeItemList& items, const FlexGrid& grid2);
 // The name without the characters a bare SQL alias can't hold: ( ) ） （ %.
 QString AliasSafeName(QString name);
 // "A Is Not Null Or B Is Not Null ...": a parking item is tested by its KFS

@@ -3,6 +3,7 @@
 // One line per report: its definition, exported by its folder.
 #define YUNQI_REPORTS(X) \
     X(InvoiceReport)     \
+    X(PreInvoiceReport)  \
     X(ReconciliationReport)
 
 namespace yunqi {

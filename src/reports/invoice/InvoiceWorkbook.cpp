@@ -2,15 +2,14 @@
 
 #include "reports/invoice/InvoiceStatement.h"
 
-#include "frame/Conditions.h"
-#include "frame/WorkbookLayout.h"
+#include "frame/WorkbookParts.h"
 #include "core/ValueRules.h"
 
 namespace yunqi {
 
 namespace {
 
-constexpr int kLightBlue = 16761024;
+using WorkbookParts::kLightBlue;
 const QString kTotal = QStringLiteral("合  计");
 const QString kOf = QStringLiteral("其中");
 
@@ -25,23 +24,13 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
     const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();
 
-    WorkbookLayout::TitleBlock(
-        sheet, c, in.title, QStringLiteral(" 统计部门 : ") + Conditions::EntryBeforeBracket(in.entry),
-        QStringLiteral(" 开票日期 : ") + ValueRules::FormatYmdDash(in.conditions.From) +
-            QStringLiteral(" 至 ") + ValueRules::FormatYmdDash(in.conditions.To));
-    WorkbookLayout::GridHeader(sheet, grid);
-
+    WorkbookParts::WriteTitleBlock(sheet, c, in);
+    WorkbookParts::CopyGridHeader(sheet, grid);
     sheet.RangeOf(4, 1, 5, 1).SetMergeCells(true);
     sheet.RangeOf(4, 2, 5, 2).SetMergeCells(true);
     sheet.RangeOf(4, 3, 4, 5).SetMergeCells(true);
     sheet.RangeOf(4, 6, 5, 6).SetMergeCells(true);
-    int k = 6;
-    const FeeItemList& items = statement.FeeItems();
-    for (std::size_t i = 1; i < items.size(); ++i) {
-        const int width = items[i].IsParking() ? 3 : 2;
-        sheet.RangeOf(4, k + 1, 4, k + width).SetMergeCells(true);
-        k += width;
-    }
+    WorkbookParts::MergeFeeBands(sheet, statement.FeeItems(), 6);
     for (int col = c - 2; col <= c; ++col) sheet.RangeOf(4, col, 5, col).SetMergeCells(true);
     sheet.RangeOf(4, 1, 5, c).SetInteriorColor(kLightBlue);
 
@@ -82,11 +71,13 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
         }
     }
 
-    WorkbookLayout::Finish(sheet, c, {6, 7, u + 5, n + 7}, u + 5, u + 5);
-
-    sheet.Cells(u + 6, 2).SetValue(QStringLiteral("收款人:"));
-    sheet.Cells(u + 6, 7).SetValue(QStringLiteral("经理:"));
-    sheet.Cells(u + 6, 13).SetValue(QStringLiteral("缴款人:"));
+    auto money = sheet.RangeOf(6, 7, u + 5, n + 7);
+    money.SetNumberFormat(QStringLiteral("#0.00"));
+    money.SetHorizontalAlignment(SheetModel::kAlignRight);
+    WorkbookParts::FinishTable(sheet, u + 5, c);
+    WorkbookParts::WriteSignatureLine(
+        sheet, u + 6,
+        {{2, QStringLiteral("收款人:")}, {7, QStringLiteral("经理:")}, {13, QStringLiteral("缴款人:")}});
     steps.FooterWritten();
 }
 

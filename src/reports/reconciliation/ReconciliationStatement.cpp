@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "core/Dialogs.h"
+#include "core/MessageForms.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
 #include "frame/Conditions.h"
@@ -24,12 +24,6 @@ int FinanceColumn(int n) { return n + 8; }
 int CollectedColumn(int n) { return n + 9; }
 int UncollectedColumn(int n) { return n + 10; }
 int DifferenceColumn(int n) { return n + 11; }
-
-// The trapped routines show the number and the description run together.
-void ShowTrapped(const RuntimeError& e) {
-    AppDialogs().MsgBox(QString::number(e.number()) + e.description(), QStringLiteral("系统提示"),
-                        MsgIcon::Information);
-}
 
 int AddRow(FlexGrid& grid) {
     grid.SetRows(grid.Rows() + 1);
@@ -233,7 +227,7 @@ void ReconciliationStatement::ExtractFeeItems(const StatementConditions& conditi
         feeItems_ = ReadFeeItems(rs);
         BuildGridHeader(grid1);
     } catch (const RuntimeError& e) {
-        ShowTrapped(e);
+        MessageForms::ShowTrap(e.number(), e.description());
     }
 }
 
@@ -393,7 +387,7 @@ void ReconciliationStatement::FillPreInvoiced(const StatementConditions& k, Flex
                     }
         }
     } catch (const RuntimeError& e) {
-        ShowTrapped(e);
+        MessageForms::ShowTrap(e.number(), e.description());
     }
 }
 

@@ -1,16 +1,9 @@
 #include "reports/reconciliation/ReconciliationWorkbook.h"
 
 #include "core/ValueRules.h"
-#include "frame/Conditions.h"
-#include "frame/WorkbookLayout.h"
+#include "frame/WorkbookParts.h"
 
 namespace yunqi {
-
-namespace {
-
-constexpr int kLightBlue = 0xFFC0C0;
-
-}  // namespace
 
 void WriteReconciliationSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                               const WorkbookContext& in) {
@@ -21,12 +14,11 @@ void WriteReconciliationSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps
     const int n = c - 13;
 
     const StatementConditions& k = in.conditions;
-    WorkbookLayout::TitleBlock(
-        sheet, c, in.title,
-        QStringLiteral(" 统计部门 : ") + Conditions::EntryBeforeBracket(in.entry),
+    WorkbookParts::WriteTitleBlock(
+        sheet, c, in,
         QStringLiteral(" 核对年月 : ") + k.Year + QStringLiteral(" 年 ") + k.FromMonth +
             QStringLiteral(" 月 至 ") + k.ToMonth + QStringLiteral(" 月"));
-    WorkbookLayout::GridHeader(sheet, grid);
+    WorkbookParts::CopyGridHeader(sheet, grid);
 
     sheet.RangeOf(4, 1, 5, 1).SetMergeCells(true);
     sheet.RangeOf(4, 2, 5, 2).SetMergeCells(true);
@@ -35,7 +27,7 @@ void WriteReconciliationSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps
     sheet.RangeOf(4, 4, 4, 7).SetMergeCells(true);
     sheet.RangeOf(4, 9, 4, n + 9).SetMergeCells(true);
     sheet.RangeOf(4, c, 5, c).SetMergeCells(true);
-    sheet.RangeOf(4, 1, 5, c).SetInteriorColor(kLightBlue);
+    sheet.RangeOf(4, 1, 5, c).SetInteriorColor(WorkbookParts::kLightBlue);
 
     for (int r = 2; r < rows; ++r) {
         steps.Row(r - 1);
@@ -60,7 +52,14 @@ void WriteReconciliationSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps
         }
     }
 
-    WorkbookLayout::Finish(sheet, c, {6, 4, rows + 4, c - 1}, rows + 4, rows + 3);
+    auto money = sheet.RangeOf(6, 4, rows + 4, c - 1);
+    money.SetNumberFormat(QStringLiteral("#0.00"));
+    money.SetHorizontalAlignment(SheetModel::kAlignRight);
+    // The borders stop above the note line; its font is the table's.
+    WorkbookParts::FinishTable(sheet, rows + 3, c);
+    auto note = sheet.RangeOf(rows + 4, 1, rows + 4, c);
+    note.SetFontName(QStringLiteral("微软雅黑"));
+    note.SetFontSize(9);
 
     // A fixed line: it states the rule, the 差额 column shows the outcome.
     sheet.Cells(rows + 4, 2)

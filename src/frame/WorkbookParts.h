@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QString>
+#include <utility>
+#include <vector>
+
+#include "frame/FeeItem.h"
+#include "frame/FlexGrid.h"
+#include "frame/SheetModel.h"
+#include "frame/WorkbookContext.h"
+
+namespace yunqi {
+
+// The pieces the statement workbooks share, each writing the same cells in
+// the same order wherever it is used.
+namespace WorkbookParts {
+
+constexpr int kLightBlue = 0xFFC0C0;    // header bands and totals (blue-green-red)
+constexpr int kLightOrange = 0xC0E0FF;  // 小计 rows
+
+// Rows 1 to 3 over columns 1 to c: the title merged and centred, the
+// department line and the date line (" 开票日期 : " from " 至 " to), merged
+// over columns 1 to 4 and left-aligned.
+void WriteTitleBlock(SheetModel& sheet, int c, const WorkbookContext& context);
+// The same with another third line, for the statements of a year and months.
+void WriteTitleBlock(SheetModel& sheet, int c, const WorkbookContext& context,
+                     const QString& periodLine);
+
+// Rows 4 and 5: the grid's two header rows, centred, with the column widths
+// of the grid (twips / 110).
+void CopyGridHeader(SheetModel& sheet, const FlexGrid& grid);
+
+// Row 4: the band of each fee item, its columns merged; the first item's
+// columns start after column first. Returns the last column of the bands.
+int MergeFeeBands(SheetModel& sheet, const FeeItemList& items, int first);
+
+// Fonts and borders of the finished table: 微软雅黑, the title bold, size 9
+// from row 2 to lastRow, borders from row 4.
+void FinishTable(SheetModel& sheet, int lastRow, int c);
+
+// The signature line: each text in its column.
+void WriteSignatureLine(SheetModel& sheet, int row,
+                        const std::vector<std::pair<int, QString>>& texts);
+
+}  // namespace WorkbookParts
+
+}  // namespace yunqi
