@@ -1,4 +1,5 @@
 #include "frame/widgets/ReportWindow.h"
+#include "frame/widgets/MonthlyReportWindow.h"
 
 #include <QApplication>
 #include <QDateTime>
@@ -242,6 +243,7 @@ ReportWindow::ReportWindow(const ReportDefinition& report, DatabaseSession& sess
 ReportWindow::~ReportWindow() = default;
 
 QWidget* NewReportWindow(const ReportDefinition& report, DatabaseSession& session) {
+    if (report.conditions == ConditionsKind::YearMonths) return new MonthlyReportWindow(report, session);
     return new ReportWindow(report, session);
 }
 
