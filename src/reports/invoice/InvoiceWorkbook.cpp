@@ -24,16 +24,7 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
     const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();
 
-    WorkbookParts::WriteTitleBlock(sheet, c, in);
-    WorkbookParts::CopyGridHeader(sheet, grid);
-    sheet.RangeOf(4, 1, 5, 1).SetMergeCells(true);
-    sheet.RangeOf(4, 2, 5, 2).SetMergeCells(true);
-    sheet.RangeOf(4, 3, 4, 5).SetMergeCells(true);
-    sheet.RangeOf(4, 6, 5, 6).SetMergeCells(true);
-    WorkbookParts::MergeFeeBands(sheet, statement.FeeItems(), 6);
-    for (int col = c - 2; col <= c; ++col) sheet.RangeOf(4, col, 5, col).SetMergeCells(true);
-    sheet.RangeOf(4, 1, 5, c).SetInteriorColor(kLightBlue);
-
+    WorkbookParts::WriteTicketHeader(sheet, in, statement.HeaderPlan(), statement.FeeItems());
     steps.HeaderWritten();
 
     for (int r = 1; r <= u; ++r) {
