@@ -80,6 +80,15 @@ void WriteTicketHeader(SheetModel& sheet, const WorkbookContext& context,
     sheet.RangeOf(4, 1, 5, c).SetInteriorColor(kLightBlue);
 }
 
+int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r) {
+    steps.Row(r);
+    const int s = r + 5;
+    auto number = sheet.Cells(s, 1);
+    number.SetValue(double(r));
+    number.SetHorizontalAlignment(SheetModel::kAlignCenter);
+    return s;
+}
+
 void FinishTable(SheetModel& sheet, int lastRow, int c) {
     auto head = sheet.RangeOf(1, 1, 1, c);
     head.SetFontName(QStringLiteral("微软雅黑"));

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "frame/DetailHeader.h"
+#include "frame/ExportSteps.h"
 #include "frame/FeeItem.h"
 #include "frame/FlexGrid.h"
 #include "frame/SheetModel.h"
@@ -38,6 +39,10 @@ int MergeFeeBands(SheetModel& sheet, const FeeItemList& items, int first);
 // header's light blue.
 void WriteTicketHeader(SheetModel& sheet, const WorkbookContext& context,
                        const DetailHeaderPlan& plan, const FeeItemList& items);
+
+// The start of record r's sheet row (r + 5, returned): the progress step and
+// the record's index, centred, in column 1.
+int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r);
 
 // Fonts and borders of the finished table: 微软雅黑, the title bold, size 9
 // from row 2 to lastRow, borders from row 4.

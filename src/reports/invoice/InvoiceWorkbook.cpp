@@ -28,11 +28,7 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
     steps.HeaderWritten();
 
     for (int r = 1; r <= u; ++r) {
-        steps.Row(r);
-        const int s = r + 5;
-        auto number = sheet.Cells(s, 1);
-        number.SetValue(double(r));
-        number.SetHorizontalAlignment(SheetModel::kAlignCenter);
+        const int s = WorkbookParts::StartRecordRow(sheet, steps, r);
         const QString& date = rows.DateText(r);
         auto second = sheet.Cells(s, 2);
         if (!date.isEmpty() && date != kOf) {

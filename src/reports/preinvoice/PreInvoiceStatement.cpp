@@ -21,12 +21,10 @@ namespace {
 
 const DetailHeaderPlan& Plan() {
     static const DetailHeaderPlan plan{
-        {
-            {QStringLiteral("序"), QStringLiteral("序"), 500, true},
-            {QStringLiteral("开票日期"), QStringLiteral("开票日期"), 1200, true},
+        DetailHeader::TicketLeading({
             {QStringLiteral("增值税发票"), QStringLiteral("专用发票"), 1200, false},
             {QStringLiteral("增值税发票"), QStringLiteral("普通发票"), 1200, false},
-        },
+        }),
         DetailHeader::TicketTrailing(),
         1200,
         false,

@@ -19,11 +19,7 @@ void WritePreInvoiceSheet(const PreInvoiceStatement& statement, SheetModel& shee
     steps.HeaderWritten();
 
     for (int r = 1; r <= u; ++r) {
-        steps.Row(r);
-        const int s = r + 5;
-        auto number = sheet.Cells(s, 1);
-        number.SetValue(double(r));
-        number.SetHorizontalAlignment(SheetModel::kAlignCenter);
+        const int s = WorkbookParts::StartRecordRow(sheet, steps, r);
         auto date = sheet.Cells(s, 2);
         date.SetValue(rows.DateText(r));
         date.SetNumberFormat(QStringLiteral("yyyy-mm-dd"));
