@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QLabel>
 #include <QListWidget>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QPushButton>
 #include <QTemporaryDir>
 
@@ -141,6 +143,14 @@ TEST_F(MonthlyWindowTest, GuardsThenOneButtonDoesTheRun) {
     EXPECT_TRUE(QFile::exists(dir.filePath("核对.xlsx")));
     EXPECT_EQ(dialogs.texts().last(), "票据核对表导出成功！");
     EXPECT_TRUE(Child<QLabel>(w, "Label2")->isVisible());
+
+    // A screenshot for the documentation, when asked for.
+    if (const QByteArray shot = qgetenv("YUNQI_SCREENSHOT"); !shot.isEmpty()) {
+        main->resize(1400, 860);
+        main->Area()->activeSubWindow()->showMaximized();
+        QApplication::processEvents();
+        main->grab().save(QString::fromUtf8(shot));
+    }
 }
 
 TEST_F(MonthlyWindowTest, PaneKeepsItsBoxAtTheBottom) {
