@@ -15,6 +15,11 @@ QString AliasSafeName(QString name) {
 
 FeeItemList ReadFeeItems(Recordset& rs) {
     FeeItemList items(1);
+    ReadFeeItems(rs, items);
+    return items;
+}
+
+void ReadFeeItems(Recordset& rs, FeeItemList& items) {
     const int fCode = rs.IndexOf(QStringLiteral("收费项目代号"));
     const int fRate = rs.IndexOf(QStringLiteral("税率"));
     const int fName = rs.IndexOf(QStringLiteral("xm"));
@@ -28,7 +33,6 @@ FeeItemList ReadFeeItems(Recordset& rs) {
         if (!item.ItemName.isEmpty()) item.TaxAlias = item.ItemName + QStringLiteral("税额");
         items.push_back(std::move(item));
     }
-    return items;
 }
 
 QString PresenceCondition(const FeeItemList& items) {
