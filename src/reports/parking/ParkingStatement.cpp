@@ -1,0 +1,282 @@
+#include "reports/parking/ParkingStatement.h"
+
+#include "core/Dialogs.h"
+#include "core/RuntimeError.h"
+#include "core/ValueRules.h"
+#include "frame/FeeColumnReader.h"
+#include "frame/FeeItemReader.h"
+#include "frame/Pager.h"
+#include "frame/SplitRatios.h"
+#include "reports/parking/ParkingWorkbook.h"
+
+namespace yunqi {
+
+using namespace ValueRules;
+
+namespace {
+
+const QString kTotal = QStringLiteral("合计");
+const QString kOf = QStringLiteral("其中");
+const QString kRangeJoin = QStringLiteral(" - ");
+
+// The closing loops count rows in 16 bits.
+constexpr int kMaxCounter = 32767;
+
+const QString kNet = QStringLiteral(
+    "票据开票数据.金额-(Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End)");
+
+// Blanks cut at both ends; other white space stays.
+QString TrimBlanks(const QString& text) {
+    int first = 0, last = int(text.size());
+    while (first < last && text[first] == QLatin1Char(' ')) ++first;
+    while (last > first && text[last - 1] == QLatin1Char(' ')) --last;
+    return text.mid(first, last - first);
+}
+
+// An error number as its text form: a blank stands where a minus would.
+QString SignedNumberText(long number) {
+    return number >= 0 ? QLatin1Char(' ') + QString::number(number) : QString::number(number);
+}
+
+}  // namespace
+
+void ParkingStatement::InitGridHeader(FlexGrid& grid1) const {
+    grid1.SetRows(2);
+    grid1.SetCols(4);
+}
+
+void ParkingStatement::BuildGridHeader(FlexGrid& grid1, const FlexGrid&) {
+    feeColumnCount_ = FeeColumnCountOf(feeItems_);
+    grid1.SetRows(2);
+    grid1.SetCols(feeColumnCount_ + 4);
+}
+
+QString ParkingStatement::FeeItemSql(const StatementConditions& k) {
+    QString sql = QStringLiteral("Select distinct 收费项目代号, setupsfxm.税率,XM , 收费类别,显示名称");
+    sql += QStringLiteral(" From 票据");
+    sql += QStringLiteral(
+        " inner join 票据开票数据 on 票据.票据编号  =票据开票数据.票据编号 And 票据.入库单编号 = "
+        "票据开票数据.入库单编号");
+    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
+    sql += QStringLiteral(" inner join setupsfxm on 收费项目代号=dh");
+    sql += QStringLiteral(" where CONVERT(char(8),开票日期,112) between '") + FormatYmd(k.From) +
+           QStringLiteral("' and '") + FormatYmd(k.To) + QStringLiteral("'");
+    sql += QStringLiteral(" and 作废日期 is null ");
+    sql += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+    sql += QStringLiteral(" And 收费类别 Like '%停车%'");
+    sql += QStringLiteral(" group by  setupsfxm.税率,收费项目代号,xm,收费类别,显示名称");
+    sql += QStringLiteral(" order by 收费项目代号");
+    return sql;
+}
+
+void ParkingStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
+                                       FlexGrid& grid1) {
+    feeItems_ = FeeItemList(1);
+    try {
+        session_.SetCommandTimeout(0);
+        Recordset rs = session_.Open(FeeItemSql(conditions));
+        ReadFeeItems(rs, feeItems_);
+        SplitRatios::Fill(grid2, feeItems_);
+        if (feeItems_.size() > 1) BuildGridHeader(grid1, grid2);
+    } catch (const RuntimeError& e) {
+        AppDialogs().MsgBox(SignedNumberText(e.number()) + e.description(),
+                            QStringLiteral("系统提示"), MsgIcon::Information);
+    }
+}
+
+QString ParkingStatement::StatisticsSql(const StatementConditions& k,
+                                        const FlexGrid& grid2) const {
+    const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
+    const int count = int(feeItems_.size()) - 1;
+
+    // Per item, its lines summed per ticket number.
+    std::vector<QString> sub(count + 1);
+    for (int i = 1; i <= count; ++i) {
+        const FeeItem& item = feeItems_[i];
+        QString& s = sub[i];
+        for (int r = 1; r < grid2.Rows(); ++r) {
+            if (grid2.TextMatrix(r, SplitRatios::kCodeCol) != item.ItemCode) continue;
+            s = QStringLiteral("Select sum((") + kNet + QStringLiteral(") * ") +
+                SplitRatios::RatioText(grid2, r) + QStringLiteral(") as ") + item.ItemName +
+                QStringLiteral("WY") + QStringLiteral(",");
+            s += QStringLiteral(" sum(") + kNet + QStringLiteral(") As ") + item.ItemName +
+                 QStringLiteral("KFS") + QStringLiteral(",");
+        }
+        s += QStringLiteral(" sum(票据开票数据.税额) as ") + item.TaxAlias;
+        s += QStringLiteral(", 票据开票数据.票据编号");
+        s += QStringLiteral(" From 票据开票数据");
+        s += QStringLiteral(
+            " Inner Join 票据  on 票据开票数据.入库单编号  =票据.入库单编号 and 票据开票数据.票据编号 "
+            "= 票据.票据编号");
+        s += QStringLiteral(" Inner Join 票据入库单 on 票据开票数据.入库单编号 =票据入库单.入库单编号");
+        s += QStringLiteral(" Where 作废日期 Is Null ");
+        s += QStringLiteral(" And Convert(Char(8),收款日期,112) Between '") + d1 +
+             QStringLiteral("' And '") + d2 + QStringLiteral("'");
+        s += QStringLiteral(" And 收费项目代号 in (") + item.ItemCode + QStringLiteral(")");
+        s += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+        s += QStringLiteral(" group by 票据开票数据.票据编号 ");
+    }
+
+    // The tickets, with each item's sums beside them.
+    QString sql =
+        QStringLiteral("Select 票据.票据编号 ,票据.入库单编号 ,  收款日期, 票据.金额, 收款方式, 交易订单号 ");
+    for (int i = 1; i <= count; ++i) {
+        const FeeItem& item = feeItems_[i];
+        const QString b = QStringLiteral("B") + QString::number(i);
+        for (int r = 1; r < grid2.Rows(); ++r) {
+            if (grid2.TextMatrix(r, SplitRatios::kCodeCol) != item.ItemCode) continue;
+            sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral("KFS");
+            sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral("WY");
+            sql += QStringLiteral(" , ") + b + '.' + item.TaxAlias;
+        }
+    }
+    sql += QStringLiteral(" From 票据");
+    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
+    for (int i = 1; i <= count; ++i) {
+        const QString b = QStringLiteral("B") + QString::number(i);
+        sql += QStringLiteral(" LEFT Join (") + sub[i] + QStringLiteral(") ") + b +
+               QStringLiteral(" On 票据.票据编号 = ") + b + QStringLiteral(".票据编号");
+    }
+    sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+    sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
+    sql += QStringLiteral(" Order by 收款日期, 票据.入库单编号, 票据.票据编号, 金额 ");
+    return sql;
+}
+
+bool ParkingStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
+                                     int pageSize) {
+    const QString sql = StatisticsSql(k, grid2);
+    session_.SetCommandTimeout(0);
+    Recordset rs = session_.Open(sql);
+
+    const int n = feeColumnCount_;
+    rows_ = DetailRows(n);
+    const int fNo = rs.IndexOf(QStringLiteral("票据编号"));
+    const int fNote = rs.IndexOf(QStringLiteral("入库单编号"));
+    const int fPaid = rs.IndexOf(QStringLiteral("收款日期"));
+    const int fMethod = rs.IndexOf(QStringLiteral("收款方式"));
+    const int fOrder = rs.IndexOf(QStringLiteral("交易订单号"));
+    const FeeColumnReader fees(rs, 5, n);
+    DetailRows ticket(n);
+    ticket.Append();
+
+    // A batch: the tickets of one stock-in note paid at one moment, which the
+    // statement's order brings together.
+    QString groupKey;
+    int r = 0;
+    while (!rs.AtEnd()) {
+        const QString key =
+            TextOrEmpty(rs.Value(fNote)) + QLatin1Char('|') + TextOrEmpty(rs.Value(fPaid));
+        if (key != groupKey) {
+            groupKey = key;
+            r = rows_.Append();
+            rows_.SetPayMethod(r, TrimBlanks(TextOrEmpty(rs.Value(fMethod))));
+        }
+        const QString no = TextOf(rs.Value(fNo));
+        const DetailRows::Kind kind = rs.IsNull(fOrder) ? kPaper : kElectronic;
+        fees.Read(rs, ticket, 1);
+        const QString& range = rows_.TicketNo(r);
+        if (range.isEmpty()) {
+            rows_.SetTicket(r, no, kind);
+            for (int j = 1; j <= n; ++j) rows_.SetFeeAmount(r, j, ticket.FeeAmount(1, j));
+        } else {
+            const int cut = range.indexOf(kRangeJoin);
+            rows_.SetTicket(r, (cut < 0 ? range : range.left(cut)) + kRangeJoin + no, kind);
+            for (int j = 1; j <= n; ++j)
+                rows_.SetFeeAmount(r, j, rows_.FeeAmount(r, j) + ticket.FeeAmount(1, j));
+        }
+        rows_.SetRowTotal(r, FeeColumnReader::Total(rows_, r));
+        rs.MoveNext();
+    }
+
+    const int batches = rows_.UpperBound();
+    if (batches == 0) {
+        pageCount_ = 0;
+        return false;
+    }
+    if (batches > kMaxCounter) throw RuntimeError::Overflow();
+
+    std::vector<double> totals(n + 2, 0.0);
+    for (int b = 1; b <= batches; ++b) {
+        for (int c = 1; c <= n; ++c) totals[c] += rows_.FeeAmount(b, c);
+        totals[n + 1] += rows_.RowTotal(b);
+    }
+    const int totalRow = rows_.Append();
+    rows_.SetTicket(totalRow, kTotal, DetailRows::Kind::None);
+    for (int c = 1; c <= n; ++c) rows_.SetFeeAmount(totalRow, c, totals[c]);
+    rows_.SetRowTotal(totalRow, totals[n + 1]);
+    // The breakdown's sweep runs over the total row as well.
+    if (rows_.UpperBound() > kMaxCounter) throw RuntimeError::Overflow();
+
+    session_.SetCommandTimeout(0);
+    Recordset methods = session_.Open(QStringLiteral("Select * From 收款方式列表"));
+    const int fName = methods.IndexOf(QStringLiteral("收款方式"));
+    QStringList names;
+    for (; !methods.AtEnd(); methods.MoveNext()) names << TextOrEmpty(methods.Value(fName));
+    const QString weChat = QStringLiteral("微信"), weChatPay = QStringLiteral("微信支付");
+    std::vector<double> sums(names.size(), 0.0);
+    for (int i = 0; i < names.size(); ++i)
+        for (int b = 1; b <= rows_.UpperBound(); ++b) {
+            const QString& m = rows_.PayMethod(b);
+            if ((m == weChat ? weChatPay : m) == names[i]) sums[i] += rows_.RowTotal(b);
+        }
+    bool first = true;
+    for (int i = 0; i < names.size(); ++i) {
+        if (sums[i] == 0) continue;
+        const int b = rows_.Append();
+        if (first) rows_.SetTicket(b, kOf, DetailRows::Kind::None);
+        first = false;
+        rows_.SetPayMethod(b, names[i]);
+        rows_.SetRowTotal(b, sums[i]);
+    }
+
+    pageCount_ = Pager::PageCountOf(rows_.UpperBound(), pageSize);
+    return true;
+}
+
+bool ParkingStatement::IsSummaryRow(int r) const {
+    const QString& range = rows_.TicketNo(r);
+    return range.isEmpty() || range == kOf || range == kTotal;
+}
+
+void ParkingStatement::ShowPage(FlexGrid& grid, int page, int pageSize,
+                                const TextMeasure&) const {
+    const int n = feeColumnCount_;
+    grid.SetRows(2);
+    grid.SetVisible(false);
+    grid.SetWordWrap(true);
+    const int last = rows_.UpperBound();
+    int written = 0;
+    for (int r = Pager::FirstRowOf(page, pageSize); r <= last; ++r) {
+        grid.SetRows(grid.Rows() + 1);
+        const int g = grid.Rows() - 1;
+        grid.SetRow(g);
+        grid.SetTextMatrix(g, 0, QString::number(r));
+        grid.SetColAlignment(0, FlexGrid::AlignCenterCenter);
+        if (IsSummaryRow(r)) {
+            grid.SetColAlignment(1, FlexGrid::AlignCenterCenter);
+            grid.SetTextMatrix(g, 1, rows_.TicketNo(r));
+            grid.SetCol(n + 2);
+            grid.SetText(rows_.PayMethod(r));
+            grid.SetCellAlignment(FlexGrid::AlignRightCenter);
+            grid.SetTextMatrix(g, n + 3, Format0_00(rows_.RowTotal(r)));
+        } else {
+            const int col = rows_.TicketKind(r) == kPaper ? 1 : 2;
+            grid.SetColAlignment(col, FlexGrid::AlignCenterCenter);
+            grid.SetTextMatrix(g, col, rows_.TicketNo(r));
+            for (int j = 1; j <= n; ++j)
+                grid.SetTextMatrix(g, j + 2, Format0_00(rows_.FeeAmount(r, j)));
+            grid.SetTextMatrix(g, n + 3, Format0_00(rows_.RowTotal(r)));
+        }
+        if (++written == pageSize) break;
+    }
+    grid.SetVisible(true);
+    grid.Touch();
+}
+
+void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                                  const WorkbookContext& context) const {
+    WriteParkingSheet(*this, sheet, steps, context);
+}
+
+}  // namespace yunqi
