@@ -20,6 +20,12 @@ QString ReportText(long number, const QString& description) {
            description;
 }
 
+QString TrapText(long number, const QString& description, bool blankBeforePositive) {
+    const QString digits = QString::number(number);
+    return (blankBeforePositive && number >= 0 ? QStringLiteral(" ") + digits : digits) +
+           description;
+}
+
 void ShowStartup(const QString& description) {
     AppDialogs().MsgBox(StartupText(description), QStringLiteral("信息文本"), MsgIcon::Information);
 }
@@ -32,6 +38,11 @@ void ShowMenu(long number, const QString& description) {
 void ShowReport(long number, const QString& description) {
     AppDialogs().MsgBox(ReportText(number, description), QStringLiteral("系统提示"),
                         MsgIcon::Information);
+}
+
+void ShowTrap(long number, const QString& description, bool blankBeforePositive) {
+    AppDialogs().MsgBox(TrapText(number, description, blankBeforePositive),
+                        QStringLiteral("系统提示"), MsgIcon::Information);
 }
 
 }  // namespace MessageForms

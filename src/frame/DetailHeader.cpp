@@ -8,10 +8,6 @@ namespace yunqi {
 namespace DetailHeader {
 namespace {
 
-const QString kTotal = QStringLiteral("合计");
-const QString kPayMethod = QStringLiteral("收款方式");
-const QString kPayer = QStringLiteral("付款人");
-
 void Start(FlexGrid& grid, int cols) {
     grid.SetRows(2);
     grid.SetCols(cols);
@@ -32,17 +28,25 @@ void WriteLeading(FlexGrid& grid, const DetailHeaderPlan& plan, int row) {
     }
 }
 
-void WriteTrailing(FlexGrid& grid, int row, int first, int payerWidth) {
-    grid.SetTextMatrix(row, first, kTotal);
-    grid.SetColWidth(first, 1400);
-    grid.SetTextMatrix(row, first + 1, kPayMethod);
-    grid.SetColWidth(first + 1, 900);
-    grid.SetTextMatrix(row, first + 2, kPayer);
-    grid.SetColWidth(first + 2, payerWidth);
-    for (int c = first; c < first + 3; ++c) grid.SetMergeCol(c, true);
+void WriteTrailing(FlexGrid& grid, const DetailHeaderPlan& plan, int row, int first, bool init) {
+    for (std::size_t k = 0; k < plan.trailing.size(); ++k) {
+        const auto& col = plan.trailing[k];
+        const int c = first + int(k);
+        grid.SetTextMatrix(row, c, row == 0 ? col.top : col.bottom);
+        grid.SetColWidth(c, init && col.initWidth ? col.initWidth : col.width);
+        if (col.mergeDown) grid.SetMergeCol(c, true);
+    }
 }
 
 }  // namespace
+
+std::vector<DetailHeaderPlan::Column> TicketTrailing() {
+    return {
+        {QStringLiteral("合计"), QStringLiteral("合计"), 1400, true},
+        {QStringLiteral("收款方式"), QStringLiteral("收款方式"), 900, true},
+        {QStringLiteral("付款人"), QStringLiteral("付款人"), 3800, true, 1200},
+    };
+}
 
 QString TaxHeading(double taxRate) {
     return QStringLiteral("税额") + ValueRules::DoubleText(taxRate * 100) + '%';
@@ -50,16 +54,17 @@ QString TaxHeading(double taxRate) {
 
 void Init(FlexGrid& grid, const DetailHeaderPlan& plan) {
     const int first = int(plan.leading.size());
-    Start(grid, first + 3);
+    Start(grid, first + int(plan.trailing.size()));
     WriteLeading(grid, plan, 0);
-    WriteTrailing(grid, 0, first, 1200);
+    WriteTrailing(grid, plan, 0, first, true);
     grid.SetMergeRow(0, true);
     grid.SetRow(1);
     WriteLeading(grid, plan, 1);
-    WriteTrailing(grid, 1, first, 1200);
+    WriteTrailing(grid, plan, 1, first, true);
     if (plan.initWidthOnTotal) {
-        // 收款方式's width lands on 合计 in this pass; 收款方式 keeps the first one.
-        grid.SetColWidth(first, 900);
+        // The second column's width lands on the first in this pass; the
+        // second keeps the one of the first pass.
+        grid.SetColWidth(first, plan.trailing[1].width);
     }
     grid.Touch();
 }
@@ -69,16 +74,16 @@ int Build(FlexGrid& grid, const DetailHeaderPlan& plan, const FeeItemList& items
     const int n = FeeColumnCountOf(items);
     const int first = int(plan.leading.size());
     const int trailing = first + n;
-    Start(grid, trailing + 3);
+    Start(grid, trailing + int(plan.trailing.size()));
 
     WriteLeading(grid, plan, 0);
     int c = first;
     for (std::size_t i = 1; i < items.size(); ++i)
         for (int k = 0; k < items[i].ColumnCount(); ++k, ++c) {
             grid.SetTextMatrix(0, c, items[i].ItemName);
-            grid.SetColWidth(c, 1200);
+            grid.SetColWidth(c, plan.feeWidth);
         }
-    WriteTrailing(grid, 0, trailing, 3800);
+    WriteTrailing(grid, plan, 0, trailing, false);
     grid.SetMergeRow(0, true);
 
     grid.SetRow(1);
@@ -87,8 +92,7 @@ int Build(FlexGrid& grid, const DetailHeaderPlan& plan, const FeeItemList& items
     for (std::size_t i = 1; i < items.size(); ++i) {
         const FeeItem& item = items[i];
         if (item.IsParking()) {
-            for (int r = 1; r < grid2.Rows(); ++r) {
-                if (grid2.TextMatrix(r, SplitRatios::kCodeCol) != item.ItemCode) continue;
+            for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
                 grid.SetTextMatrix(1, c,
                                    QStringLiteral("开发商") +
                                        grid2.TextMatrix(r, SplitRatios::kDeveloperCol) + '%');
@@ -102,12 +106,12 @@ int Build(FlexGrid& grid, const DetailHeaderPlan& plan, const FeeItemList& items
         const int tax = c + item.ColumnCount() - 1;
         grid.SetTextMatrix(1, tax, TaxHeading(item.TaxRate));
         for (int k = c; k <= tax; ++k) {
-            grid.SetColWidth(k, 1200);
+            grid.SetColWidth(k, plan.feeWidth);
             grid.SetMergeCol(k, false);
         }
         c = tax + 1;
     }
-    WriteTrailing(grid, 1, trailing, 3800);
+    WriteTrailing(grid, plan, 1, trailing, false);
     grid.Touch();
     return n;
 }

@@ -9,22 +9,29 @@
 namespace yunqi {
 
 // The two-row header of the ticket statements: the report's leading columns,
-// the money columns of the fee items, then 合计, 收款方式 and 付款人.
+// the money columns of the fee items, then its trailing columns.
 struct DetailHeaderPlan {
     struct Column {
         QString top;
         QString bottom;
         int width;
         bool mergeDown;
+        int initWidth = 0;  // the width in the default header, when it differs
     };
     std::vector<Column> leading;
-    // The default header's second pass puts 收款方式's width on 合计.
+    std::vector<Column> trailing;
+    int feeWidth = 1200;  // each money column
+    // The default header's second pass puts the second trailing column's
+    // width on the first one.
     bool initWidthOnTotal = false;
 
     int TrailingStart(int feeColumnCount) const { return int(leading.size()) + feeColumnCount; }
 };
 
 namespace DetailHeader {
+
+// 合计, 收款方式 and 付款人, as the ticket statements end.
+std::vector<DetailHeaderPlan::Column> TicketTrailing();
 
 // The default header, before any fee item is known.
 void Init(FlexGrid& grid1, const DetailHeaderPlan& plan);

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace yunqi {
@@ -35,6 +36,8 @@ public:
     // j from 1 to FeeColumnCount().
     double FeeAmount(int r, int j) const { return fees_[Offset(r, j)]; }
     void SetFeeAmount(int r, int j, double v) { fees_[Offset(r, j)] = v; }
+    // The row's money columns 1 to FeeColumnCount() as one span, index 0 for column 1.
+    std::span<double> Fees(int r) { return {fees_.data() + Offset(r, 1), std::size_t(feeColumns_)}; }
 
     const QString& PayMethod(int r) const { return payMethod_[r]; }
     void SetPayMethod(int r, QString text) { payMethod_[r] = std::move(text); }

@@ -12,20 +12,20 @@ FeeColumnReader::FeeColumnReader(const Recordset& rs, int base, int count) : bas
         isDeveloper_[j] = rs.FieldName(base + j).contains(QStringLiteral("KFS"));
 }
 
-void FeeColumnReader::Read(const Recordset& rs, DetailRows& rows, int r) const {
-    const int count = int(isDeveloper_.size()) - 1;
-    for (int j = 1; j <= count; ++j) {
+void FeeColumnReader::Read(const Recordset& rs, std::span<double> amounts) const {
+    for (int j = 1; j <= Count(); ++j) {
         const int pos = base_ + j;
+        double& amount = amounts[j - 1];
         if (rs.IsNull(pos)) {
-            rows.SetFeeAmount(r, j, 0);
+            amount = 0;
             continue;
         }
         const double c = ValueRules::NumberOf(rs.Value(pos));
         if (!isDeveloper_[j]) {
-            rows.SetFeeAmount(r, j, Round2(c));
+            amount = Round2(c);
         } else {
             const double t = rs.IsNull(pos + 1) ? 0 : Round2(ValueRules::NumberOf(rs.Value(pos + 1)));
-            rows.SetFeeAmount(r, j, Round2(c - t));
+            amount = Round2(c - t);
         }
     }
 }

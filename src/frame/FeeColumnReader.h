@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <span>
 #include <vector>
 
 #include "frame/DetailRows.h"
@@ -8,15 +9,18 @@
 
 namespace yunqi {
 
-// Reads the money columns of a statement's result into a row. Amounts are
-// rounded to the cent here and only here; a 开发商 column (its name holds
-// "KFS") gets the whole less the rounded 物业 share of the column after it.
+// Reads the money columns of a statement's result, one ticket at a time.
+// Amounts are rounded to the cent here and only here; a 开发商 column (its
+// name holds "KFS") gets the whole less the rounded 物业 share of the column
+// after it. A report sets a row's amounts from them, or adds them up per batch.
 class FeeColumnReader {
 public:
     // The money columns are at positions base + 1 .. base + count.
     FeeColumnReader(const Recordset& rs, int base, int count);
 
-    void Read(const Recordset& rs, DetailRows& rows, int r) const;
+    int Count() const { return int(isDeveloper_.size()) - 1; }
+    // The current record's amounts: amounts[j - 1] for money column j.
+    void Read(const Recordset& rs, std::span<double> amounts) const;
     // The sum of a row's money columns, in column order.
     static double Total(const DetailRows& rows, int r);
 

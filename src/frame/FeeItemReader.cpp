@@ -1,6 +1,7 @@
 #include "frame/FeeItemReader.h"
 
 #include "core/ValueRules.h"
+#include "frame/SplitRatios.h"
 
 namespace yunqi {
 
@@ -33,6 +34,40 @@ void ReadFeeItems(Recordset& rs, FeeItemList& items) {
         if (!item.ItemName.isEmpty()) item.TaxAlias = item.ItemName + QStringLiteral("税额");
         items.push_back(std::move(item));
     }
+}
+
+FeeItemList LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2) {
+    FeeItemList items(1);
+    LoadFeeItems(session, sql, grid2, items);
+    return items;
+}
+
+void LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2,
+                  FeeItemList& items) {
+    session.SetCommandTimeout(0);
+    Recordset rs = session.Open(sql);
+    ReadFeeItems(rs, items);
+    SplitRatios::Fill(grid2, items);
+}
+
+QString FeeColumnsSelect(const FeeItemList& items, const FlexGrid& grid2) {
+    QString sql;
+    for (std::size_t i = 1; i < items.size(); ++i) {
+        const FeeItem& item = items[i];
+        const QString b = QStringLiteral("B") + QString::number(i);
+        if (!item.IsParking()) {
+            sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral(" , ") + b + '.' +
+                   item.TaxAlias;
+            continue;
+        }
+        for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
+            (void)r;
+            sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral("KFS");
+            sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral("WY");
+            sql += QStringLiteral(" , ") + b + '.' + item.TaxAlias;
+        }
+    }
+    return sql;
 }
 
 QString PresenceCondition(const FeeItemList& items) {

@@ -3,6 +3,8 @@
 #include <QString>
 
 #include "frame/FeeItem.h"
+#include "frame/FlexGrid.h"
+#include "db/DatabaseSession.h"
 #include "db/Recordset.h"
 
 namespace yunqi {
@@ -13,6 +15,17 @@ FeeItemList ReadFeeItems(Recordset& rs);
 // The same, appended to items one by one, so that a failing fetch leaves the
 // items read before it.
 void ReadFeeItems(Recordset& rs, FeeItemList& items);
+// Runs an extraction statement and fills the split-ratio grid with the
+// default percentages of its parking items.
+FeeItemList LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2);
+// The same, appending to items as they are read: after a failure items holds
+// those read before it and the split-ratio grid is untouched.
+void LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2,
+                  FeeItemList& items);
+// The money columns of the main statement, from position 10 or 11 on:
+// " ,Bi.name , Bi.tax" for an ordinary item, and for a parking item, per
+// matching row of the split-ratio grid, " ,Bi.nameKFS ,Bi.nameWY , Bi.tax".
+QString FeeColumnsSelect(const FeeItemList& items, const FlexGrid& grid2);
 // The name without the characters a bare SQL alias can't hold: ( ) ） （ %.
 QString AliasSafeName(QString name);
 // "A Is Not Null Or B Is Not Null ...": a parking item is tested by its KFS

@@ -59,6 +59,24 @@ std::optional<int> PageFromText(const QString& text, int pageCount) {
     return std::nullopt;
 }
 
+void FillPage(FlexGrid& grid, int page, int pageSize, int lastRecord,
+              const std::function<void(int g, int r)>& writeRow) {
+    grid.SetRows(2);
+    grid.SetVisible(false);
+    grid.SetWordWrap(true);
+    int written = 0;
+    for (int r = FirstRowOf(page, pageSize); r <= lastRecord; ++r) {
+        grid.SetRows(grid.Rows() + 1);
+        const int g = grid.Rows() - 1;
+        grid.SetRow(g);
+        grid.SetTextMatrix(g, 0, QString::number(r));
+        writeRow(g, r);
+        if (++written == pageSize) break;
+    }
+    grid.SetVisible(true);
+    grid.Touch();
+}
+
 }  // namespace Pager
 
 }  // namespace yunqi

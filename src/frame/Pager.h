@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <optional>
+
+#include "frame/FlexGrid.h"
 
 namespace yunqi {
 
@@ -27,6 +30,13 @@ QString ToolTipOf(PagerImage image);
 
 // Text6 with Enter: the page to go to, or none (the box is then emptied).
 std::optional<int> PageFromText(const QString& text, int pageCount);
+
+// Writes one page of a statement under the grid's two header rows: the grid
+// hidden while it fills, word wrap on, a grid row per record with the
+// record's index in column 0; writeRow fills the rest of grid row g from
+// record r.
+void FillPage(FlexGrid& grid, int page, int pageSize, int lastRecord,
+              const std::function<void(int g, int r)>& writeRow);
 
 }  // namespace Pager
 

@@ -64,6 +64,13 @@ QString RatioText(const FlexGrid& grid, int row) {
     return ValueRules::DoubleText(CellNumber(ValueRules::DoubleText(share)));
 }
 
+std::vector<int> RowsOf(const FlexGrid& grid, const QString& itemCode) {
+    std::vector<int> rows;
+    for (int r = 1; r < grid.Rows(); ++r)
+        if (grid.TextMatrix(r, kCodeCol) == itemCode) rows.push_back(r);
+    return rows;
+}
+
 bool SumIsHundred(const FlexGrid& grid, int row) {
     return ValueRules::Val(grid.TextMatrix(row, kPropertyCol)) +
                ValueRules::Val(grid.TextMatrix(row, kDeveloperCol)) ==

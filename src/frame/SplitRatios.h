@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <vector>
 
 #include "frame/FeeItem.h"
 #include "frame/FlexGrid.h"
@@ -24,6 +25,8 @@ void Fill(FlexGrid& grid, const FeeItemList& items);
 // The 物业 share of a row as a plain decimal fraction: "30" gives 0.3,
 // "33.3" gives 0.333, "100" gives 1. A cell that is no number: Type mismatch.
 QString RatioText(const FlexGrid& grid, int row);
+// The rows of the grid that belong to an item (its quoted code in column 4).
+std::vector<int> RowsOf(const FlexGrid& grid, const QString& itemCode);
 // The editor's rule: the two shares of a row add up to exactly 100.
 bool SumIsHundred(const FlexGrid& grid, int row);
 QString SumMessage();

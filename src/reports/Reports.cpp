@@ -1,7 +1,7 @@
 #include "reports/Reports.h"
 
 // One line per report: its definition, exported by its folder.
-#define YUNQI_REPORTS(X) X(InvoiceReport) X(ParkingReport)
+#define YUNQI_REPORTS(X) X(InvoiceReport) X(PreInvoiceReport) X(ParkingReport)
 
 namespace yunqi {
 

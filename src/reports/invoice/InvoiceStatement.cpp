@@ -1,10 +1,12 @@
 #include "reports/invoice/InvoiceStatement.h"
 
 #include "frame/DetailHeader.h"
+#include "frame/DetailPage.h"
 #include "frame/FeeColumnReader.h"
 #include "frame/FeeItemReader.h"
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
+#include "frame/StatementTotals.h"
 #include "core/ValueRules.h"
 #include "reports/invoice/InvoiceWorkbook.h"
 
@@ -24,6 +26,8 @@ const DetailHeaderPlan& Plan() {
             {QStringLiteral("增值税发票"), QStringLiteral("电子发票"), 1200, false},
             {QStringLiteral("收据"), QStringLiteral("收据"), 2000, true},
         },
+        DetailHeader::TicketTrailing(),
+        1200,
         true,
     };
     return plan;
@@ -78,10 +82,7 @@ QString InvoiceStatement::FeeItemSql(const StatementConditions& k) {
 
 void InvoiceStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
                                        FlexGrid& grid1) {
-    session_.SetCommandTimeout(0);
-    Recordset rs = session_.Open(FeeItemSql(conditions));
-    feeItems_ = ReadFeeItems(rs);
-    SplitRatios::Fill(grid2, feeItems_);
+    feeItems_ = LoadFeeItems(session_, FeeItemSql(conditions), grid2);
     if (feeItems_.size() > 1) BuildGridHeader(grid1, grid2);
 }
 
@@ -101,8 +102,7 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
                 QStringLiteral(" , 票据开票数据.税额 as ") + item.TaxAlias +
                 QStringLiteral(", 票据开票数据.票据编号 , 票据开票数据.入库单编号");
         } else {
-            for (int r = 1; r < grid2.Rows(); ++r) {
-                if (grid2.TextMatrix(r, SplitRatios::kCodeCol) != item.ItemCode) continue;
+            for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
                 s = QStringLiteral("Select (") + kNetTight + QStringLiteral(") * ") +
                     SplitRatios::RatioText(grid2, r) + QStringLiteral(" as ") + item.ItemName +
                     QStringLiteral("WY") + QStringLiteral(",");
@@ -129,21 +129,7 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
     QString sql = QStringLiteral(
         "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
         "票据.金额, 收款方式, 付款人, 地址, 票据.被换票票据编号 ");
-    for (int i = 1; i <= count; ++i) {
-        const FeeItem& item = feeItems_[i];
-        const QString b = QStringLiteral("B") + QString::number(i);
-        if (!item.IsParking()) {
-            sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral(" , ") + b + '.' +
-                   item.TaxAlias;
-        } else {
-            for (int r = 1; r < grid2.Rows(); ++r) {
-                if (grid2.TextMatrix(r, SplitRatios::kCodeCol) != item.ItemCode) continue;
-                sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral("KFS");
-                sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral("WY");
-                sql += QStringLiteral(" , ") + b + '.' + item.TaxAlias;
-            }
-        }
-    }
+    sql += FeeColumnsSelect(feeItems_, grid2);
     sql += QStringLiteral(" From 票据");
     sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
     sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
@@ -207,7 +193,7 @@ bool InvoiceStatement::RunStatistics(const StatementConditions& k, const FlexGri
             rows_.SetPayerText(r, PayerTextOf(rs.Value(fPayer), rs.Value(fAddress)));
             rows_.SetPayMethod(r, QStringLiteral("预开"));
         } else {
-            fees.Read(rs, rows_, r);
+            fees.Read(rs, rows_.Fees(r));
             rows_.SetPayerText(r, PayerTextOf(rs.Value(fPayer), rs.Value(fAddress)));
             rows_.SetPayMethod(r, TextOrEmpty(rs.Value(fMethod)));
             rows_.SetRowTotal(r, FeeColumnReader::Total(rows_, r));
@@ -218,36 +204,9 @@ bool InvoiceStatement::RunStatistics(const StatementConditions& k, const FlexGri
     const int tickets = rows_.UpperBound();
     if (tickets == 0) return false;
 
-    // The total row.
-    std::vector<double> totals(n + 2, 0.0);
-    for (int r = 1; r <= tickets; ++r) {
-        for (int c = 1; c <= n; ++c) totals[c] += rows_.FeeAmount(r, c);
-        totals[n + 1] += rows_.RowTotal(r);
-    }
-    const int totalRow = rows_.Append();
-    rows_.SetDateText(totalRow, QStringLiteral("合  计"));
-    for (int c = 1; c <= n; ++c) rows_.SetFeeAmount(totalRow, c, totals[c]);
-    rows_.SetRowTotal(totalRow, totals[n + 1]);
-
-    // The breakdown by payment method; the scan takes in the total row.
-    session_.SetCommandTimeout(0);
-    Recordset methods = session_.Open(QStringLiteral("Select * From 收款方式列表"));
-    const int fName = methods.IndexOf(QStringLiteral("收款方式"));
-    QStringList names;
-    for (; !methods.AtEnd(); methods.MoveNext()) names << TextOrEmpty(methods.Value(fName));
-    std::vector<double> sums(names.size(), 0.0);
-    for (int i = 0; i < names.size(); ++i)
-        for (int r = 1; r <= rows_.UpperBound(); ++r)
-            if (rows_.PayMethod(r) == names[i]) sums[i] += rows_.RowTotal(r);
-    bool first = true;
-    for (int i = 0; i < names.size(); ++i) {
-        if (sums[i] == 0) continue;
-        const int r = rows_.Append();
-        if (first) rows_.SetDateText(r, QStringLiteral("其中"));
-        first = false;
-        rows_.SetPayMethod(r, names[i]);
-        rows_.SetRowTotal(r, sums[i]);
-    }
+    StatementTotals::AppendTotalRow(rows_, StatementTotals::LabelField::DateText,
+                                    QStringLiteral("合  计"));
+    StatementTotals::AppendBreakdown(rows_, session_, {StatementTotals::LabelField::DateText});
 
     pageCount_ = Pager::PageCountOf(rows_.UpperBound(), pageSize);
     return true;
@@ -255,44 +214,25 @@ bool InvoiceStatement::RunStatistics(const StatementConditions& k, const FlexGri
 
 void InvoiceStatement::ShowPage(FlexGrid& grid, int page, int pageSize,
                                 const TextMeasure& measure) const {
-    const int n = feeColumnCount_;
-    grid.SetRows(2);
-    grid.SetVisible(false);
-    grid.SetWordWrap(true);
-    const int last = rows_.UpperBound();
-    int written = 0;
-    for (int r = Pager::FirstRowOf(page, pageSize); r <= last; ++r) {
-        grid.SetRows(grid.Rows() + 1);
-        const int g = grid.Rows() - 1;
-        grid.SetRow(g);
-        grid.SetTextMatrix(g, 0, QString::number(r));
+    Pager::FillPage(grid, page, pageSize, rows_.UpperBound(), [&](int g, int r) {
         grid.SetColAlignment(0, FlexGrid::AlignCenterCenter);
         const QString& date = rows_.DateText(r);
         if (date.isEmpty() || date == QStringLiteral("其中")) {
+            const int n = feeColumnCount_;
             grid.SetColAlignment(1, FlexGrid::AlignCenterCenter);
             grid.SetTextMatrix(g, 1, date);
             grid.SetTextMatrix(g, 6 + n, Format0_00(rows_.RowTotal(r)));
             grid.SetTextMatrix(g, 7 + n, rows_.PayMethod(r));
-        } else {
-            for (int c = 1; c <= 5; ++c) grid.SetColAlignment(c, FlexGrid::AlignCenterCenter);
-            grid.SetTextMatrix(g, 1, date);
-            grid.SetTextMatrix(g, 2, rows_.SpecialNo(r));
-            grid.SetTextMatrix(g, 3, rows_.OrdinaryNo(r));
-            grid.SetTextMatrix(g, 4, rows_.ElectronicNo(r));
-            grid.SetTextMatrix(g, 5, rows_.ReceiptNo(r));
-            for (int j = 1; j <= n; ++j)
-                grid.SetTextMatrix(g, 5 + j, Format0_00(rows_.FeeAmount(r, j)));
-            grid.SetTextMatrix(g, 6 + n, Format0_00(rows_.RowTotal(r)));
-            grid.SetTextMatrix(g, 7 + n, rows_.PayMethod(r));
-            grid.SetColAlignment(8 + n, FlexGrid::AlignLeftCenter);
-            grid.SetTextMatrix(g, 8 + n, rows_.PayerText(r));
-            if (measure.TextWidth(rows_.PayerText(r)) > grid.ColWidth(8 + n))
-                grid.SetRowHeight(g, 600);
+            return;
         }
-        if (++written == pageSize) break;
-    }
-    grid.SetVisible(true);
-    grid.Touch();
+        for (int c = 1; c <= 5; ++c) grid.SetColAlignment(c, FlexGrid::AlignCenterCenter);
+        grid.SetTextMatrix(g, 1, date);
+        grid.SetTextMatrix(g, 2, rows_.SpecialNo(r));
+        grid.SetTextMatrix(g, 3, rows_.OrdinaryNo(r));
+        grid.SetTextMatrix(g, 4, rows_.ElectronicNo(r));
+        grid.SetTextMatrix(g, 5, rows_.ReceiptNo(r));
+        DetailPage::WriteMoneyAndPayer(grid, g, rows_, r, 5, measure);
+    });
 }
 
 void InvoiceStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,

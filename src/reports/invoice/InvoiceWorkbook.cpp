@@ -2,14 +2,14 @@
 
 #include "reports/invoice/InvoiceStatement.h"
 
-#include "frame/Conditions.h"
+#include "frame/WorkbookParts.h"
 #include "core/ValueRules.h"
 
 namespace yunqi {
 
 namespace {
 
-constexpr int kLightBlue = 16761024;
+using WorkbookParts::kLightBlue;
 const QString kTotal = QStringLiteral("合  计");
 const QString kOf = QStringLiteral("其中");
 
@@ -24,41 +24,13 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
     const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();
 
-    auto title = sheet.RangeOf(1, 1, 1, c);
-    title.SetMergeCells(true);
-    title.SetHorizontalAlignment(SheetModel::kAlignCenter);
-    sheet.Cells(1, 1).SetValue(in.title);
-
-    auto dept = sheet.RangeOf(2, 1, 2, 4);
-    dept.SetMergeCells(true);
-    dept.SetHorizontalAlignment(SheetModel::kAlignLeft);
-    sheet.Cells(2, 1).SetValue(QStringLiteral(" 统计部门 : ") +
-                               Conditions::EntryBeforeBracket(in.entry));
-
-    auto dates = sheet.RangeOf(3, 1, 3, 4);
-    dates.SetMergeCells(true);
-    dates.SetHorizontalAlignment(SheetModel::kAlignLeft);
-    sheet.Cells(3, 1).SetValue(QStringLiteral(" 开票日期 : ") + ValueRules::FormatYmdDash(in.conditions.From) +
-                               QStringLiteral(" 至 ") + ValueRules::FormatYmdDash(in.conditions.To));
-
-    sheet.RangeOf(4, 1, 5, c).SetHorizontalAlignment(SheetModel::kAlignCenter);
-    for (int headerRow = 0; headerRow <= 1; ++headerRow)
-        for (int g = 0; g < c; ++g) {
-            sheet.SetColumnWidth(g + 1, grid.ColWidth(g) / 110.0);
-            sheet.Cells(4 + headerRow, g + 1).SetValue(grid.TextMatrix(headerRow, g));
-        }
-
+    WorkbookParts::WriteTitleBlock(sheet, c, in);
+    WorkbookParts::CopyGridHeader(sheet, grid);
     sheet.RangeOf(4, 1, 5, 1).SetMergeCells(true);
     sheet.RangeOf(4, 2, 5, 2).SetMergeCells(true);
     sheet.RangeOf(4, 3, 4, 5).SetMergeCells(true);
     sheet.RangeOf(4, 6, 5, 6).SetMergeCells(true);
-    int k = 6;
-    const FeeItemList& items = statement.FeeItems();
-    for (std::size_t i = 1; i < items.size(); ++i) {
-        const int width = items[i].IsParking() ? 3 : 2;
-        sheet.RangeOf(4, k + 1, 4, k + width).SetMergeCells(true);
-        k += width;
-    }
+    WorkbookParts::MergeFeeBands(sheet, statement.FeeItems(), 6);
     for (int col = c - 2; col <= c; ++col) sheet.RangeOf(4, col, 5, col).SetMergeCells(true);
     sheet.RangeOf(4, 1, 5, c).SetInteriorColor(kLightBlue);
 
@@ -102,17 +74,10 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
     auto money = sheet.RangeOf(6, 7, u + 5, n + 7);
     money.SetNumberFormat(QStringLiteral("#0.00"));
     money.SetHorizontalAlignment(SheetModel::kAlignRight);
-    auto head = sheet.RangeOf(1, 1, 1, c);
-    head.SetFontName(QStringLiteral("微软雅黑"));
-    head.SetFontBold(true);
-    auto body = sheet.RangeOf(2, 1, u + 5, c);
-    body.SetFontName(QStringLiteral("微软雅黑"));
-    body.SetFontSize(9);
-    sheet.RangeOf(4, 1, u + 5, c).SetBordersLineStyle(1);
-
-    sheet.Cells(u + 6, 2).SetValue(QStringLiteral("收款人:"));
-    sheet.Cells(u + 6, 7).SetValue(QStringLiteral("经理:"));
-    sheet.Cells(u + 6, 13).SetValue(QStringLiteral("缴款人:"));
+    WorkbookParts::FinishTable(sheet, u + 5, c);
+    WorkbookParts::WriteSignatureLine(
+        sheet, u + 6,
+        {{2, QStringLiteral("收款人:")}, {7, QStringLiteral("经理:")}, {13, QStringLiteral("缴款人:")}});
     steps.FooterWritten();
 }
 

@@ -1,12 +1,14 @@
 #include "reports/parking/ParkingStatement.h"
 
-#include "core/Dialogs.h"
+#include "core/MessageForms.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
+#include "frame/DetailHeader.h"
 #include "frame/FeeColumnReader.h"
 #include "frame/FeeItemReader.h"
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
+#include "frame/StatementTotals.h"
 #include "reports/parking/ParkingWorkbook.h"
 
 namespace yunqi {
@@ -15,9 +17,25 @@ using namespace ValueRules;
 
 namespace {
 
+using StatementTotals::LabelField;
+
 const QString kTotal = QStringLiteral("合计");
 const QString kOf = QStringLiteral("其中");
 const QString kRangeJoin = QStringLiteral(" - ");
+
+const DetailHeaderPlan& Plan() {
+    static const DetailHeaderPlan plan{
+        {
+            {QStringLiteral("序"), QStringLiteral("序"), 800, true},
+            {QStringLiteral("发票号"), QStringLiteral("发票号"), 2500, true},
+            {QStringLiteral("电子发票号"), QStringLiteral("电子发票号"), 2500, true},
+        },
+        {{QStringLiteral("合计"), QStringLiteral("合计"), 1400, true}},
+        1400,
+        false,
+    };
+    return plan;
+}
 
 // The closing loops count rows in 16 bits.
 constexpr int kMaxCounter = 32767;
@@ -33,22 +51,12 @@ QString TrimBlanks(const QString& text) {
     return text.mid(first, last - first);
 }
 
-// An error number as its text form: a blank stands where a minus would.
-QString SignedNumberText(long number) {
-    return number >= 0 ? QLatin1Char(' ') + QString::number(number) : QString::number(number);
-}
-
 }  // namespace
 
-void ParkingStatement::InitGridHeader(FlexGrid& grid1) const {
-    grid1.SetRows(2);
-    grid1.SetCols(4);
-}
+void ParkingStatement::InitGridHeader(FlexGrid& grid1) const { DetailHeader::Init(grid1, Plan()); }
 
-void ParkingStatement::BuildGridHeader(FlexGrid& grid1, const FlexGrid&) {
-    feeColumnCount_ = FeeColumnCountOf(feeItems_);
-    grid1.SetRows(2);
-    grid1.SetCols(feeColumnCount_ + 4);
+void ParkingStatement::BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) {
+    feeColumnCount_ = DetailHeader::Build(grid1, Plan(), feeItems_, grid2);
 }
 
 QString ParkingStatement::FeeItemSql(const StatementConditions& k) {
@@ -73,14 +81,10 @@ void ParkingStatement::ExtractFeeItems(const StatementConditions& conditions, Fl
                                        FlexGrid& grid1) {
     feeItems_ = FeeItemList(1);
     try {
-        session_.SetCommandTimeout(0);
-        Recordset rs = session_.Open(FeeItemSql(conditions));
-        ReadFeeItems(rs, feeItems_);
-        SplitRatios::Fill(grid2, feeItems_);
+        LoadFeeItems(session_, FeeItemSql(conditions), grid2, feeItems_);
         if (feeItems_.size() > 1) BuildGridHeader(grid1, grid2);
     } catch (const RuntimeError& e) {
-        AppDialogs().MsgBox(SignedNumberText(e.number()) + e.description(),
-                            QStringLiteral("系统提示"), MsgIcon::Information);
+        MessageForms::ShowTrap(e.number(), e.description(), true);
     }
 }
 
@@ -94,8 +98,8 @@ QString ParkingStatement::StatisticsSql(const StatementConditions& k,
     for (int i = 1; i <= count; ++i) {
         const FeeItem& item = feeItems_[i];
         QString& s = sub[i];
-        for (int r = 1; r < grid2.Rows(); ++r) {
-            if (grid2.TextMatrix(r, SplitRatios::kCodeCol) != item.ItemCode) continue;
+        // The last matching row of the ratios wins.
+        for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
             s = QStringLiteral("Select sum((") + kNet + QStringLiteral(") * ") +
                 SplitRatios::RatioText(grid2, r) + QStringLiteral(") as ") + item.ItemName +
                 QStringLiteral("WY") + QStringLiteral(",");
@@ -120,16 +124,7 @@ QString ParkingStatement::StatisticsSql(const StatementConditions& k,
     // The tickets, with each item's sums beside them.
     QString sql =
         QStringLiteral("Select 票据.票据编号 ,票据.入库单编号 ,  收款日期, 票据.金额, 收款方式, 交易订单号 ");
-    for (int i = 1; i <= count; ++i) {
-        const FeeItem& item = feeItems_[i];
-        const QString b = QStringLiteral("B") + QString::number(i);
-        for (int r = 1; r < grid2.Rows(); ++r) {
-            if (grid2.TextMatrix(r, SplitRatios::kCodeCol) != item.ItemCode) continue;
-            sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral("KFS");
-            sql += QStringLiteral(" ,") + b + '.' + item.ItemName + QStringLiteral("WY");
-            sql += QStringLiteral(" , ") + b + '.' + item.TaxAlias;
-        }
-    }
+    sql += FeeColumnsSelect(feeItems_, grid2);
     sql += QStringLiteral(" From 票据");
     sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
     for (int i = 1; i <= count; ++i) {
@@ -157,8 +152,7 @@ bool ParkingStatement::RunStatistics(const StatementConditions& k, const FlexGri
     const int fMethod = rs.IndexOf(QStringLiteral("收款方式"));
     const int fOrder = rs.IndexOf(QStringLiteral("交易订单号"));
     const FeeColumnReader fees(rs, 5, n);
-    DetailRows ticket(n);
-    ticket.Append();
+    std::vector<double> ticket(n);
 
     // A batch: the tickets of one stock-in note paid at one moment, which the
     // statement's order brings together.
@@ -174,16 +168,16 @@ bool ParkingStatement::RunStatistics(const StatementConditions& k, const FlexGri
         }
         const QString no = TextOf(rs.Value(fNo));
         const DetailRows::Kind kind = rs.IsNull(fOrder) ? kPaper : kElectronic;
-        fees.Read(rs, ticket, 1);
         const QString& range = rows_.TicketNo(r);
         if (range.isEmpty()) {
             rows_.SetTicket(r, no, kind);
-            for (int j = 1; j <= n; ++j) rows_.SetFeeAmount(r, j, ticket.FeeAmount(1, j));
+            fees.Read(rs, rows_.Fees(r));
         } else {
             const int cut = range.indexOf(kRangeJoin);
             rows_.SetTicket(r, (cut < 0 ? range : range.left(cut)) + kRangeJoin + no, kind);
-            for (int j = 1; j <= n; ++j)
-                rows_.SetFeeAmount(r, j, rows_.FeeAmount(r, j) + ticket.FeeAmount(1, j));
+            fees.Read(rs, ticket);
+            const auto amounts = rows_.Fees(r);
+            for (int j = 0; j < n; ++j) amounts[j] += ticket[j];
         }
         rows_.SetRowTotal(r, FeeColumnReader::Total(rows_, r));
         rs.MoveNext();
@@ -196,39 +190,10 @@ bool ParkingStatement::RunStatistics(const StatementConditions& k, const FlexGri
     }
     if (batches > kMaxCounter) throw RuntimeError::Overflow();
 
-    std::vector<double> totals(n + 2, 0.0);
-    for (int b = 1; b <= batches; ++b) {
-        for (int c = 1; c <= n; ++c) totals[c] += rows_.FeeAmount(b, c);
-        totals[n + 1] += rows_.RowTotal(b);
-    }
-    const int totalRow = rows_.Append();
-    rows_.SetTicket(totalRow, kTotal, DetailRows::Kind::None);
-    for (int c = 1; c <= n; ++c) rows_.SetFeeAmount(totalRow, c, totals[c]);
-    rows_.SetRowTotal(totalRow, totals[n + 1]);
+    StatementTotals::AppendTotalRow(rows_, LabelField::TicketNo, kTotal);
     // The breakdown's sweep runs over the total row as well.
     if (rows_.UpperBound() > kMaxCounter) throw RuntimeError::Overflow();
-
-    session_.SetCommandTimeout(0);
-    Recordset methods = session_.Open(QStringLiteral("Select * From 收款方式列表"));
-    const int fName = methods.IndexOf(QStringLiteral("收款方式"));
-    QStringList names;
-    for (; !methods.AtEnd(); methods.MoveNext()) names << TextOrEmpty(methods.Value(fName));
-    const QString weChat = QStringLiteral("微信"), weChatPay = QStringLiteral("微信支付");
-    std::vector<double> sums(names.size(), 0.0);
-    for (int i = 0; i < names.size(); ++i)
-        for (int b = 1; b <= rows_.UpperBound(); ++b) {
-            const QString& m = rows_.PayMethod(b);
-            if ((m == weChat ? weChatPay : m) == names[i]) sums[i] += rows_.RowTotal(b);
-        }
-    bool first = true;
-    for (int i = 0; i < names.size(); ++i) {
-        if (sums[i] == 0) continue;
-        const int b = rows_.Append();
-        if (first) rows_.SetTicket(b, kOf, DetailRows::Kind::None);
-        first = false;
-        rows_.SetPayMethod(b, names[i]);
-        rows_.SetRowTotal(b, sums[i]);
-    }
+    StatementTotals::AppendBreakdown(rows_, session_, {LabelField::TicketNo, true});
 
     pageCount_ = Pager::PageCountOf(rows_.UpperBound(), pageSize);
     return true;
@@ -242,36 +207,25 @@ bool ParkingStatement::IsSummaryRow(int r) const {
 void ParkingStatement::ShowPage(FlexGrid& grid, int page, int pageSize,
                                 const TextMeasure&) const {
     const int n = feeColumnCount_;
-    grid.SetRows(2);
-    grid.SetVisible(false);
-    grid.SetWordWrap(true);
-    const int last = rows_.UpperBound();
-    int written = 0;
-    for (int r = Pager::FirstRowOf(page, pageSize); r <= last; ++r) {
-        grid.SetRows(grid.Rows() + 1);
-        const int g = grid.Rows() - 1;
-        grid.SetRow(g);
-        grid.SetTextMatrix(g, 0, QString::number(r));
+    Pager::FillPage(grid, page, pageSize, rows_.UpperBound(), [&](int g, int r) {
         grid.SetColAlignment(0, FlexGrid::AlignCenterCenter);
         if (IsSummaryRow(r)) {
+            // Amounts stay off the summary rows; the method stands right-aligned
+            // beside the total.
             grid.SetColAlignment(1, FlexGrid::AlignCenterCenter);
             grid.SetTextMatrix(g, 1, rows_.TicketNo(r));
             grid.SetCol(n + 2);
             grid.SetText(rows_.PayMethod(r));
             grid.SetCellAlignment(FlexGrid::AlignRightCenter);
             grid.SetTextMatrix(g, n + 3, Format0_00(rows_.RowTotal(r)));
-        } else {
-            const int col = rows_.TicketKind(r) == kPaper ? 1 : 2;
-            grid.SetColAlignment(col, FlexGrid::AlignCenterCenter);
-            grid.SetTextMatrix(g, col, rows_.TicketNo(r));
-            for (int j = 1; j <= n; ++j)
-                grid.SetTextMatrix(g, j + 2, Format0_00(rows_.FeeAmount(r, j)));
-            grid.SetTextMatrix(g, n + 3, Format0_00(rows_.RowTotal(r)));
+            return;
         }
-        if (++written == pageSize) break;
-    }
-    grid.SetVisible(true);
-    grid.Touch();
+        const int col = rows_.TicketKind(r) == kPaper ? 1 : 2;
+        grid.SetColAlignment(col, FlexGrid::AlignCenterCenter);
+        grid.SetTextMatrix(g, col, rows_.TicketNo(r));
+        for (int j = 1; j <= n; ++j) grid.SetTextMatrix(g, j + 2, Format0_00(rows_.FeeAmount(r, j)));
+        grid.SetTextMatrix(g, n + 3, Format0_00(rows_.RowTotal(r)));
+    });
 }
 
 void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,

@@ -1,50 +1,24 @@
 #include "reports/parking/ParkingWorkbook.h"
 
 #include "core/ValueRules.h"
-#include "frame/Conditions.h"
+#include "frame/WorkbookParts.h"
 #include "reports/parking/ParkingStatement.h"
 
 namespace yunqi {
 
-namespace {
-constexpr int kLightBlue = 16761024;
-}  // namespace
-
 void WriteParkingSheet(const ParkingStatement& statement, SheetModel& sheet,
                        ExportFrame::ExportSteps& steps, const WorkbookContext& in) {
     using ValueRules::Format0_00;
-    const FlexGrid& grid = in.grid1;
+    using WorkbookParts::kLightBlue;
     const DetailRows& rows = statement.Rows();
-    const int c = grid.Cols();
+    const int c = in.grid1.Cols();
     const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();
 
-    auto title = sheet.RangeOf(1, 1, 1, c);
-    title.SetMergeCells(true);
-    title.SetHorizontalAlignment(SheetModel::kAlignCenter);
-    sheet.Cells(1, 1).SetValue(in.title);
-    auto dept = sheet.RangeOf(2, 1, 2, 4);
-    dept.SetMergeCells(true);
-    dept.SetHorizontalAlignment(SheetModel::kAlignLeft);
-    sheet.Cells(2, 1).SetValue(QStringLiteral(" 统计部门 : ") +
-                               Conditions::EntryBeforeBracket(in.entry));
-    auto dates = sheet.RangeOf(3, 1, 3, 4);
-    dates.SetMergeCells(true);
-    dates.SetHorizontalAlignment(SheetModel::kAlignLeft);
-    sheet.Cells(3, 1).SetValue(QStringLiteral(" 开票日期 : ") +
-                               ValueRules::FormatYmdDash(in.conditions.From) +
-                               QStringLiteral(" 至 ") + ValueRules::FormatYmdDash(in.conditions.To));
-    sheet.RangeOf(4, 1, 5, c).SetHorizontalAlignment(SheetModel::kAlignCenter);
-    for (int headerRow = 0; headerRow <= 1; ++headerRow)
-        for (int g = 0; g < c; ++g) {
-            sheet.SetColumnWidth(g + 1, grid.ColWidth(g) / 110.0);
-            sheet.Cells(4 + headerRow, g + 1).SetValue(grid.TextMatrix(headerRow, g));
-        }
-
+    WorkbookParts::WriteTitleBlock(sheet, c, in);
+    WorkbookParts::CopyGridHeader(sheet, in.grid1);
     for (int col = 1; col <= 3; ++col) sheet.RangeOf(4, col, 5, col).SetMergeCells(true);
-    const FeeItemList& items = statement.FeeItems();
-    for (std::size_t k = 1; k < items.size(); ++k)
-        sheet.RangeOf(4, 3 * int(k) + 1, 4, 3 * int(k) + 3).SetMergeCells(true);
+    WorkbookParts::MergeFeeBands(sheet, statement.FeeItems(), 3);
     sheet.RangeOf(4, c, 5, c).SetMergeCells(true);
     sheet.RangeOf(4, 1, 5, c).SetInteriorColor(kLightBlue);
 
@@ -82,24 +56,13 @@ void WriteParkingSheet(const ParkingStatement& statement, SheetModel& sheet,
     auto money = sheet.RangeOf(6, 4, u + 5, c);
     money.SetNumberFormat(QStringLiteral("#0.00"));
     money.SetHorizontalAlignment(SheetModel::kAlignRight);
-    auto head = sheet.RangeOf(1, 1, 1, c);
-    head.SetFontName(QStringLiteral("微软雅黑"));
-    head.SetFontBold(true);
-    auto body = sheet.RangeOf(2, 1, u + 6, c);
-    body.SetFontName(QStringLiteral("微软雅黑"));
-    body.SetFontSize(9);
-    sheet.RangeOf(4, 1, u + 5, c).SetBordersLineStyle(1);
-
-    sheet.Cells(u + 6, 1).SetValue(QStringLiteral("收款人:"));
-    auto manager = sheet.Cells(u + 6, 2);
-    manager.SetValue(QStringLiteral("经理:"));
-    manager.SetHorizontalAlignment(SheetModel::kAlignCenter);
-    auto payer = sheet.Cells(u + 6, 3);
-    payer.SetValue(QStringLiteral("缴款人:"));
-    payer.SetHorizontalAlignment(SheetModel::kAlignLeft);
-    auto keeper = sheet.Cells(u + 6, 5);
-    keeper.SetValue(QStringLiteral("总仓管理员:"));
-    keeper.SetHorizontalAlignment(SheetModel::kAlignLeft);
+    // The signature row takes the body's font but no borders.
+    WorkbookParts::FinishTable(sheet, u + 5, c, u + 6);
+    WorkbookParts::WriteSignatureLine(sheet, u + 6,
+                                      {{1, QStringLiteral("收款人:")},
+                                       {2, QStringLiteral("经理:"), SheetModel::kAlignCenter},
+                                       {3, QStringLiteral("缴款人:"), SheetModel::kAlignLeft},
+                                       {5, QStringLiteral("总仓管理员:"), SheetModel::kAlignLeft}});
     steps.FooterWritten();
 }
 

@@ -1,5 +1,6 @@
 #include "core/RuntimeError.h"
-#include "reports/invoice/InvoiceStatementFixture.h"
+#include "reports/invoice/InvoiceStatement.h"
+#include "support/TicketLedger.h"
 
 using namespace yunqi;
 
@@ -8,7 +9,7 @@ const QString kTotal = QStringLiteral("合  计");
 const QString kOf = QStringLiteral("其中");
 }  // namespace
 
-class InvoiceStatementRows : public InvoiceLedger {
+class InvoiceStatementRows : public TicketLedger<InvoiceStatement> {
   protected:
     // The 合  计 row, found by its text.
     int TotalRow() const {

@@ -6,15 +6,15 @@
 #include "frame/SplitRatios.h"
 #include "frame/StatementConditions.h"
 #include "frame/TextMeasure.h"
-#include "reports/invoice/InvoiceStatement.h"
 #include "support/TestDatabase.h"
 
 namespace yunqi {
 
-// A small ledger: department D1, paper types 01 (专用发票) and 02 (普通发票),
+// A small ledger for the ticket statements: department D1, paper types 01 (专用发票) and 02 (普通发票),
 // 03 (电子发票), 04 (收据), fixed-amount type 09; items 01 物业费 (ordinary),
 // 02 停车费 (parking). Tickets are added by each test.
-class InvoiceLedger : public ::testing::Test {
+template <typename Statement>
+class TicketLedger : public ::testing::Test {
   protected:
     void SetUp() override {
         db.Exec(QStringLiteral(
@@ -44,7 +44,7 @@ class InvoiceLedger : public ::testing::Test {
     // Extraction then statistics, as Command3 and Command6 do.
     bool Run(int pageSize = 1000) {
         session = db.Session();
-        statement = std::make_unique<InvoiceStatement>(*session);
+        statement = std::make_unique<Statement>(*session);
         statement->ExtractFeeItems(conditions, grid2, grid1);
         return statement->RunStatistics(conditions, grid2, pageSize);
     }
@@ -62,7 +62,7 @@ class InvoiceLedger : public ::testing::Test {
     FlexGrid grid1;
     FlexGrid grid2 = SplitRatios::NewGrid();
     std::unique_ptr<DatabaseSession> session;
-    std::unique_ptr<InvoiceStatement> statement;
+    std::unique_ptr<Statement> statement;
 };
 
 }  // namespace yunqi

@@ -1,0 +1,70 @@
+#include "frame/WorkbookParts.h"
+
+#include "core/ValueRules.h"
+#include "frame/Conditions.h"
+
+namespace yunqi {
+
+namespace WorkbookParts {
+
+void WriteTitleBlock(SheetModel& sheet, int c, const WorkbookContext& in) {
+    auto title = sheet.RangeOf(1, 1, 1, c);
+    title.SetMergeCells(true);
+    title.SetHorizontalAlignment(SheetModel::kAlignCenter);
+    sheet.Cells(1, 1).SetValue(in.title);
+
+    auto dept = sheet.RangeOf(2, 1, 2, 4);
+    dept.SetMergeCells(true);
+    dept.SetHorizontalAlignment(SheetModel::kAlignLeft);
+    sheet.Cells(2, 1).SetValue(QStringLiteral(" 统计部门 : ") +
+                               Conditions::EntryBeforeBracket(in.entry));
+
+    auto dates = sheet.RangeOf(3, 1, 3, 4);
+    dates.SetMergeCells(true);
+    dates.SetHorizontalAlignment(SheetModel::kAlignLeft);
+    sheet.Cells(3, 1).SetValue(QStringLiteral(" 开票日期 : ") +
+                               ValueRules::FormatYmdDash(in.conditions.From) +
+                               QStringLiteral(" 至 ") + ValueRules::FormatYmdDash(in.conditions.To));
+}
+
+void CopyGridHeader(SheetModel& sheet, const FlexGrid& grid) {
+    const int c = grid.Cols();
+    sheet.RangeOf(4, 1, 5, c).SetHorizontalAlignment(SheetModel::kAlignCenter);
+    for (int headerRow = 0; headerRow <= 1; ++headerRow)
+        for (int g = 0; g < c; ++g) {
+            sheet.SetColumnWidth(g + 1, grid.ColWidth(g) / 110.0);
+            sheet.Cells(4 + headerRow, g + 1).SetValue(grid.TextMatrix(headerRow, g));
+        }
+}
+
+int MergeFeeBands(SheetModel& sheet, const FeeItemList& items, int first) {
+    int k = first;
+    for (std::size_t i = 1; i < items.size(); ++i) {
+        const int width = items[i].ColumnCount();
+        sheet.RangeOf(4, k + 1, 4, k + width).SetMergeCells(true);
+        k += width;
+    }
+    return k;
+}
+
+void FinishTable(SheetModel& sheet, int lastRow, int c, int fontLastRow) {
+    auto head = sheet.RangeOf(1, 1, 1, c);
+    head.SetFontName(QStringLiteral("微软雅黑"));
+    head.SetFontBold(true);
+    auto body = sheet.RangeOf(2, 1, fontLastRow ? fontLastRow : lastRow, c);
+    body.SetFontName(QStringLiteral("微软雅黑"));
+    body.SetFontSize(9);
+    sheet.RangeOf(4, 1, lastRow, c).SetBordersLineStyle(1);
+}
+
+void WriteSignatureLine(SheetModel& sheet, int row, const std::vector<SignatureText>& texts) {
+    for (const SignatureText& t : texts) {
+        auto cell = sheet.Cells(row, t.column);
+        cell.SetValue(t.text);
+        if (t.alignment != 0) cell.SetHorizontalAlignment(t.alignment);
+    }
+}
+
+}  // namespace WorkbookParts
+
+}  // namespace yunqi

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "frame/FeeItem.h"
+#include "frame/FlexGrid.h"
+#include "frame/SheetModel.h"
+#include "frame/WorkbookContext.h"
+
+namespace yunqi {
+
+// The pieces the statement workbooks share, each writing the same cells in
+// the same order wherever it is used.
+namespace WorkbookParts {
+
+constexpr int kLightBlue = 0xFFC0C0;    // header bands and totals (blue-green-red)
+constexpr int kLightOrange = 0xC0E0FF;  // 小计 rows
+
+// Rows 1 to 3 over columns 1 to c: the title merged and centred, the
+// department line and the date line (" 开票日期 : " from " 至 " to), merged
+// over columns 1 to 4 and left-aligned.
+void WriteTitleBlock(SheetModel& sheet, int c, const WorkbookContext& context);
+
+// Rows 4 and 5: the grid's two header rows, centred, with the column widths
+// of the grid (twips / 110).
+void CopyGridHeader(SheetModel& sheet, const FlexGrid& grid);
+
+// Row 4: the band of each fee item, its columns merged; the first item's
+// columns start after column first. Returns the last column of the bands.
+int MergeFeeBands(SheetModel& sheet, const FeeItemList& items, int first);
+
+// Fonts and borders of the finished table: 微软雅黑, the title bold, size 9
+// from row 2 to lastRow (or to fontLastRow, when given), borders from row 4
+// to lastRow.
+void FinishTable(SheetModel& sheet, int lastRow, int c, int fontLastRow = 0);
+
+// One text of the signature line; an alignment of 0 leaves the cell's own.
+struct SignatureText {
+    int column;
+    QString text;
+    int alignment = 0;
+};
+// The signature line: each text in its column.
+void WriteSignatureLine(SheetModel& sheet, int row, const std::vector<SignatureText>& texts);
+
+}  // namespace WorkbookParts
+
+}  // namespace yunqi

@@ -1,0 +1,211 @@
+#include "reports/preinvoice/PreInvoiceStatement.h"
+
+#include "core/MessageForms.h"
+#include "core/RuntimeError.h"
+#include "core/ValueRules.h"
+#include "frame/DetailHeader.h"
+#include "frame/DetailPage.h"
+#include "frame/FeeColumnReader.h"
+#include "frame/FeeItemReader.h"
+#include "frame/Pager.h"
+#include "frame/SplitRatios.h"
+#include "frame/StatementTotals.h"
+#include "reports/preinvoice/PreInvoiceWorkbook.h"
+
+namespace yunqi {
+
+using namespace ValueRules;
+
+namespace {
+
+const DetailHeaderPlan& Plan() {
+    static const DetailHeaderPlan plan{
+        {
+            {QStringLiteral("序"), QStringLiteral("序"), 500, true},
+            {QStringLiteral("开票日期"), QStringLiteral("开票日期"), 1200, true},
+            {QStringLiteral("增值税发票"), QStringLiteral("专用发票"), 1200, false},
+            {QStringLiteral("增值税发票"), QStringLiteral("普通发票"), 1200, false},
+        },
+        DetailHeader::TicketTrailing(),
+        1200,
+        false,
+    };
+    return plan;
+}
+
+// Issued ahead of payment: not paid by the window's last day.
+QString UnpaidBy(const QString& d2, const QString& lastNull) {
+    return QStringLiteral(" And (convert(char(8),收款日期,112) > '") + d2 +
+           QStringLiteral("' Or (收款日期 is null and 预开=1) Or 收款日期 ") + lastNull +
+           QStringLiteral(")");
+}
+
+const QString kNetSum = QStringLiteral(
+    "SUM(票据开票数据.金额-(Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End))");
+
+DetailRows::Kind KindOf(const QString& typeName) {
+    if (typeName.contains(QStringLiteral("专用发票"))) return DetailRows::Kind::Special;
+    if (typeName.contains(QStringLiteral("普通发票"))) return DetailRows::Kind::Ordinary;
+    return DetailRows::Kind::Receipt;
+}
+
+}  // namespace
+
+void PreInvoiceStatement::InitGridHeader(FlexGrid& grid1) const {
+    DetailHeader::Init(grid1, Plan());
+}
+
+void PreInvoiceStatement::BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) {
+    feeColumnCount_ = DetailHeader::Build(grid1, Plan(), feeItems_, grid2);
+}
+
+QString PreInvoiceStatement::FeeItemSql(const StatementConditions& k) {
+    const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
+    QString sql = QStringLiteral("Select distinct 收费项目代号, setupsfxm.税率,XM , 收费类别,显示名称");
+    sql += QStringLiteral(" From 票据");
+    sql += QStringLiteral(
+        " inner join 票据开票数据 on 票据.票据编号  = 票据开票数据.票据编号 And 票据.入库单编号 = "
+        "票据开票数据.入库单编号 ");
+    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 = 票据入库单.入库单编号");
+    sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
+    sql += QStringLiteral(" inner join setupsfxm on 收费项目代号=dh");
+    sql += QStringLiteral(" where CONVERT(char(8),开票日期,112) between '") + d1 +
+           QStringLiteral("' and '") + d2 + QStringLiteral("'");
+    sql += UnpaidBy(d2, QStringLiteral("Is Null"));
+    sql += QStringLiteral(" and 作废日期 is null ");
+    sql += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+    sql += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
+    sql += QStringLiteral(" group by  setupsfxm.税率,收费项目代号,xm,收费类别,显示名称");
+    sql += QStringLiteral(" order by 收费项目代号");
+    return sql;
+}
+
+void PreInvoiceStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
+                                          FlexGrid& grid1) {
+    try {
+        feeItems_ = LoadFeeItems(session_, FeeItemSql(conditions), grid2);
+        if (feeItems_.size() > 1) BuildGridHeader(grid1, grid2);
+    } catch (const RuntimeError& e) {
+        MessageForms::ShowTrap(e.number(), e.description());
+    }
+}
+
+QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
+                                           const FlexGrid& grid2) const {
+    const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
+    const int count = int(feeItems_.size()) - 1;
+
+    // Stage one: each item's lines summed per ticket number.
+    std::vector<QString> sub(count + 1);
+    for (int i = 1; i <= count; ++i) {
+        const FeeItem& item = feeItems_[i];
+        QString& s = sub[i];
+        if (!item.IsParking()) {
+            s = QStringLiteral("Select ") + kNetSum + QStringLiteral(" as ") + item.ItemName +
+                QStringLiteral(" ,SUM(票据开票数据.税额) as ") + item.TaxAlias +
+                QStringLiteral(", 票据开票数据.票据编号");
+        } else {
+            for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
+                s = QStringLiteral("Select ") + kNetSum + QStringLiteral(" * ") +
+                    SplitRatios::RatioText(grid2, r) + QStringLiteral(" as ") + item.ItemName +
+                    QStringLiteral("WY") + QStringLiteral(",");
+                s += QStringLiteral(" ") + kNetSum + QStringLiteral(" As ") + item.ItemName +
+                     QStringLiteral("KFS") + QStringLiteral(",");
+            }
+            s += QStringLiteral(" SUM(票据开票数据.税额) as ") + item.TaxAlias +
+                 QStringLiteral(", 票据开票数据.票据编号");
+        }
+        s += QStringLiteral(" From 票据开票数据");
+        s += QStringLiteral(
+            " Inner Join 票据  on 票据开票数据.入库单编号  =票据.入库单编号 and 票据开票数据.票据编号 "
+            "= 票据.票据编号");
+        s += QStringLiteral(" Inner Join 票据入库单 on 票据开票数据.入库单编号 =票据入库单.入库单编号");
+        s += QStringLiteral(" Inner Join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
+        s += QStringLiteral(" Where 作废日期 Is Null");
+        s += QStringLiteral(" And Convert(Char(8),开票日期,112) Between '") + d1 +
+             QStringLiteral("' And '") + d2 + QStringLiteral("'");
+        s += UnpaidBy(d2, QStringLiteral("is null"));
+        s += QStringLiteral(" And 收费项目代号 in (") + item.ItemCode + QStringLiteral(")");
+        s += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+        s += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
+        s += QStringLiteral(" Group by 票据开票数据.票据编号");
+    }
+
+    // Stage two: the tickets beside their sums, joined by ticket number alone.
+    QString sql = QStringLiteral(
+        "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
+        "票据.金额, 收款方式, 付款人, 地址 ");
+    sql += FeeColumnsSelect(feeItems_, grid2);
+    sql += QStringLiteral(" From 票据");
+    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
+    sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
+    for (int i = 1; i <= count; ++i) {
+        const QString b = QStringLiteral("B") + QString::number(i);
+        sql += QStringLiteral(" LEFT Join (") + sub[i] + QStringLiteral(") ") + b +
+               QStringLiteral(" On 票据.票据编号 = ") + b + QStringLiteral(".票据编号");
+    }
+    sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+    sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
+    sql += QStringLiteral(" Order by 票据.开票日期,票据编号");
+    return sql;
+}
+
+bool PreInvoiceStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
+                                        int pageSize) {
+    try {
+        return Compute(k, grid2, pageSize);
+    } catch (const RuntimeError& e) {
+        MessageForms::ShowTrap(e.number(), e.description());
+        return false;
+    }
+}
+
+bool PreInvoiceStatement::Compute(const StatementConditions& k, const FlexGrid& grid2,
+                                  int pageSize) {
+    const QString sql = StatisticsSql(k, grid2);
+    session_.SetCommandTimeout(0);
+    Recordset rs = session_.Open(sql);
+
+    rows_ = DetailRows(feeColumnCount_);
+    const int fNo = rs.IndexOf(QStringLiteral("票据编号"));
+    const int fType = rs.IndexOf(QStringLiteral("票据类型"));
+    const int fIssued = rs.IndexOf(QStringLiteral("开票日期"));
+    const int fVoided = rs.IndexOf(QStringLiteral("作废日期"));
+    const int fPayer = rs.IndexOf(QStringLiteral("付款人"));
+    const int fAddress = rs.IndexOf(QStringLiteral("地址"));
+    const FeeColumnReader fees(rs, 9, feeColumnCount_);
+    for (; !rs.AtEnd(); rs.MoveNext()) {
+        const int r = rows_.Append();
+        rows_.SetDateText(r, DateTextDash(rs.Value(fIssued)));
+        rows_.SetFlags(r, !rs.IsNull(fVoided), false);
+        rows_.SetTicket(r, TextOrEmpty(rs.Value(fNo)), KindOf(TextOrEmpty(rs.Value(fType))));
+        fees.Read(rs, rows_.Fees(r));
+        rows_.SetPayerText(r, PayerTextOf(rs.Value(fPayer), rs.Value(fAddress)));
+        rows_.SetPayMethod(r, QStringLiteral("预开"));
+        rows_.SetRowTotal(r, FeeColumnReader::Total(rows_, r));
+    }
+    if (rows_.UpperBound() == 0) return false;
+
+    StatementTotals::AppendTotalRow(rows_, StatementTotals::LabelField::DateText,
+                                    QStringLiteral("合  计"));
+    pageCount_ = Pager::PageCountOf(rows_.UpperBound(), pageSize);
+    return true;
+}
+
+void PreInvoiceStatement::ShowPage(FlexGrid& grid, int page, int pageSize,
+                                   const TextMeasure& measure) const {
+    Pager::FillPage(grid, page, pageSize, rows_.UpperBound(), [&](int g, int r) {
+        for (int c = 1; c <= 3; ++c) grid.SetColAlignment(c, FlexGrid::AlignCenterCenter);
+        grid.SetTextMatrix(g, 1, rows_.DateText(r));
+        grid.SetTextMatrix(g, 2, rows_.SpecialNo(r));
+        grid.SetTextMatrix(g, 3, rows_.OrdinaryNo(r));
+        DetailPage::WriteMoneyAndPayer(grid, g, rows_, r, 3, measure);
+    });
+}
+
+void PreInvoiceStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                                     const WorkbookContext& context) const {
+    WritePreInvoiceSheet(*this, sheet, steps, context);
+}
+
+}  // namespace yunqi
