@@ -37,6 +37,11 @@ void CopyGridHeader(SheetModel& sheet, const FlexGrid& grid) {
         }
 }
 
+void WriteHead(SheetModel& sheet, const WorkbookContext& context) {
+    WriteTitleBlock(sheet, context.grid1.Cols(), context);
+    CopyGridHeader(sheet, context.grid1);
+}
+
 int MergeFeeBands(SheetModel& sheet, const FeeItemList& items, int first) {
     int k = first;
     for (std::size_t i = 1; i < items.size(); ++i) {
@@ -45,6 +50,15 @@ int MergeFeeBands(SheetModel& sheet, const FeeItemList& items, int first) {
         k += width;
     }
     return k;
+}
+
+int StartRecord(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r) {
+    steps.Row(r);
+    const int s = r + 5;
+    auto number = sheet.Cells(s, 1);
+    number.SetValue(double(r));
+    number.SetHorizontalAlignment(SheetModel::kAlignCenter);
+    return s;
 }
 
 void FinishTable(SheetModel& sheet, int lastRow, int c, int fontLastRow) {

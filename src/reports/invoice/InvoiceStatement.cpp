@@ -45,8 +45,6 @@ QString DateClause(const QString& d1, const QString& d2) {
 
 const QString kNet = QStringLiteral(
     "票据开票数据.金额 - (Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End)");
-const QString kNetTight = QStringLiteral(
-    "票据开票数据.金额-(Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End)");
 
 DetailRows::Kind KindOf(const QString& typeName) {
     if (typeName.contains(QStringLiteral("专用发票"))) return DetailRows::Kind::Special;
@@ -65,13 +63,7 @@ void InvoiceStatement::BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) {
 
 QString InvoiceStatement::FeeItemSql(const StatementConditions& k) {
     const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
-    QString sql = QStringLiteral("Select distinct 收费项目代号, setupsfxm.税率,XM , 收费类别,显示名称");
-    sql += QStringLiteral(" From 票据");
-    sql += QStringLiteral(
-        " inner join 票据开票数据 on 票据.票据编号  =票据开票数据.票据编号 And 票据.入库单编号 = "
-        "票据开票数据.入库单编号");
-    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
-    sql += QStringLiteral(" inner join setupsfxm on 收费项目代号=dh");
+    QString sql = FeeItemSelect();
     sql += QStringLiteral(" Where  (作废日期 Is Null Or 作废日期 Is Not Null)");
     sql += DateClause(d1, d2);
     sql += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
@@ -103,7 +95,7 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
                 QStringLiteral(", 票据开票数据.票据编号 , 票据开票数据.入库单编号");
         } else {
             for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
-                s = QStringLiteral("Select (") + kNetTight + QStringLiteral(") * ") +
+                s = QStringLiteral("Select (") + NetAmountSql() + QStringLiteral(") * ") +
                     SplitRatios::RatioText(grid2, r) + QStringLiteral(" as ") + item.ItemName +
                     QStringLiteral("WY") + QStringLiteral(",");
                 s += QStringLiteral(" (") + kNet + QStringLiteral(") As ") + item.ItemName +
@@ -112,16 +104,11 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
             s += QStringLiteral(" 票据开票数据.税额 as ") + item.TaxAlias +
                  QStringLiteral(", 票据开票数据.票据编号 , 票据开票数据.入库单编号");
         }
-        s += QStringLiteral(" From 票据开票数据");
-        s += QStringLiteral(
-            " Inner Join 票据  on 票据开票数据.入库单编号  =票据.入库单编号 and 票据开票数据.票据编号 "
-            "= 票据.票据编号");
-        s += QStringLiteral(" Inner Join 票据入库单 on 票据开票数据.入库单编号 =票据入库单.入库单编号");
+        s += FeeLinesFrom();
         s += QStringLiteral(" Inner Join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
         s += QStringLiteral(" Where  (作废日期 Is Null Or 作废日期 Is Not Null)");
         s += dateClause;
-        s += QStringLiteral(" And 收费项目代号 in (") + item.ItemCode + QStringLiteral(")");
-        s += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+        s += ItemLinesOf(item, k.DeptCode);
         s += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
     }
 
@@ -130,15 +117,9 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
         "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
         "票据.金额, 收款方式, 付款人, 地址, 票据.被换票票据编号 ");
     sql += FeeColumnsSelect(feeItems_, grid2);
-    sql += QStringLiteral(" From 票据");
-    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
+    sql += TicketsFrom();
     sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
-    for (int i = 1; i <= count; ++i) {
-        const QString b = QStringLiteral("B") + QString::number(i);
-        sql += QStringLiteral(" LEFT Join (") + sub[i] + QStringLiteral(") ") + b +
-               QStringLiteral(" On 票据.票据编号 = ") + b + QStringLiteral(".票据编号 And 票据.入库单编号 = ") +
-               b + QStringLiteral(".入库单编号");
-    }
+    sql += JoinDerivedTables(sub, true);
     sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
     sql += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");

@@ -24,8 +24,7 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
     const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();
 
-    WorkbookParts::WriteTitleBlock(sheet, c, in);
-    WorkbookParts::CopyGridHeader(sheet, grid);
+    WorkbookParts::WriteHead(sheet, in);
     sheet.RangeOf(4, 1, 5, 1).SetMergeCells(true);
     sheet.RangeOf(4, 2, 5, 2).SetMergeCells(true);
     sheet.RangeOf(4, 3, 4, 5).SetMergeCells(true);
@@ -37,11 +36,7 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
     steps.HeaderWritten();
 
     for (int r = 1; r <= u; ++r) {
-        steps.Row(r);
-        const int s = r + 5;
-        auto number = sheet.Cells(s, 1);
-        number.SetValue(double(r));
-        number.SetHorizontalAlignment(SheetModel::kAlignCenter);
+        const int s = WorkbookParts::StartRecord(sheet, steps, r);
         const QString& date = rows.DateText(r);
         auto second = sheet.Cells(s, 2);
         if (!date.isEmpty() && date != kOf) {

@@ -9,7 +9,6 @@
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
 #include "frame/StatementTotals.h"
-#include "reports/parking/ParkingWorkbook.h"
 
 namespace yunqi {
 
@@ -40,15 +39,35 @@ const DetailHeaderPlan& Plan() {
 // The closing loops count rows in 16 bits.
 constexpr int kMaxCounter = 32767;
 
-const QString kNet = QStringLiteral(
-    "票据开票数据.金额-(Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End)");
-
 // Blanks cut at both ends; other white space stays.
 QString TrimBlanks(const QString& text) {
     int first = 0, last = int(text.size());
     while (first < last && text[first] == QLatin1Char(' ')) ++first;
     while (last > first && text[last - 1] == QLatin1Char(' ')) --last;
     return text.mid(first, last - first);
+}
+
+// One item's lines paid in the range, summed per ticket number: the net
+// amount times the 物业 ratio, the net amount, the tax.
+QString ItemSums(const FeeItem& item, const FlexGrid& grid2, const StatementConditions& k) {
+    QString s;
+    // The last matching row of the ratios wins.
+    for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
+        s = QStringLiteral("Select sum((") + NetAmountSql() + QStringLiteral(") * ") +
+            SplitRatios::RatioText(grid2, r) + QStringLiteral(") as ") + item.ItemName +
+            QStringLiteral("WY") + QStringLiteral(",");
+        s += QStringLiteral(" sum(") + NetAmountSql() + QStringLiteral(") As ") + item.ItemName +
+             QStringLiteral("KFS") + QStringLiteral(",");
+    }
+    s += QStringLiteral(" sum(票据开票数据.税额) as ") + item.TaxAlias;
+    s += QStringLiteral(", 票据开票数据.票据编号");
+    s += FeeLinesFrom();
+    s += QStringLiteral(" Where 作废日期 Is Null ");
+    s += QStringLiteral(" And Convert(Char(8),收款日期,112) Between '") + FormatYmd(k.From) +
+         QStringLiteral("' And '") + FormatYmd(k.To) + QStringLiteral("'");
+    s += ItemLinesOf(item, k.DeptCode);
+    s += QStringLiteral(" group by 票据开票数据.票据编号 ");
+    return s;
 }
 
 }  // namespace
@@ -60,13 +79,7 @@ void ParkingStatement::BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) {
 }
 
 QString ParkingStatement::FeeItemSql(const StatementConditions& k) {
-    QString sql = QStringLiteral("Select distinct 收费项目代号, setupsfxm.税率,XM , 收费类别,显示名称");
-    sql += QStringLiteral(" From 票据");
-    sql += QStringLiteral(
-        " inner join 票据开票数据 on 票据.票据编号  =票据开票数据.票据编号 And 票据.入库单编号 = "
-        "票据开票数据.入库单编号");
-    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
-    sql += QStringLiteral(" inner join setupsfxm on 收费项目代号=dh");
+    QString sql = FeeItemSelect();
     sql += QStringLiteral(" where CONVERT(char(8),开票日期,112) between '") + FormatYmd(k.From) +
            QStringLiteral("' and '") + FormatYmd(k.To) + QStringLiteral("'");
     sql += QStringLiteral(" and 作废日期 is null ");
@@ -90,48 +103,16 @@ void ParkingStatement::ExtractFeeItems(const StatementConditions& conditions, Fl
 
 QString ParkingStatement::StatisticsSql(const StatementConditions& k,
                                         const FlexGrid& grid2) const {
-    const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
-    const int count = int(feeItems_.size()) - 1;
-
-    // Per item, its lines summed per ticket number.
-    std::vector<QString> sub(count + 1);
-    for (int i = 1; i <= count; ++i) {
-        const FeeItem& item = feeItems_[i];
-        QString& s = sub[i];
-        // The last matching row of the ratios wins.
-        for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
-            s = QStringLiteral("Select sum((") + kNet + QStringLiteral(") * ") +
-                SplitRatios::RatioText(grid2, r) + QStringLiteral(") as ") + item.ItemName +
-                QStringLiteral("WY") + QStringLiteral(",");
-            s += QStringLiteral(" sum(") + kNet + QStringLiteral(") As ") + item.ItemName +
-                 QStringLiteral("KFS") + QStringLiteral(",");
-        }
-        s += QStringLiteral(" sum(票据开票数据.税额) as ") + item.TaxAlias;
-        s += QStringLiteral(", 票据开票数据.票据编号");
-        s += QStringLiteral(" From 票据开票数据");
-        s += QStringLiteral(
-            " Inner Join 票据  on 票据开票数据.入库单编号  =票据.入库单编号 and 票据开票数据.票据编号 "
-            "= 票据.票据编号");
-        s += QStringLiteral(" Inner Join 票据入库单 on 票据开票数据.入库单编号 =票据入库单.入库单编号");
-        s += QStringLiteral(" Where 作废日期 Is Null ");
-        s += QStringLiteral(" And Convert(Char(8),收款日期,112) Between '") + d1 +
-             QStringLiteral("' And '") + d2 + QStringLiteral("'");
-        s += QStringLiteral(" And 收费项目代号 in (") + item.ItemCode + QStringLiteral(")");
-        s += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
-        s += QStringLiteral(" group by 票据开票数据.票据编号 ");
-    }
+    std::vector<QString> sub(1);
+    for (std::size_t i = 1; i < feeItems_.size(); ++i)
+        sub.push_back(ItemSums(feeItems_[i], grid2, k));
 
     // The tickets, with each item's sums beside them.
     QString sql =
         QStringLiteral("Select 票据.票据编号 ,票据.入库单编号 ,  收款日期, 票据.金额, 收款方式, 交易订单号 ");
     sql += FeeColumnsSelect(feeItems_, grid2);
-    sql += QStringLiteral(" From 票据");
-    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
-    for (int i = 1; i <= count; ++i) {
-        const QString b = QStringLiteral("B") + QString::number(i);
-        sql += QStringLiteral(" LEFT Join (") + sub[i] + QStringLiteral(") ") + b +
-               QStringLiteral(" On 票据.票据编号 = ") + b + QStringLiteral(".票据编号");
-    }
+    sql += TicketsFrom();
+    sql += JoinDerivedTables(sub, false);
     sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
     sql += QStringLiteral(" Order by 收款日期, 票据.入库单编号, 票据.票据编号, 金额 ");
@@ -140,17 +121,12 @@ QString ParkingStatement::StatisticsSql(const StatementConditions& k,
 
 bool ParkingStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
                                      int pageSize) {
-    const QString sql = StatisticsSql(k, grid2);
+    // The fields of a ticket by position; the money follows from position 6.
+    enum { fNo = 0, fNote = 1, fPaid = 2, fMethod = 4, fOrder = 5 };
     session_.SetCommandTimeout(0);
-    Recordset rs = session_.Open(sql);
-
+    Recordset rs = session_.Open(StatisticsSql(k, grid2));
     const int n = feeColumnCount_;
     rows_ = DetailRows(n);
-    const int fNo = rs.IndexOf(QStringLiteral("票据编号"));
-    const int fNote = rs.IndexOf(QStringLiteral("入库单编号"));
-    const int fPaid = rs.IndexOf(QStringLiteral("收款日期"));
-    const int fMethod = rs.IndexOf(QStringLiteral("收款方式"));
-    const int fOrder = rs.IndexOf(QStringLiteral("交易订单号"));
     const FeeColumnReader fees(rs, 5, n);
     std::vector<double> ticket(n);
 
@@ -226,11 +202,6 @@ void ParkingStatement::ShowPage(FlexGrid& grid, int page, int pageSize,
         for (int j = 1; j <= n; ++j) grid.SetTextMatrix(g, j + 2, Format0_00(rows_.FeeAmount(r, j)));
         grid.SetTextMatrix(g, n + 3, Format0_00(rows_.RowTotal(r)));
     });
-}
-
-void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
-                                  const WorkbookContext& context) const {
-    WriteParkingSheet(*this, sheet, steps, context);
 }
 
 }  // namespace yunqi

@@ -32,6 +32,7 @@ class ParkingStatement : public PagedStatement {
                        int pageSize) override;
     void ShowPage(FlexGrid& grid1, int page, int pageSize,
                   const TextMeasure& measure) const override;
+    // In ParkingWorkbook.cpp.
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;
 

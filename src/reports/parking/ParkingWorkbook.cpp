@@ -1,56 +1,46 @@
-#include "reports/parking/ParkingWorkbook.h"
-
 #include "core/ValueRules.h"
 #include "frame/WorkbookParts.h"
 #include "reports/parking/ParkingStatement.h"
 
 namespace yunqi {
 
-void WriteParkingSheet(const ParkingStatement& statement, SheetModel& sheet,
-                       ExportFrame::ExportSteps& steps, const WorkbookContext& in) {
-    using ValueRules::Format0_00;
-    using WorkbookParts::kLightBlue;
-    const DetailRows& rows = statement.Rows();
+// The whole statement, all pages, on one sheet: title block, the grid's two
+// header rows, every record, the signature line.
+void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                                  const WorkbookContext& in) const {
+    WorkbookParts::WriteHead(sheet, in);
     const int c = in.grid1.Cols();
-    const int n = statement.FeeColumnCount();
-    const int u = rows.UpperBound();
-
-    WorkbookParts::WriteTitleBlock(sheet, c, in);
-    WorkbookParts::CopyGridHeader(sheet, in.grid1);
     for (int col = 1; col <= 3; ++col) sheet.RangeOf(4, col, 5, col).SetMergeCells(true);
-    WorkbookParts::MergeFeeBands(sheet, statement.FeeItems(), 3);
+    WorkbookParts::MergeFeeBands(sheet, feeItems_, 3);
     sheet.RangeOf(4, c, 5, c).SetMergeCells(true);
-    sheet.RangeOf(4, 1, 5, c).SetInteriorColor(kLightBlue);
+    sheet.RangeOf(4, 1, 5, c).SetInteriorColor(WorkbookParts::kLightBlue);
 
     steps.HeaderWritten();
 
+    const int n = feeColumnCount_;
+    const int u = rows_.UpperBound();
     for (int r = 1; r <= u; ++r) {
-        steps.Row(r);
-        const int s = r + 5;
-        auto number = sheet.Cells(s, 1);
-        number.SetValue(double(r));
-        number.SetHorizontalAlignment(SheetModel::kAlignCenter);
-        if (statement.IsSummaryRow(r)) {
+        const int s = WorkbookParts::StartRecord(sheet, steps, r);
+        if (IsSummaryRow(r)) {
             auto label = sheet.Cells(s, 2);
-            label.SetValue(rows.TicketNo(r));
+            label.SetValue(rows_.TicketNo(r));
             label.SetHorizontalAlignment(SheetModel::kAlignCenter);
             auto method = sheet.Cells(s, c - 1);
-            method.SetValue(rows.PayMethod(r));
+            method.SetValue(rows_.PayMethod(r));
             method.SetHorizontalAlignment(SheetModel::kAlignRight);
             auto total = sheet.Cells(s, c);
-            total.SetValue(rows.RowTotal(r));
+            total.SetValue(rows_.RowTotal(r));
             total.SetHorizontalAlignment(SheetModel::kAlignRight);
-            sheet.RangeOf(s, 1, s, c).SetInteriorColor(kLightBlue);
-        } else {
-            const int col = rows.TicketKind(r) == ParkingStatement::kPaper ? 2 : 3;
-            auto range = sheet.Cells(s, col);
-            // The apostrophe keeps the numbers as text.
-            range.SetValue(QLatin1Char('\'') + rows.TicketNo(r));
-            range.SetHorizontalAlignment(SheetModel::kAlignCenter);
-            for (int j = 1; j <= n; ++j)
-                sheet.Cells(s, j + 3).SetValue(Format0_00(rows.FeeAmount(r, j)));
-            sheet.Cells(s, c).SetValue(Format0_00(rows.RowTotal(r)));
+            sheet.RangeOf(s, 1, s, c).SetInteriorColor(WorkbookParts::kLightBlue);
+            continue;
         }
+        auto range = sheet.Cells(s, rows_.TicketKind(r) == kPaper ? 2 : 3);
+        // The apostrophe keeps the numbers as text.
+        range.SetValue(QLatin1Char('\'') + rows_.TicketNo(r));
+        range.SetHorizontalAlignment(SheetModel::kAlignCenter);
+        for (int j = 1; j <= n; ++j)
+            sheet.Cells(s, j + 3).SetValue(ValueRules::Format0_00(rows_.FeeAmount(r, j)));
+        sheet.Cells(s, c).SetValue(ValueRules::Format0_00(rows_.RowTotal(r)));
     }
 
     auto money = sheet.RangeOf(6, 4, u + 5, c);

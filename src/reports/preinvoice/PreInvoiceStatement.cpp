@@ -40,8 +40,7 @@ QString UnpaidBy(const QString& d2, const QString& lastNull) {
            QStringLiteral(")");
 }
 
-const QString kNetSum = QStringLiteral(
-    "SUM(票据开票数据.金额-(Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End))");
+QString NetSum() { return QStringLiteral("SUM(") + NetAmountSql() + QStringLiteral(")"); }
 
 DetailRows::Kind KindOf(const QString& typeName) {
     if (typeName.contains(QStringLiteral("专用发票"))) return DetailRows::Kind::Special;
@@ -101,32 +100,27 @@ QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
         const FeeItem& item = feeItems_[i];
         QString& s = sub[i];
         if (!item.IsParking()) {
-            s = QStringLiteral("Select ") + kNetSum + QStringLiteral(" as ") + item.ItemName +
+            s = QStringLiteral("Select ") + NetSum() + QStringLiteral(" as ") + item.ItemName +
                 QStringLiteral(" ,SUM(票据开票数据.税额) as ") + item.TaxAlias +
                 QStringLiteral(", 票据开票数据.票据编号");
         } else {
             for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
-                s = QStringLiteral("Select ") + kNetSum + QStringLiteral(" * ") +
+                s = QStringLiteral("Select ") + NetSum() + QStringLiteral(" * ") +
                     SplitRatios::RatioText(grid2, r) + QStringLiteral(" as ") + item.ItemName +
                     QStringLiteral("WY") + QStringLiteral(",");
-                s += QStringLiteral(" ") + kNetSum + QStringLiteral(" As ") + item.ItemName +
+                s += QStringLiteral(" ") + NetSum() + QStringLiteral(" As ") + item.ItemName +
                      QStringLiteral("KFS") + QStringLiteral(",");
             }
             s += QStringLiteral(" SUM(票据开票数据.税额) as ") + item.TaxAlias +
                  QStringLiteral(", 票据开票数据.票据编号");
         }
-        s += QStringLiteral(" From 票据开票数据");
-        s += QStringLiteral(
-            " Inner Join 票据  on 票据开票数据.入库单编号  =票据.入库单编号 and 票据开票数据.票据编号 "
-            "= 票据.票据编号");
-        s += QStringLiteral(" Inner Join 票据入库单 on 票据开票数据.入库单编号 =票据入库单.入库单编号");
+        s += FeeLinesFrom();
         s += QStringLiteral(" Inner Join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
         s += QStringLiteral(" Where 作废日期 Is Null");
         s += QStringLiteral(" And Convert(Char(8),开票日期,112) Between '") + d1 +
              QStringLiteral("' And '") + d2 + QStringLiteral("'");
         s += UnpaidBy(d2, QStringLiteral("is null"));
-        s += QStringLiteral(" And 收费项目代号 in (") + item.ItemCode + QStringLiteral(")");
-        s += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+        s += ItemLinesOf(item, k.DeptCode);
         s += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
         s += QStringLiteral(" Group by 票据开票数据.票据编号");
     }
@@ -136,14 +130,9 @@ QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
         "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
         "票据.金额, 收款方式, 付款人, 地址 ");
     sql += FeeColumnsSelect(feeItems_, grid2);
-    sql += QStringLiteral(" From 票据");
-    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
+    sql += TicketsFrom();
     sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
-    for (int i = 1; i <= count; ++i) {
-        const QString b = QStringLiteral("B") + QString::number(i);
-        sql += QStringLiteral(" LEFT Join (") + sub[i] + QStringLiteral(") ") + b +
-               QStringLiteral(" On 票据.票据编号 = ") + b + QStringLiteral(".票据编号");
-    }
+    sql += JoinDerivedTables(sub, false);
     sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
     sql += QStringLiteral(" Order by 票据.开票日期,票据编号");

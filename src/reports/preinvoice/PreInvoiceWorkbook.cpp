@@ -15,8 +15,7 @@ void WritePreInvoiceSheet(const PreInvoiceStatement& statement, SheetModel& shee
     const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();
 
-    WorkbookParts::WriteTitleBlock(sheet, c, in);
-    WorkbookParts::CopyGridHeader(sheet, in.grid1);
+    WorkbookParts::WriteHead(sheet, in);
     sheet.RangeOf(4, 1, 5, 1).SetMergeCells(true);
     sheet.RangeOf(4, 2, 5, 2).SetMergeCells(true);
     sheet.RangeOf(4, 3, 4, 4).SetMergeCells(true);
@@ -27,11 +26,7 @@ void WritePreInvoiceSheet(const PreInvoiceStatement& statement, SheetModel& shee
     steps.HeaderWritten();
 
     for (int r = 1; r <= u; ++r) {
-        steps.Row(r);
-        const int s = r + 5;
-        auto number = sheet.Cells(s, 1);
-        number.SetValue(double(r));
-        number.SetHorizontalAlignment(SheetModel::kAlignCenter);
+        const int s = WorkbookParts::StartRecord(sheet, steps, r);
         auto date = sheet.Cells(s, 2);
         date.SetValue(rows.DateText(r));
         date.SetNumberFormat(QStringLiteral("yyyy-mm-dd"));

@@ -20,9 +20,9 @@ QString Golden(const char* name) {
 class ParkingStatementSql : public ParkingLedger {};
 
 TEST_F(ParkingStatementSql, TextsAreExactForTwoItemsWithRatios30And12_5) {
-    Ticket("1", "N1", "2024-03-01 09:00:00", 105, "5");
-    Ticket("2", "N1", "2024-03-02 09:00:00", 105, "5", "现金", QString(), "08");
-    Ticket("3", "N1", "2024-03-03 09:00:00", 106, "6", "现金", QString(), "01");
+    Ticket("1", "S1", "2024-03-01 09:00:00", 105, "5");
+    Ticket("2", "S1", "2024-03-02 09:00:00", 105, "5", "现金", QString(), "08");
+    Ticket("3", "S1", "2024-03-03 09:00:00", 106, "6", "现金", QString(), "01");
     std::vector<QString> sent;
     session = db.Session();
     session->SetSqlLog([&](const QString& sql) { sent.push_back(sql); });

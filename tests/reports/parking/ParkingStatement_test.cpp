@@ -13,7 +13,7 @@ const QString kOf = QStringLiteral("其中");
 class ParkingRows : public ParkingLedger {};
 
 TEST_F(ParkingRows, OneTicketGivesOneBatchTheTotalAndItsMethod) {
-    Ticket("00000001", "N1", "2024-03-01 09:00:00", 105, "5", "  现金 ");
+    Ticket("00000001", "S1", "2024-03-01 09:00:00", 105, "5", "  现金 ");
     ASSERT_TRUE(Run());
     EXPECT_EQ(Ranges(), (QStringList{"00000001", kTotal, kOf}));
     EXPECT_EQ(Rows().TicketKind(1), ParkingStatement::kPaper);
@@ -40,23 +40,23 @@ TEST_F(ParkingRows, BatchesAreOneNotePaidAtOneMoment) {
     };
     const std::vector<Case> cases{
         {"three tickets keep the first and the last",
-         {{"A", "N1"}, {"B", "N1"}, {"C", "N1"}},
+         {{"A", "S1"}, {"B", "S1"}, {"C", "S1"}},
          {day, day, day},
          {"A - C"}},
         {"a number holding the joiner keeps its first piece",
-         {{"X - 1", "N1"}, {"Y", "N1"}},
+         {{"X - 1", "S1"}, {"Y", "S1"}},
          {day, day},
          {"X - Y"}},
         {"one note paid on two dates",
-         {{"A", "N1"}, {"B", "N1"}},
+         {{"A", "S1"}, {"B", "S1"}},
          {day, "2024-03-02 09:00:00"},
          {"A", "B"}},
         {"one day at two clock times",
-         {{"A", "N1"}, {"B", "N1"}},
+         {{"A", "S1"}, {"B", "S1"}},
          {day, "2024-03-01 15:30:00"},
          {"A", "B"}},
         {"two notes paid at one moment",
-         {{"A", "N1"}, {"B", "N2"}},
+         {{"A", "S1"}, {"B", "S2"}},
          {day, day},
          {"A", "B"}},
     };
@@ -74,11 +74,11 @@ TEST_F(ParkingRows, BatchesAreOneNotePaidAtOneMoment) {
 
 TEST_F(ParkingRows, MixedBatchTakesKindOfItsLastAndMethodOfItsFirst) {
     const QString day = QStringLiteral("2024-04-01 10:00:00");
-    Ticket("A", "N1", day, 10, "NULL", "支付宝");
-    Ticket("B", "N1", day, 10, "NULL", "现金", QStringLiteral("WX1"));
-    Ticket("C", "N2", day, 10, "NULL", "现金", QStringLiteral("WX2"));
-    Ticket("D", "N2", day, 10, "NULL", "现金");
-    Ticket("E", "N3", day, 10, "NULL", "现金", QStringLiteral(""));  // empty counts as electronic
+    Ticket("A", "S1", day, 10, "NULL", "支付宝");
+    Ticket("B", "S1", day, 10, "NULL", "现金", QStringLiteral("WX1"));
+    Ticket("C", "S2", day, 10, "NULL", "现金", QStringLiteral("WX2"));
+    Ticket("D", "S2", day, 10, "NULL", "现金");
+    Ticket("E", "S3", day, 10, "NULL", "现金", QStringLiteral(""));  // empty counts as electronic
     ASSERT_TRUE(Run());
     EXPECT_EQ(Ranges().mid(0, 3), (QStringList{"A - B", "C - D", "E"}));
     EXPECT_EQ(Rows().TicketKind(1), ParkingStatement::kElectronic);
@@ -89,7 +89,7 @@ TEST_F(ParkingRows, MixedBatchTakesKindOfItsLastAndMethodOfItsFirst) {
 }
 
 TEST_F(ParkingRows, EachTicketIsSplitAndRoundedBeforeAdding) {
-    Ticket("A", "N1", "2024-05-01 10:00:00", 100);
+    Ticket("A", "S1", "2024-05-01 10:00:00", 100);
     Extract();
     SetRatio(1, "66.7", "33.3");
     ASSERT_TRUE(Statistics());
@@ -97,8 +97,8 @@ TEST_F(ParkingRows, EachTicketIsSplitAndRoundedBeforeAdding) {
     EXPECT_EQ(Rows().FeeAmount(1, 2), 33.3);
 
     // Two tickets of 0.05 at 30%: 0.015 rounds to 0.02 on each.
-    Ticket("B", "N2", "2024-05-02 10:00:00", 0.05);
-    Ticket("C", "N2", "2024-05-02 10:00:00", 0.05);
+    Ticket("B", "S2", "2024-05-02 10:00:00", 0.05);
+    Ticket("C", "S2", "2024-05-02 10:00:00", 0.05);
     Extract();
     ASSERT_TRUE(Statistics());
     EXPECT_EQ(Ranges()[1], QStringLiteral("B - C"));
@@ -130,7 +130,7 @@ TEST_F(ParkingRows, WeChatCountsUnderWeChatPayOnly) {
         ClearTickets();
         db.Exec(QStringLiteral("DELETE FROM 收款方式列表"));
         db.Exec(QStringLiteral("INSERT INTO 收款方式列表 VALUES ('%1')").arg(c.listed));
-        Ticket("A", "N1", "2024-06-01 10:00:00", 10, "NULL", c.onTicket);
+        Ticket("A", "S1", "2024-06-01 10:00:00", 10, "NULL", c.onTicket);
         ASSERT_TRUE(Run());
         EXPECT_EQ(Breakdown(), c.breakdown);
         // Without a breakdown row the statement ends at the total.
@@ -139,10 +139,10 @@ TEST_F(ParkingRows, WeChatCountsUnderWeChatPayOnly) {
 }
 
 TEST_F(ParkingRows, MethodsThatSumToZeroHaveNoRow) {
-    Ticket("A", "N1", "2024-06-01 10:00:00", 50, "NULL", "支付宝");
-    Ticket("B", "N1", "2024-06-02 10:00:00", -50, "NULL", "支付宝");
-    Ticket("C", "N1", "2024-06-03 10:00:00", 20, "NULL", "现金");
-    Ticket("D", "N1", "2024-06-04 10:00:00", -30, "NULL", "现金");
+    Ticket("A", "S1", "2024-06-01 10:00:00", 50, "NULL", "支付宝");
+    Ticket("B", "S1", "2024-06-02 10:00:00", -50, "NULL", "支付宝");
+    Ticket("C", "S1", "2024-06-03 10:00:00", 20, "NULL", "现金");
+    Ticket("D", "S1", "2024-06-04 10:00:00", -30, "NULL", "现金");
     ASSERT_TRUE(Run());
     EXPECT_EQ(Breakdown(), (QStringList{"现金=-10"}));
     EXPECT_EQ(Ranges().back(), kOf);
@@ -151,23 +151,23 @@ TEST_F(ParkingRows, MethodsThatSumToZeroHaveNoRow) {
 TEST_F(ParkingRows, OnlyUnvoidedTicketsPaidInTheRangeCount) {
     conditions.From = QDate(2024, 3, 1);
     conditions.To = QDate(2024, 3, 31);
-    Ticket("A", "N1", "2024-03-31 23:59:59", 10);
-    Ticket("B", "N1", "2024-04-01 00:00:00", 10);  // paid after the range
-    Ticket("C", "N2", "2024-03-10 10:00:00", 10);
+    Ticket("A", "S1", "2024-03-31 23:59:59", 10);
+    Ticket("B", "S1", "2024-04-01 00:00:00", 10);  // paid after the range
+    Ticket("C", "S2", "2024-03-10 10:00:00", 10);
     db.Exec(QStringLiteral("UPDATE 票据 SET 作废日期 = '2024-03-11' WHERE 票据编号 = 'C'"));
     // Issued before the range, paid inside: its item is not extracted.
-    db.AddTicket("D", "N3", "2024-02-20", "2024-03-05", QString(), 10, "现金", "甲", QString(),
+    db.AddTicket("D", "S3", "2024-02-20", "2024-03-05", QString(), 10, "现金", "甲", QString(),
                  "D1");
-    db.AddLine("N3", "D", "08", 10, "NULL");
+    db.AddLine("S3", "D", "08", 10, "NULL");
     ASSERT_TRUE(Run());
     ASSERT_EQ(statement->FeeItems().size(), 2u);
-    EXPECT_EQ(statement->FeeItems()[1].ItemCode, QStringLiteral("'07'"));
+    EXPECT_EQ(statement->FeeItems()[1].ItemCode, QStringLiteral("'02'"));
     EXPECT_EQ(Ranges(), (QStringList{"A", kTotal, kOf}));
 }
 
 TEST_F(ParkingRows, EqualNumbersOfTwoNotesBothReceiveTheSumOfBoth) {
-    Ticket("A", "N1", "2024-07-01 10:00:00", 10);
-    Ticket("A", "N2", "2024-07-02 10:00:00", 20);
+    Ticket("A", "S1", "2024-07-01 10:00:00", 10);
+    Ticket("A", "S2", "2024-07-02 10:00:00", 20);
     ASSERT_TRUE(Run());
     EXPECT_EQ(Ranges().mid(0, 2), (QStringList{"A", "A"}));
     EXPECT_EQ(Rows().RowTotal(1), 30);
@@ -176,7 +176,7 @@ TEST_F(ParkingRows, EqualNumbersOfTwoNotesBothReceiveTheSumOfBoth) {
 }
 
 TEST_F(ParkingRows, NoTicketInTheRangeIsNoStatement) {
-    Ticket("A", "N1", "2024-07-01 10:00:00", 10);
+    Ticket("A", "S1", "2024-07-01 10:00:00", 10);
     Extract();
     conditions.From = QDate(2025, 1, 1);
     conditions.To = QDate(2025, 1, 31);
@@ -206,13 +206,13 @@ TEST_F(ParkingRows, MoreThan32767RowsOverflow) {
         db.Exec(QStringLiteral(
                     "WITH RECURSIVE k(i) AS (SELECT %1 UNION ALL SELECT i + 1 FROM k WHERE i < %2) "
                     "INSERT INTO 票据 (票据编号, 入库单编号, 开票日期, 收款日期, 金额, 收款方式, "
-                    "开票部门编号) SELECT printf('%08d', i), 'N1', '2024-01-01', "
+                    "开票部门编号) SELECT printf('%08d', i), 'S1', '2024-01-01', "
                     "datetime('2024-01-01', '+' || i || ' seconds'), 1, '现金', 'D1' FROM k")
                     .arg(from)
                     .arg(to));
         db.Exec(QStringLiteral("WITH RECURSIVE k(i) AS (SELECT %1 UNION ALL SELECT i + 1 FROM k "
-                               "WHERE i < %2) INSERT INTO 票据开票数据 SELECT 'N1', "
-                               "printf('%08d', i), '07', 1, NULL FROM k")
+                               "WHERE i < %2) INSERT INTO 票据开票数据 SELECT 'S1', "
+                               "printf('%08d', i), '02', 1, NULL FROM k")
                     .arg(from)
                     .arg(to));
     };
@@ -233,8 +233,8 @@ class ParkingPage : public ParkingLedger {};
 
 TEST_F(ParkingPage, BatchesByKindAndSummaryRowsWithoutAmounts) {
     const QString day = QStringLiteral("2024-08-01 10:00:00");
-    Ticket("P1", "N1", day, 105, "5");
-    Ticket("E1", "N2", day, 210, "10", "现金", QStringLiteral("WX9"));
+    Ticket("P1", "S1", day, 105, "5");
+    Ticket("E1", "S2", day, 210, "10", "现金", QStringLiteral("WX9"));
     ASSERT_TRUE(Run(3));
     const int n = statement->FeeColumnCount();
     ASSERT_EQ(n, 3);

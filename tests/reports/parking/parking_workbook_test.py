@@ -4,48 +4,31 @@ rows with the method beside the total, borders, fonts, signature row."""
 import csv
 import io
 import os
-import shutil
 import sqlite3
-import subprocess
 import sys
-import tempfile
 import unittest
 
 import openpyxl
 
-BIN = sys.argv[1] if len(sys.argv) > 1 else "build/bin"
-TOOL = os.path.join(BIN, "yunqi-statement")
-BLUE = "C0C0FF"  # 16761024, blue-green-red FF C0 C0, as red-green-blue
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "support"))
+from workbooks import WorkbookTest, demo_ledger, filled  # noqa: E402
 
 
-def filled(cell):
-    if isinstance(cell, openpyxl.cell.cell.MergedCell):
-        return True
-    return cell.fill.fill_type == "solid" and cell.fill.fgColor.rgb.endswith(BLUE)
-
-
-class ParkingWorkbook(unittest.TestCase):
+class ParkingWorkbook(WorkbookTest):
     @classmethod
     def setUpClass(cls):
-        cls.dir = tempfile.mkdtemp()
-        db = os.path.join(cls.dir, "d.sqlite")
-        subprocess.run([TOOL, "make-demo-db", db, "--tickets", "3000"], check=True,
-                       capture_output=True)
+        super().setUpClass()
+        db = demo_ledger(cls.dir, 3000)
         # One parking item left: 007 地下停车费, tax rate 0.05.
         with sqlite3.connect(db) as con:
             con.execute("UPDATE setupsfxm SET 收费类别 = '服务收入' WHERE dh IN ('008', '009')")
         cls.xlsx = os.path.join(cls.dir, "out.xlsx")
-        r = subprocess.run([TOOL, "parking", "--database", db, "--dept", "01", "--from",
+        out = cls.statement("parking", "--database", db, "--dept", "01", "--from",
                             "2024-01-01", "--to", "2024-06-30", "--ratio", "007=62.5/37.5",
-                            "--csv", "-", "--xlsx", cls.xlsx],
-                           check=True, capture_output=True, text=True)
-        cls.grid = list(csv.reader(io.StringIO(r.stdout)))
+                            "--csv", "-", "--xlsx", cls.xlsx)
+        cls.grid = list(csv.reader(io.StringIO(out)))
         cls.ws = openpyxl.load_workbook(cls.xlsx).active
         cls.u = len(cls.grid) - 2
-
-    @classmethod
-    def tearDownClass(cls):
-        shutil.rmtree(cls.dir)
 
     def merged(self):
         return {str(r) for r in self.ws.merged_cells.ranges}
