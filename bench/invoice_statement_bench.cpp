@@ -4,20 +4,16 @@
 //   invoice_statement_bench [DB] [--tickets N] [--year YYYY]
 // Without DB a demo ledger of N tickets (default 200000) is made in /tmp.
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <clocale>
 #include <cstdio>
 
-#include "cli/DemoDatabase.h"
+#include "BenchSupport.h"
 #include "frame/Conditions.h"
 #include "frame/SplitRatios.h"
 #include "reports/invoice/InvoiceStatement.h"
-#include "db/SqlDialect.h"
 
 using namespace yunqi;
 
@@ -46,28 +42,6 @@ Timed RunOnce(const QString& db, const StatementConditions& k) {
     return t;
 }
 
-// The sqlite3 shell running the texts as the engine receives them.
-double ShellMs(const QString& db, const QStringList& sql, const QString& scriptPath) {
-    QFile script(scriptPath);
-    script.open(QIODevice::WriteOnly | QIODevice::Truncate);
-    for (const QString& s : sql) script.write((AdaptToSQLite(s) + ";\n").toUtf8());
-    script.close();
-    QProcess shell;
-    shell.setStandardInputFile(scriptPath);
-    shell.setStandardOutputFile(QProcess::nullDevice());
-    QElapsedTimer clock;
-    clock.start();
-    shell.start(QStringLiteral("sqlite3"), {QStringLiteral("-batch"), db});
-    shell.waitForFinished(-1);
-    return clock.nsecsElapsed() / 1e6;
-}
-
-QString LargestDepartment(DatabaseSession& session) {
-    Recordset rs = session.Open(QStringLiteral(
-        "Select 开票部门编号, count(*) As n From 票据 Group by 开票部门编号 Order by n desc"));
-    return rs.Value(0).toString();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -85,20 +59,11 @@ int main(int argc, char** argv) {
             db = args[i];
     }
     QTemporaryDir tmp;
-    if (db.isEmpty()) {
-        db = QDir::temp().filePath(QStringLiteral("yunqi-bench-%1.sqlite").arg(tickets));
-        if (!QFile::exists(db)) {
-            QElapsedTimer clock;
-            clock.start();
-            WriteDemoDatabase(db, tickets, 1);
-            out << "made " << db << " with " << tickets << " tickets in " << clock.elapsed()
-                << " ms\n";
-        }
-    }
+    if (db.isEmpty()) db = BenchSupport::DemoLedger(tickets);
 
     auto session = DatabaseSession::OpenEmbedded(db);
     StatementConditions k;
-    k.DeptCode = LargestDepartment(*session);
+    k.DeptCode = BenchSupport::LargestDepartment(*session);
     k.InvoiceTypeList = Conditions::LoadInvoiceTypes(*session);
     k.From = QDate(year, 1, 1);
     k.To = QDate(year, 12, 31);
@@ -110,7 +75,7 @@ int main(int argc, char** argv) {
     for (int i = 0; i < 3; ++i) {
         t = RunOnce(db, k);
         best = std::min(best, t.statementMs);
-        shellBest = std::min(shellBest, ShellMs(db, t.sql, tmp.filePath("s.sql")));
+        shellBest = std::min(shellBest, BenchSupport::ShellMs(db, t.sql, tmp.filePath("s.sql")));
     }
     out << "statement rows " << t.rows << " from " << t.sql.size() << " SQL texts\n";
     out << QString::asprintf("statement (extraction + statistics): %.0f ms\n", best);
