@@ -22,12 +22,13 @@ constexpr int kRows = 0, kNothing = 3, kBadArguments = 2, kFailure = 1;
 void Say(const QString& text) { QTextStream(stderr) << "yunqi-statement: " << text << "\n"; }
 
 // The percentages typed for a parking item, checked as the editor checks them.
-bool ApplyRatios(const std::vector<RatioOption>& ratios, FlexGrid& grid2) {
+bool ApplyRatios(const std::vector<RatioOption>& ratios, bool ifPresent, FlexGrid& grid2) {
     for (const RatioOption& ratio : ratios) {
         const QString code = QLatin1Char('\'') + ratio.itemCode + QLatin1Char('\'');
         int row = -1;
         for (int r = 1; r < grid2.Rows() && row < 0; ++r)
             if (grid2.TextMatrix(r, SplitRatios::kCodeCol) == code) row = r;
+        if (row < 0 && ifPresent) continue;
         if (row < 0) {
             Say(QStringLiteral("no parking item with code ") + ratio.itemCode +
                 QStringLiteral(" in this window"));
@@ -107,7 +108,7 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
         Say(report.texts.noFeeItemsText);
         return kNothing;
     }
-    if (!ApplyRatios(o.ratios, grid2)) return kBadArguments;
+    if (!ApplyRatios(o.ratios, o.ratioIfPresent, grid2)) return kBadArguments;
     statement->BuildGridHeader(grid1, grid2);
     if (!statement->RunStatistics(conditions, grid2, INT_MAX)) {
         Say(report.texts.noRowsText);

@@ -2,6 +2,7 @@
 
 #include <QTextStream>
 
+#include "cli/BatchCommand.h"
 #include "cli/ConsoleDialogs.h"
 #include "cli/MakeDemoDbCommand.h"
 #include "cli/PagedStatementCommand.h"
@@ -18,7 +19,9 @@ const char kUsage[] =
     "--to YYYY-MM-DD [--ratio ITEMCODE=DEV/PROP]... [--csv PATH|-] [--xlsx PATH] [--sql-log PATH]\n"
     "  yunqi-statement reconciliation [--database FILE] --dept CODE --year YYYY --months MM-MM "
     "[--csv PATH|-] [--xlsx PATH] [--sql-log PATH]\n"
-    "  yunqi-statement make-demo-db FILE [--tickets N] [--seed S]\n";
+    "  yunqi-statement make-demo-db FILE [--tickets N] [--seed S]\n"
+    "  yunqi-statement batch [--database FILE] --month YYYY-MM --out DIR [--dept CODE]... "
+    "[--report NAME]... [--ratio ITEMCODE=DEV/PROP]... [--csv] [--jobs N] [--force] [--quiet]\n";
 
 int Usage(const QString& problem) {
     QTextStream err(stderr);
@@ -35,6 +38,7 @@ int RunStatementCli(const QStringList& args) {
     SetAppDialogs(&dialogs);
     const QString& command = args.first();
     if (command == QLatin1String("make-demo-db")) return RunMakeDemoDb(args.mid(1));
+    if (command == QLatin1String("batch")) return RunBatch(args.mid(1));
     if (const ReportDefinition* report = FindReport(command); report && report->makePaged)
         return RunPagedStatement(*report, args.mid(1), OpenStatementSession);
     return Usage(QStringLiteral("unknown command: ") + args.first());

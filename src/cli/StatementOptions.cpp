@@ -27,6 +27,10 @@ std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, Q
     StatementOptions o;
     for (int i = 0; i < args.size(); ++i) {
         const QString& name = args[i];
+        if (name == QLatin1String("--ratio-if-present")) {
+            o.ratioIfPresent = true;
+            continue;
+        }
         if (i + 1 >= args.size()) {
             problem = name + QStringLiteral(" needs a value");
             return std::nullopt;

@@ -21,6 +21,7 @@ struct StatementOptions {
     QDate from;
     QDate to;
     std::vector<RatioOption> ratios;
+    bool ratioIfPresent = false;  // a ratio of an item not in the window is passed over
     QString csv;  // "-" for standard output
     QString xlsx;
     QString sqlLog;

@@ -40,6 +40,15 @@ void WriteTrailing(FlexGrid& grid, const DetailHeaderPlan& plan, int row, int fi
 
 }  // namespace
 
+std::vector<DetailHeaderPlan::Column> TicketLeading(std::vector<DetailHeaderPlan::Column> more) {
+    std::vector<DetailHeaderPlan::Column> columns{
+        {QStringLiteral("序"), QStringLiteral("序"), 500, true},
+        {QStringLiteral("开票日期"), QStringLiteral("开票日期"), 1200, true},
+    };
+    columns.insert(columns.end(), more.begin(), more.end());
+    return columns;
+}
+
 std::vector<DetailHeaderPlan::Column> TicketTrailing() {
     return {
         {QStringLiteral("合计"), QStringLiteral("合计"), 1400, true},

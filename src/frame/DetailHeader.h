@@ -30,6 +30,8 @@ struct DetailHeaderPlan {
 
 namespace DetailHeader {
 
+// 序 and 开票日期, as the ticket statements begin, followed by the report's own.
+std::vector<DetailHeaderPlan::Column> TicketLeading(std::vector<DetailHeaderPlan::Column> more);
 // 合计, 收款方式 and 付款人, as the ticket statements end.
 std::vector<DetailHeaderPlan::Column> TicketTrailing();
 

@@ -37,7 +37,7 @@ void ReadFeeItems(Recordset& rs, FeeItemList& items) {
 }
 
 FeeItemList LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2) {
-    FeeItemList items(1);
+    FeeItemList items;
     LoadFeeItems(session, sql, grid2, items);
     return items;
 }
@@ -46,6 +46,7 @@ void LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2,
                   FeeItemList& items) {
     session.SetCommandTimeout(0);
     Recordset rs = session.Open(sql);
+    items.assign(1, FeeItem{});
     ReadFeeItems(rs, items);
     SplitRatios::Fill(grid2, items);
 }
@@ -78,11 +79,6 @@ QString FeeItemSelect() {
                "票据开票数据.入库单编号") +
            QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号") +
            QStringLiteral(" inner join setupsfxm on 收费项目代号=dh");
-}
-
-QString TicketsFrom() {
-    return QStringLiteral(" From 票据") +
-           QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
 }
 
 QString NetAmountSql() {

@@ -19,8 +19,9 @@ void ReadFeeItems(Recordset& rs, FeeItemList& items);
 // Runs an extraction statement and fills the split-ratio grid with the
 // default percentages of its parking items.
 FeeItemList LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2);
-// The same, appending to items as they are read: after a failure items holds
-// those read before it and the split-ratio grid is untouched.
+// The same into items, emptied to element 0 once the statement is open and
+// filled one item at a time: after a failure it holds the items read before
+// it, and the split-ratio grid is untouched.
 void LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2,
                   FeeItemList& items);
 // The money columns of the main statement, from position 10 or 11 on:
@@ -30,8 +31,6 @@ QString FeeColumnsSelect(const FeeItemList& items, const FlexGrid& grid2);
 // The extraction's select over the tickets, their lines, stock-in notes and
 // item settings, up to its Where.
 QString FeeItemSelect();
-// " From 票据" with its stock-in note: the outer table of a statement.
-QString TicketsFrom();
 
 // Pieces of the derived tables that sum or list an item's lines per ticket.
 // 金额 less 税额 of a line, a Null tax counting as 0.

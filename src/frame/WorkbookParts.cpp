@@ -37,11 +37,6 @@ void CopyGridHeader(SheetModel& sheet, const FlexGrid& grid) {
         }
 }
 
-void WriteHead(SheetModel& sheet, const WorkbookContext& context) {
-    WriteTitleBlock(sheet, context.grid1.Cols(), context);
-    CopyGridHeader(sheet, context.grid1);
-}
-
 int MergeFeeBands(SheetModel& sheet, const FeeItemList& items, int first) {
     int k = first;
     for (std::size_t i = 1; i < items.size(); ++i) {
@@ -52,7 +47,40 @@ int MergeFeeBands(SheetModel& sheet, const FeeItemList& items, int first) {
     return k;
 }
 
-int StartRecord(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r) {
+namespace {
+
+// Merges of one run of plan columns starting at sheet column first.
+void MergePlanColumns(SheetModel& sheet, const std::vector<DetailHeaderPlan::Column>& columns,
+                      int first) {
+    for (std::size_t i = 0; i < columns.size();) {
+        const int col = first + int(i);
+        if (columns[i].mergeDown) {
+            sheet.RangeOf(4, col, 5, col).SetMergeCells(true);
+            ++i;
+            continue;
+        }
+        std::size_t end = i + 1;
+        while (end < columns.size() && !columns[end].mergeDown && columns[end].top == columns[i].top)
+            ++end;
+        sheet.RangeOf(4, col, 4, first + int(end) - 1).SetMergeCells(true);
+        i = end;
+    }
+}
+
+}  // namespace
+
+void WriteTicketHeader(SheetModel& sheet, const WorkbookContext& context,
+                       const DetailHeaderPlan& plan, const FeeItemList& items) {
+    const int c = context.grid1.Cols();
+    WriteTitleBlock(sheet, c, context);
+    CopyGridHeader(sheet, context.grid1);
+    MergePlanColumns(sheet, plan.leading, 1);
+    const int last = MergeFeeBands(sheet, items, int(plan.leading.size()));
+    MergePlanColumns(sheet, plan.trailing, last + 1);
+    sheet.RangeOf(4, 1, 5, c).SetInteriorColor(kLightBlue);
+}
+
+int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r) {
     steps.Row(r);
     const int s = r + 5;
     auto number = sheet.Cells(s, 1);

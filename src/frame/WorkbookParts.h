@@ -3,6 +3,7 @@
 #include <QString>
 #include <vector>
 
+#include "frame/DetailHeader.h"
 #include "frame/ExportSteps.h"
 #include "frame/FeeItem.h"
 #include "frame/FlexGrid.h"
@@ -27,16 +28,20 @@ void WriteTitleBlock(SheetModel& sheet, int c, const WorkbookContext& context);
 // of the grid (twips / 110).
 void CopyGridHeader(SheetModel& sheet, const FlexGrid& grid);
 
-// Both of the above: the title block and the header rows over the grid's columns.
-void WriteHead(SheetModel& sheet, const WorkbookContext& context);
-
 // Row 4: the band of each fee item, its columns merged; the first item's
 // columns start after column first. Returns the last column of the bands.
 int MergeFeeBands(SheetModel& sheet, const FeeItemList& items, int first);
 
-// Starts record r of the statement: the progress told, then r centred in
-// column 1 of the record's sheet row, r + 5, which it returns.
-int StartRecord(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r);
+// The head of a ticket statement's sheet: the title block, the grid's header,
+// the merges the plan implies (a column marked to merge down over rows 4 and
+// 5; neighbours of one band across row 4; each fee item's band) and the
+// header's light blue.
+void WriteTicketHeader(SheetModel& sheet, const WorkbookContext& context,
+                       const DetailHeaderPlan& plan, const FeeItemList& items);
+
+// The start of record r's sheet row (r + 5, returned): the progress step and
+// the record's index, centred, in column 1.
+int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r);
 
 // Fonts and borders of the finished table: 微软雅黑, the title bold, size 9
 // from row 2 to lastRow (or to fontLastRow, when given), borders from row 4

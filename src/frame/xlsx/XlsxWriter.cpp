@@ -161,6 +161,15 @@ void WriteXlsx(const SheetModel& sheet, const QString& path) {
     const QByteArray tempName = QFile::encodeName(tempPath);
     lxw_workbook* book = workbook_new_opt(tempName.constData(), &options);
     if (!book) throw RuntimeError(ErrorCode::PathFileAccess, path);
+    // SOURCE_DATE_EPOCH, where set, fixes the creation time, so that the same
+    // statement gives the same bytes (batch runs compared with single ones).
+    bool epochSet = false;
+    const qint64 epoch = qEnvironmentVariableIntValue("SOURCE_DATE_EPOCH", &epochSet);
+    if (epochSet) {
+        lxw_doc_properties properties{};
+        properties.created = time_t(epoch);
+        workbook_set_properties(book, &properties);
+    }
     lxw_worksheet* ws = workbook_add_worksheet(book, nullptr);
     try {
         WriteSheet(book, ws, sheet);

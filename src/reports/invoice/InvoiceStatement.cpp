@@ -4,6 +4,7 @@
 #include "frame/DetailPage.h"
 #include "frame/FeeColumnReader.h"
 #include "frame/FeeItemReader.h"
+#include "frame/FeeSubQuery.h"
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
 #include "frame/StatementTotals.h"
@@ -18,14 +19,12 @@ namespace {
 
 const DetailHeaderPlan& Plan() {
     static const DetailHeaderPlan plan{
-        {
-            {QStringLiteral("序"), QStringLiteral("序"), 500, true},
-            {QStringLiteral("开票日期"), QStringLiteral("开票日期"), 1200, true},
+        DetailHeader::TicketLeading({
             {QStringLiteral("增值税发票"), QStringLiteral("专用发票"), 1200, false},
             {QStringLiteral("增值税发票"), QStringLiteral("普通发票"), 1200, false},
             {QStringLiteral("增值税发票"), QStringLiteral("电子发票"), 1200, false},
             {QStringLiteral("收据"), QStringLiteral("收据"), 2000, true},
-        },
+        }),
         DetailHeader::TicketTrailing(),
         1200,
         true,
@@ -43,8 +42,21 @@ QString DateClause(const QString& d1, const QString& d2) {
            QStringLiteral("' And CONVERT(char(8),开票日期,112)<CONVERT(char(8),收款日期,112)))");
 }
 
-const QString kNet = QStringLiteral(
-    "票据开票数据.金额 - (Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End)");
+// Each line of an item as it stands, with the ticket's two keys.
+const FeeSubQuery::Form& LineForm() {
+    static const QString net = QStringLiteral(
+        "票据开票数据.金额 - (Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End)");
+    static const FeeSubQuery::Form form{
+        QStringLiteral("Select  ") + net,
+        QStringLiteral(" , 票据开票数据.税额 as "),
+        QStringLiteral("Select (票据开票数据.金额-(Case When 票据开票数据.税额 Is Null Then 0 Else "
+                       "票据开票数据.税额 End))"),
+        QStringLiteral(" (") + net + QStringLiteral(")"),
+        QStringLiteral(" 票据开票数据.税额 as "),
+        QStringLiteral(", 票据开票数据.票据编号 , 票据开票数据.入库单编号"),
+    };
+    return form;
+}
 
 DetailRows::Kind KindOf(const QString& typeName) {
     if (typeName.contains(QStringLiteral("专用发票"))) return DetailRows::Kind::Special;
@@ -55,11 +67,7 @@ DetailRows::Kind KindOf(const QString& typeName) {
 
 }  // namespace
 
-void InvoiceStatement::InitGridHeader(FlexGrid& grid1) const { DetailHeader::Init(grid1, Plan()); }
-
-void InvoiceStatement::BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) {
-    feeColumnCount_ = DetailHeader::Build(grid1, Plan(), feeItems_, grid2);
-}
+InvoiceStatement::InvoiceStatement(DatabaseSession& session) : TicketStatement(session, Plan()) {}
 
 QString InvoiceStatement::FeeItemSql(const StatementConditions& k) {
     const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
@@ -74,8 +82,7 @@ QString InvoiceStatement::FeeItemSql(const StatementConditions& k) {
 
 void InvoiceStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
                                        FlexGrid& grid1) {
-    feeItems_ = LoadFeeItems(session_, FeeItemSql(conditions), grid2);
-    if (feeItems_.size() > 1) BuildGridHeader(grid1, grid2);
+    LoadItems(FeeItemSql(conditions), grid2, grid1);
 }
 
 QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
@@ -89,27 +96,10 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
     for (int i = 1; i <= count; ++i) {
         const FeeItem& item = feeItems_[i];
         QString& s = sub[i];
-        if (!item.IsParking()) {
-            s = QStringLiteral("Select  ") + kNet + QStringLiteral(" as ") + item.ItemName +
-                QStringLiteral(" , 票据开票数据.税额 as ") + item.TaxAlias +
-                QStringLiteral(", 票据开票数据.票据编号 , 票据开票数据.入库单编号");
-        } else {
-            for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
-                s = QStringLiteral("Select (") + NetAmountSql() + QStringLiteral(") * ") +
-                    SplitRatios::RatioText(grid2, r) + QStringLiteral(" as ") + item.ItemName +
-                    QStringLiteral("WY") + QStringLiteral(",");
-                s += QStringLiteral(" (") + kNet + QStringLiteral(") As ") + item.ItemName +
-                     QStringLiteral("KFS") + QStringLiteral(",");
-            }
-            s += QStringLiteral(" 票据开票数据.税额 as ") + item.TaxAlias +
-                 QStringLiteral(", 票据开票数据.票据编号 , 票据开票数据.入库单编号");
-        }
-        s += FeeLinesFrom();
-        s += QStringLiteral(" Inner Join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
+        s = FeeSubQuery::Head(item, grid2, LineForm());
         s += QStringLiteral(" Where  (作废日期 Is Null Or 作废日期 Is Not Null)");
         s += dateClause;
-        s += ItemLinesOf(item, k.DeptCode);
-        s += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
+        s += FeeSubQuery::Filter(item, k);
     }
 
     // Stage two: the tickets with the items' lines beside them.
@@ -117,7 +107,8 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
         "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
         "票据.金额, 收款方式, 付款人, 地址, 票据.被换票票据编号 ");
     sql += FeeColumnsSelect(feeItems_, grid2);
-    sql += TicketsFrom();
+    sql += QStringLiteral(" From 票据");
+    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
     sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
     sql += JoinDerivedTables(sub, true);
     sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");

@@ -24,19 +24,11 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
     const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();
 
-    WorkbookParts::WriteHead(sheet, in);
-    sheet.RangeOf(4, 1, 5, 1).SetMergeCells(true);
-    sheet.RangeOf(4, 2, 5, 2).SetMergeCells(true);
-    sheet.RangeOf(4, 3, 4, 5).SetMergeCells(true);
-    sheet.RangeOf(4, 6, 5, 6).SetMergeCells(true);
-    WorkbookParts::MergeFeeBands(sheet, statement.FeeItems(), 6);
-    for (int col = c - 2; col <= c; ++col) sheet.RangeOf(4, col, 5, col).SetMergeCells(true);
-    sheet.RangeOf(4, 1, 5, c).SetInteriorColor(kLightBlue);
-
+    WorkbookParts::WriteTicketHeader(sheet, in, statement.HeaderPlan(), statement.FeeItems());
     steps.HeaderWritten();
 
     for (int r = 1; r <= u; ++r) {
-        const int s = WorkbookParts::StartRecord(sheet, steps, r);
+        const int s = WorkbookParts::StartRecordRow(sheet, steps, r);
         const QString& date = rows.DateText(r);
         auto second = sheet.Cells(s, 2);
         if (!date.isEmpty() && date != kOf) {

@@ -3,7 +3,6 @@
 #include "core/MessageForms.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
-#include "frame/DetailHeader.h"
 #include "frame/FeeColumnReader.h"
 #include "frame/FeeItemReader.h"
 #include "frame/Pager.h"
@@ -72,11 +71,7 @@ QString ItemSums(const FeeItem& item, const FlexGrid& grid2, const StatementCond
 
 }  // namespace
 
-void ParkingStatement::InitGridHeader(FlexGrid& grid1) const { DetailHeader::Init(grid1, Plan()); }
-
-void ParkingStatement::BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) {
-    feeColumnCount_ = DetailHeader::Build(grid1, Plan(), feeItems_, grid2);
-}
+ParkingStatement::ParkingStatement(DatabaseSession& session) : TicketStatement(session, Plan()) {}
 
 QString ParkingStatement::FeeItemSql(const StatementConditions& k) {
     QString sql = FeeItemSelect();
@@ -92,10 +87,8 @@ QString ParkingStatement::FeeItemSql(const StatementConditions& k) {
 
 void ParkingStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
                                        FlexGrid& grid1) {
-    feeItems_ = FeeItemList(1);
     try {
-        LoadFeeItems(session_, FeeItemSql(conditions), grid2, feeItems_);
-        if (feeItems_.size() > 1) BuildGridHeader(grid1, grid2);
+        LoadItems(FeeItemSql(conditions), grid2, grid1);
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description(), true);
     }
@@ -111,7 +104,8 @@ QString ParkingStatement::StatisticsSql(const StatementConditions& k,
     QString sql =
         QStringLiteral("Select 票据.票据编号 ,票据.入库单编号 ,  收款日期, 票据.金额, 收款方式, 交易订单号 ");
     sql += FeeColumnsSelect(feeItems_, grid2);
-    sql += TicketsFrom();
+    sql += QStringLiteral(" From 票据");
+    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
     sql += JoinDerivedTables(sub, false);
     sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");

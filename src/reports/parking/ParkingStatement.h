@@ -2,9 +2,7 @@
 
 #include <QString>
 
-#include "db/DatabaseSession.h"
-#include "frame/DetailRows.h"
-#include "frame/PagedStatement.h"
+#include "frame/TicketStatement.h"
 
 namespace yunqi {
 
@@ -15,18 +13,16 @@ namespace yunqi {
 //
 // Rows: TicketNo holds the ticket range ("A - B"), or "合计" / "其中" on the
 // appended rows; a batch row's kind is kPaper or kElectronic.
-class ParkingStatement : public PagedStatement {
+class ParkingStatement : public TicketStatement {
   public:
     static constexpr DetailRows::Kind kPaper = DetailRows::Kind::Ordinary;          // 纸质
     static constexpr DetailRows::Kind kElectronic = DetailRows::Kind::Electronic;  // 电子
 
-    explicit ParkingStatement(DatabaseSession& session) : session_(session) {}
+    explicit ParkingStatement(DatabaseSession& session);
 
-    void InitGridHeader(FlexGrid& grid1) const override;
     // Has an error trap: a failure is shown and leaves the items read so far.
     void ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
                          FlexGrid& grid1) override;
-    void BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) override;
     // More than 32,767 rows: Overflow, as the closing loops count in 16 bits.
     bool RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
                        int pageSize) override;
@@ -36,25 +32,12 @@ class ParkingStatement : public PagedStatement {
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;
 
-    const FeeItemList& FeeItems() const override { return feeItems_; }
-    int FeeColumnCount() const override { return feeColumnCount_; }
-    int PageCount() const override { return pageCount_; }
-    int UpperBound() const override { return rows_.UpperBound(); }
-    // Batch rows, then "合计", then the "其中" rows.
-    const DetailRows& Rows() const { return rows_; }
     // A row of totals: "合计", "其中" or a further breakdown row.
     bool IsSummaryRow(int r) const;
 
     // The SQL texts, exactly as they are sent.
     static QString FeeItemSql(const StatementConditions& conditions);
     QString StatisticsSql(const StatementConditions& conditions, const FlexGrid& grid2) const;
-
-  private:
-    DatabaseSession& session_;
-    FeeItemList feeItems_{FeeItem{}};
-    int feeColumnCount_ = 0;
-    DetailRows rows_;
-    int pageCount_ = 0;
 };
 
 }  // namespace yunqi

@@ -8,19 +8,15 @@ namespace yunqi {
 // header rows, every record, the signature line.
 void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                                   const WorkbookContext& in) const {
-    WorkbookParts::WriteHead(sheet, in);
+    WorkbookParts::WriteTicketHeader(sheet, in, plan_, feeItems_);
     const int c = in.grid1.Cols();
-    for (int col = 1; col <= 3; ++col) sheet.RangeOf(4, col, 5, col).SetMergeCells(true);
-    WorkbookParts::MergeFeeBands(sheet, feeItems_, 3);
-    sheet.RangeOf(4, c, 5, c).SetMergeCells(true);
-    sheet.RangeOf(4, 1, 5, c).SetInteriorColor(WorkbookParts::kLightBlue);
 
     steps.HeaderWritten();
 
     const int n = feeColumnCount_;
     const int u = rows_.UpperBound();
     for (int r = 1; r <= u; ++r) {
-        const int s = WorkbookParts::StartRecord(sheet, steps, r);
+        const int s = WorkbookParts::StartRecordRow(sheet, steps, r);
         if (IsSummaryRow(r)) {
             auto label = sheet.Cells(s, 2);
             label.SetValue(rows_.TicketNo(r));

@@ -7,6 +7,7 @@
 #include "frame/DetailPage.h"
 #include "frame/FeeColumnReader.h"
 #include "frame/FeeItemReader.h"
+#include "frame/FeeSubQuery.h"
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
 #include "frame/StatementTotals.h"
@@ -20,12 +21,10 @@ namespace {
 
 const DetailHeaderPlan& Plan() {
     static const DetailHeaderPlan plan{
-        {
-            {QStringLiteral("序"), QStringLiteral("序"), 500, true},
-            {QStringLiteral("开票日期"), QStringLiteral("开票日期"), 1200, true},
+        DetailHeader::TicketLeading({
             {QStringLiteral("增值税发票"), QStringLiteral("专用发票"), 1200, false},
             {QStringLiteral("增值税发票"), QStringLiteral("普通发票"), 1200, false},
-        },
+        }),
         DetailHeader::TicketTrailing(),
         1200,
         false,
@@ -40,7 +39,20 @@ QString UnpaidBy(const QString& d2, const QString& lastNull) {
            QStringLiteral(")");
 }
 
-QString NetSum() { return QStringLiteral("SUM(") + NetAmountSql() + QStringLiteral(")"); }
+// Each item's lines summed per ticket number.
+const FeeSubQuery::Form& SumForm() {
+    static const QString net = QStringLiteral(
+        "SUM(票据开票数据.金额-(Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End))");
+    static const FeeSubQuery::Form form{
+        QStringLiteral("Select ") + net,
+        QStringLiteral(" ,SUM(票据开票数据.税额) as "),
+        QStringLiteral("Select ") + net,
+        QStringLiteral(" ") + net,
+        QStringLiteral(" SUM(票据开票数据.税额) as "),
+        QStringLiteral(", 票据开票数据.票据编号"),
+    };
+    return form;
+}
 
 DetailRows::Kind KindOf(const QString& typeName) {
     if (typeName.contains(QStringLiteral("专用发票"))) return DetailRows::Kind::Special;
@@ -50,13 +62,8 @@ DetailRows::Kind KindOf(const QString& typeName) {
 
 }  // namespace
 
-void PreInvoiceStatement::InitGridHeader(FlexGrid& grid1) const {
-    DetailHeader::Init(grid1, Plan());
-}
-
-void PreInvoiceStatement::BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) {
-    feeColumnCount_ = DetailHeader::Build(grid1, Plan(), feeItems_, grid2);
-}
+PreInvoiceStatement::PreInvoiceStatement(DatabaseSession& session)
+    : TicketStatement(session, Plan()) {}
 
 QString PreInvoiceStatement::FeeItemSql(const StatementConditions& k) {
     const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
@@ -82,8 +89,7 @@ QString PreInvoiceStatement::FeeItemSql(const StatementConditions& k) {
 void PreInvoiceStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
                                           FlexGrid& grid1) {
     try {
-        feeItems_ = LoadFeeItems(session_, FeeItemSql(conditions), grid2);
-        if (feeItems_.size() > 1) BuildGridHeader(grid1, grid2);
+        LoadItems(FeeItemSql(conditions), grid2, grid1);
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description());
     }
@@ -99,29 +105,12 @@ QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
     for (int i = 1; i <= count; ++i) {
         const FeeItem& item = feeItems_[i];
         QString& s = sub[i];
-        if (!item.IsParking()) {
-            s = QStringLiteral("Select ") + NetSum() + QStringLiteral(" as ") + item.ItemName +
-                QStringLiteral(" ,SUM(票据开票数据.税额) as ") + item.TaxAlias +
-                QStringLiteral(", 票据开票数据.票据编号");
-        } else {
-            for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
-                s = QStringLiteral("Select ") + NetSum() + QStringLiteral(" * ") +
-                    SplitRatios::RatioText(grid2, r) + QStringLiteral(" as ") + item.ItemName +
-                    QStringLiteral("WY") + QStringLiteral(",");
-                s += QStringLiteral(" ") + NetSum() + QStringLiteral(" As ") + item.ItemName +
-                     QStringLiteral("KFS") + QStringLiteral(",");
-            }
-            s += QStringLiteral(" SUM(票据开票数据.税额) as ") + item.TaxAlias +
-                 QStringLiteral(", 票据开票数据.票据编号");
-        }
-        s += FeeLinesFrom();
-        s += QStringLiteral(" Inner Join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
+        s = FeeSubQuery::Head(item, grid2, SumForm());
         s += QStringLiteral(" Where 作废日期 Is Null");
         s += QStringLiteral(" And Convert(Char(8),开票日期,112) Between '") + d1 +
              QStringLiteral("' And '") + d2 + QStringLiteral("'");
         s += UnpaidBy(d2, QStringLiteral("is null"));
-        s += ItemLinesOf(item, k.DeptCode);
-        s += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
+        s += FeeSubQuery::Filter(item, k);
         s += QStringLiteral(" Group by 票据开票数据.票据编号");
     }
 
@@ -130,7 +119,8 @@ QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
         "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
         "票据.金额, 收款方式, 付款人, 地址 ");
     sql += FeeColumnsSelect(feeItems_, grid2);
-    sql += TicketsFrom();
+    sql += QStringLiteral(" From 票据");
+    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
     sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
     sql += JoinDerivedTables(sub, false);
     sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");

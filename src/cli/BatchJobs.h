@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <vector>
+
+namespace yunqi {
+
+// One statement of a batch: the companion run as a process of its own, so
+// that its files are exactly what the single command writes, through the same
+// safe-write path, on a database session of its own.
+struct BatchJob {
+    QString dept;       // department code
+    QString label;      // "02 云栖苑 停车费明细表", for the progress line
+    QString report;     // command name
+    QString relativeFile;  // the workbook, relative to the output folder
+    QStringList args;   // the companion's arguments
+    QString csvPath;    // where the CSV goes ("" for standard output)
+    bool gridFromRow2 = false;  // the CSV has no header rows
+
+    // Filled in by the run.
+    enum class Status { Pending, Ok, Empty, Failed } status = Status::Pending;
+    int rows = 0;
+    double seconds = 0;
+    QString message;  // what the companion said on failure
+};
+
+// Runs the jobs, at most `parallel` at a time, and reports each finished one.
+// Returns false when interrupted (SIGINT, SIGTERM, SIGHUP): the running
+// companions are stopped, and they remove their temporary files themselves.
+bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& program,
+                  const std::function<void(const BatchJob&, int done)>& finished);
+
+// Body records of a CSV text (RFC 4180: a quoted field may hold line ends).
+int CsvRecords(const QByteArray& csv);
+
+}  // namespace yunqi
