@@ -184,18 +184,26 @@ TEST_F(ParkingRows, NoTicketInTheRangeIsNoStatement) {
     EXPECT_EQ(statement->UpperBound(), 0);
 }
 
-TEST_F(ParkingRows, ExtractionFailureIsShownAndLeavesNoItems) {
+TEST_F(ParkingRows, ExtractionFailureIsShownAndKeepsWhatWasThere) {
+    Ticket("A", "S1", "2024-07-01 10:00:00", 10);
     RecordingDialogs dialogs;
     SetAppDialogs(&dialogs);
+    Extract();
+    ASSERT_EQ(statement->FeeItems().size(), 2u);
+    // The statement no longer opens: the items of the last extraction stay.
     db.Exec(QStringLiteral("DROP TABLE setupsfxm"));
+    statement->ExtractFeeItems(conditions, grid2, grid1);
+    EXPECT_EQ(statement->FeeItems().size(), 2u);
+    // On a fresh window there is nothing, and no header is laid.
     Extract();
     SetAppDialogs(nullptr);
     EXPECT_EQ(statement->FeeItems().size(), 1u);
     EXPECT_EQ(grid1.Cols(), 4);
-    ASSERT_EQ(dialogs.messages.size(), 1u);
+    ASSERT_EQ(dialogs.messages.size(), 2u);
     const auto& m = dialogs.messages[0];
     EXPECT_EQ(m.title, QStringLiteral("系统提示"));
     EXPECT_EQ(m.icon, MsgIcon::Information);
+    // The number with a blank for its sign, the description straight after it.
     EXPECT_TRUE(m.text.startsWith(' ')) << m.text.toStdString();
     EXPECT_TRUE(m.text.contains(QStringLiteral("setupsfxm"))) << m.text.toStdString();
 }
