@@ -32,12 +32,13 @@ class ParkingStatement : public TicketStatement {
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;
 
-    // A row of totals: "合计", "其中" or a further breakdown row.
-    bool IsSummaryRow(int r) const;
-
     // The SQL texts, exactly as they are sent.
     static QString FeeItemSql(const StatementConditions& conditions);
     QString StatisticsSql(const StatementConditions& conditions, const FlexGrid& grid2) const;
+
+  private:
+    // A row of totals: "合计", "其中" or a further breakdown row.
+    bool IsSummaryRow(int r) const;
 };
 
 }  // namespace yunqi
