@@ -150,8 +150,6 @@ void ReportWindow::SetTitle(const QString& text) {
 
 void ReportWindow::TakeDepartment() {
     const QString entry = SelectedEntry();
-    conditions_.DeptCode.clear();
-    conditions_.SiteCode.clear();
     conditions_.DeptCode = Conditions::DeptCodeOf(entry);
     conditions_.SiteCode = Conditions::SiteCodeOf(entry);
 }
