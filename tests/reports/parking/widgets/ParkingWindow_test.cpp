@@ -1,22 +1,25 @@
+// The parking window opened from the main program's menu and driven by mouse
+// through one statement: a paper and an electronic batch of March 2024.
 #include <gtest/gtest.h>
 
 #include <QDateEdit>
 #include <QFile>
 #include <QLabel>
+#include <QListWidget>
 #include <QPushButton>
 #include <QTemporaryDir>
 
 #include "core/Dialogs.h"
-#include "frame/widgets/ReportWindow.h"
+#include "frame/widgets/EventDriver.h"
+#include "frame/widgets/PagedReportWindow.h"
 #include "reports/Reports.h"
 #include "shell/widgets/MainWindow.h"
 #include "support/TestDatabase.h"
 
 using namespace yunqi;
+using namespace yunqi::testing;
 
-// The parking window through the menu: a paper and an electronic batch of
-// March 2024, extracted, run, paged and exported.
-TEST(ParkingWindowTest, RoadOfOneStatement) {
+TEST(ParkingWindowTest, RoadOfOneStatementFromTheMenu) {
     RecordingDialogs dialogs;
     SetAppDialogs(&dialogs);
     TestDatabase db;
@@ -32,41 +35,58 @@ TEST(ParkingWindowTest, RoadOfOneStatement) {
     }
     db.Exec("UPDATE 票据 SET 交易订单号 = 'WX1' WHERE 入库单编号 = 'S2'");
     auto session = db.Session();
-    {
-        MainWindow main(std::map<QString, MainWindow::WindowFactory>{
-            {"停车费明细表", [&] { return NewReportWindow(*FindReport("parking"), *session); }}});
-        main.show();
-        main.Choose("停车费明细表");
-        auto* w = static_cast<ReportWindow*>(main.OpenWindow("停车费明细表"));
-        ASSERT_TRUE(w);
-        EXPECT_EQ(w->windowTitle(), "停车费明细表");
-        EXPECT_EQ(w->findChild<QLabel*>("Label1(10)")->text(), "收款日期范围");
-        EXPECT_EQ(w->findChild<QLabel*>("Label1(1)")->text(), "停车费统计条件");
-        w->findChild<QDateEdit*>("DTPicker1(0)")->setDate(QDate(2024, 3, 1));
-        w->findChild<QDateEdit*>("DTPicker1(1)")->setDate(QDate(2024, 3, 31));
-        w->ClickList1(0);
-        EXPECT_EQ(w->TitleText(), "【云栖苑】停车费明细表");
+    std::map<QString, MainWindow::WindowFactory> windows;
+    for (const ReportDefinition* report : AllReports())
+        windows.emplace(report->menuEntry, [report, &session] {
+            return NewReportWindow(*report, *session);
+        });
+    auto main = std::make_unique<MainWindow>(std::move(windows));
+    main->resize(1400, 1000);
+    main->show();
+    Settle();
 
-        w->ClickCommand3();
-        ASSERT_EQ(w->Grid2().Rows(), 2);
-        EXPECT_EQ(w->Grid1().Cols(), 7);
-        w->ClickCommand6();
-        EXPECT_FALSE(w->findChild<QPushButton*>("Command6")->isEnabled());
-        const FlexGrid& g = w->Grid1();
-        ASSERT_EQ(g.Rows(), 2 + 4);  // two batches, 合计, 其中
-        EXPECT_EQ(g.TextMatrix(2, 1), "00001");
-        EXPECT_EQ(g.TextMatrix(3, 2), "00001");
-        // Equal numbers of two notes both carry the sum of both.
-        EXPECT_EQ(g.TextMatrix(3, 6), "210.00");
-        EXPECT_EQ(g.TextMatrix(4, 1), "合计");
-        EXPECT_EQ(g.TextMatrix(5, 5), "现金");
-        EXPECT_EQ(w->findChild<QLabel*>("Label19")->text(), "第 01 页 共 01 页");
+    ChooseFromMenu(main->menuBar(), QStringLiteral("统计报表"), QStringLiteral("停车费明细表"));
+    auto* w = qobject_cast<PagedReportWindow*>(main->OpenWindow(QStringLiteral("停车费明细表")));
+    ASSERT_TRUE(w);
+    EXPECT_EQ(w->objectName(), QStringLiteral("frm停车费明细表New"));
+    EXPECT_EQ(w->windowTitle(), QStringLiteral("停车费明细表"));
+    EXPECT_EQ(w->findChild<QLabel*>(QStringLiteral("Label1(1)"))->text(),
+              QStringLiteral("停车费统计条件"));
+    EXPECT_EQ(w->findChild<QLabel*>(QStringLiteral("Label1(10)"))->text(),
+              QStringLiteral("收款日期范围"));
+    EXPECT_EQ(w->Grid1().Cols(), 4);
 
-        QTemporaryDir dir;
-        dialogs.saveAnswers = {dir.filePath("停车.xlsx")};
-        w->ClickCommand2();
-        EXPECT_TRUE(QFile::exists(dir.filePath("停车.xlsx")));
-        EXPECT_EQ(dialogs.texts().last(), "停车费明细表导出成功！");
-    }
+    w->findChild<QListWidget*>(QStringLiteral("List1"))->setCurrentRow(0);
+    Settle();
+    EXPECT_EQ(w->findChild<QLabel*>(QStringLiteral("Label1(0)"))->text(),
+              QStringLiteral("【云栖苑】停车费明细表"));
+    w->findChild<QDateEdit*>(QStringLiteral("DTPicker1(0)"))->setDate(QDate(2024, 3, 1));
+    w->findChild<QDateEdit*>(QStringLiteral("DTPicker1(1)"))->setDate(QDate(2024, 3, 31));
+    Click(w->findChild<QPushButton*>(QStringLiteral("Command3")));
+    auto* command6 = w->findChild<QPushButton*>(QStringLiteral("Command6"));
+    Click(command6);
+    EXPECT_TRUE(dialogs.messages.empty()) << dialogs.texts().join('|').toStdString();
+    EXPECT_FALSE(command6->isEnabled());
+    const FlexGrid& g = w->Grid1();
+    ASSERT_EQ(g.Cols(), 7);
+    EXPECT_EQ(g.TextMatrix(1, 3), QStringLiteral("开发商70%"));
+    ASSERT_EQ(g.Rows(), 2 + 4);  // two batches, 合计, 其中
+    EXPECT_EQ(g.TextMatrix(2, 1), QStringLiteral("00001"));
+    EXPECT_EQ(g.TextMatrix(3, 2), QStringLiteral("00001"));
+    // Equal numbers of two notes both carry the sum of both.
+    EXPECT_EQ(g.TextMatrix(3, 6), QStringLiteral("210.00"));
+    EXPECT_EQ(g.TextMatrix(4, 1), QStringLiteral("合计"));
+    EXPECT_EQ(g.TextMatrix(5, 5), QStringLiteral("现金"));
+    EXPECT_EQ(w->findChild<QLabel*>(QStringLiteral("Label19"))->text(),
+              QStringLiteral("第 01 页 共 01 页"));
+
+    QTemporaryDir dir;
+    dialogs.saveAnswers = {dir.filePath("停车.xlsx")};
+    Click(w->findChild<QPushButton*>(QStringLiteral("Command2")));
+    EXPECT_EQ(dialogs.saveDialogDefaults.last(),
+              QStringLiteral("【云栖苑】停车费明细表_20240301-20240331"));
+    EXPECT_EQ(dialogs.texts().last(), QStringLiteral("停车费明细表导出成功！"));
+    EXPECT_TRUE(QFile::exists(dir.filePath("停车.xlsx")));
+    main.reset();
     SetAppDialogs(nullptr);
 }
