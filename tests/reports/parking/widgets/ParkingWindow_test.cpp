@@ -10,10 +10,7 @@
 #include <QTemporaryDir>
 
 #include "core/Dialogs.h"
-#include "frame/widgets/EventDriver.h"
-#include "frame/widgets/PagedReportWindow.h"
-#include "reports/Reports.h"
-#include "shell/widgets/MainWindow.h"
+#include "frame/widgets/ReportMenu.h"
 #include "support/TestDatabase.h"
 
 using namespace yunqi;
@@ -35,18 +32,8 @@ TEST(ParkingWindowTest, RoadOfOneStatementFromTheMenu) {
     }
     db.Exec("UPDATE 票据 SET 交易订单号 = 'WX1' WHERE 入库单编号 = 'S2'");
     auto session = db.Session();
-    std::map<QString, MainWindow::WindowFactory> windows;
-    for (const ReportDefinition* report : AllReports())
-        windows.emplace(report->menuEntry, [report, &session] {
-            return NewReportWindow(*report, *session);
-        });
-    auto main = std::make_unique<MainWindow>(std::move(windows));
-    main->resize(1400, 1000);
-    main->show();
-    Settle();
-
-    ChooseFromMenu(main->menuBar(), QStringLiteral("统计报表"), QStringLiteral("停车费明细表"));
-    auto* w = qobject_cast<PagedReportWindow*>(main->OpenWindow(QStringLiteral("停车费明细表")));
+    auto main = MainWindowOfAllReports(*session);
+    auto* w = OpenFromMenu(*main, QStringLiteral("停车费明细表"));
     ASSERT_TRUE(w);
     EXPECT_EQ(w->objectName(), QStringLiteral("frm停车费明细表New"));
     EXPECT_EQ(w->windowTitle(), QStringLiteral("停车费明细表"));

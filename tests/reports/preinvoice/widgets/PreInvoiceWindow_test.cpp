@@ -9,10 +9,7 @@
 #include <QTemporaryDir>
 
 #include "core/Dialogs.h"
-#include "frame/widgets/EventDriver.h"
-#include "frame/widgets/PagedReportWindow.h"
-#include "reports/Reports.h"
-#include "shell/widgets/MainWindow.h"
+#include "frame/widgets/ReportMenu.h"
 #include "support/TestDatabase.h"
 
 using namespace yunqi;
@@ -33,18 +30,8 @@ TEST(PreInvoiceWindowTest, RoadOfOneStatementFromTheMenu) {
         db.AddLine("S1", no, "01", 106, "6");
     }
     auto session = db.Session();
-    std::map<QString, MainWindow::WindowFactory> windows;
-    for (const ReportDefinition* report : AllReports())
-        windows.emplace(report->menuEntry, [report, &session] {
-            return NewReportWindow(*report, *session);
-        });
-    auto main = std::make_unique<MainWindow>(std::move(windows));
-    main->resize(1400, 1000);
-    main->show();
-    Settle();
-
-    ChooseFromMenu(main->menuBar(), QStringLiteral("统计报表"), QStringLiteral("增值税预开明细表"));
-    auto* w = qobject_cast<PagedReportWindow*>(main->OpenWindow(QStringLiteral("增值税预开明细表")));
+    auto main = MainWindowOfAllReports(*session);
+    auto* w = OpenFromMenu(*main, QStringLiteral("增值税预开明细表"));
     ASSERT_TRUE(w);
     EXPECT_EQ(w->objectName(), QStringLiteral("frm票据预开明细表New"));
     EXPECT_EQ(w->windowTitle(), QStringLiteral("增值税预开票明细表"));
