@@ -62,6 +62,9 @@ ReportWindow::ReportWindow(const ReportDefinition& report, DatabaseSession& sess
     picture5_ = Control("Picture5");
     title_ = Control<QLabel>("Label1(0)");
     title_->adjustSize();
+    // A longer heading than the design's is shown whole, never cut.
+    auto* heading = Control<QLabel>("Label1(1)");
+    heading->resize(std::max(heading->width(), heading->sizeHint().width()), heading->height());
     label3_ = Control<QLabel>("Label3");
     list1_ = Control<QListWidget>("List1");
     view1_ = Control<FlexGridView>("MSFlexGrid1");
