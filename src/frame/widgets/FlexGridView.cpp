@@ -109,8 +109,10 @@ void FlexGridView::Refresh() {
             if (!cell) setItem(r, c, cell = new QTableWidgetItem);
             const QString& text = grid.TextMatrix(r, c);
             cell->setText(text);
-            cell->setTextAlignment(
-                AlignmentOf(fixedRow ? grid.FixedAlignment(c) : grid.ColAlignment(c), text));
+            // A cell's own alignment, where one was set, before its column's.
+            const int own = fixedRow ? -1 : grid.CellAlignmentAt(r, c);
+            cell->setTextAlignment(AlignmentOf(
+                own >= 0 ? own : fixedRow ? grid.FixedAlignment(c) : grid.ColAlignment(c), text));
             const int back = grid.CellBackColorAt(r, c);
             cell->setBackground(back >= 0                          ? QBrush(ColorOf(back))
                                 : fixedRow || c < grid.FixedCols() ? QBrush(fixedBack)

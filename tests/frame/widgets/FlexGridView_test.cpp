@@ -99,3 +99,19 @@ TEST(FlexGridViewTest, ClicksReportTheCellFixedRowsIncluded) {
     EXPECT_EQ(clicks[2], std::make_pair(3, 2));
     EXPECT_EQ(view.FixedRowsView()->columnSpan(0, 1), 2);
 }
+
+TEST(FlexGridViewTest, ACellsOwnAlignmentGoesBeforeItsColumns) {
+    FlexGrid grid;
+    grid.SetRows(4);
+    grid.SetCols(2);
+    grid.SetFixedRows(2);
+    grid.SetColAlignment(1, FlexGrid::AlignLeftCenter);
+    grid.SetTextMatrix(2, 1, "现金");
+    grid.SetTextMatrix(3, 1, "现金");
+    grid.SetCellAlignmentAt(3, 1, FlexGrid::AlignRightCenter);
+    FlexGridView view;
+    view.SetGrid(grid);
+    view.Refresh();
+    EXPECT_EQ(view.item(2, 1)->textAlignment(), int(Qt::AlignLeft | Qt::AlignVCenter));
+    EXPECT_EQ(view.item(3, 1)->textAlignment(), int(Qt::AlignRight | Qt::AlignVCenter));
+}
