@@ -8,11 +8,13 @@
 #include "reports/Reports.h"
 #include "shell/Startup.h"
 #include "shell/widgets/MainWindow.h"
+#include "shell/widgets/QtTranslations.h"
 
 using namespace yunqi;
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
+    InstallQtTranslations(app);
     // Chinese SQL texts survive the ODBC path only under a UTF-8 character type.
     std::setlocale(LC_CTYPE, "C.UTF-8");
     WidgetDialogs dialogs;

@@ -1,6 +1,7 @@
 #include "core/ValueRules.h"
 
 #include <QDateTime>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -39,11 +40,9 @@ char DigitAt(const Digits15& d, int place) {
     return d.digits[index];
 }
 
-}  // namespace
-
-QString Format0_00(double value) {
-    const bool negative = value < 0;
-    if (value == 0) return QStringLiteral("0.00");
+// The "0.00" text in Latin-1, sign included.
+std::string Fixed2(double value) {
+    if (value == 0) return "0.00";
     Digits15 d = Decompose(std::fabs(value));
     // Integer part digits, then two decimals, then the rounding digit.
     std::string out;
@@ -64,11 +63,26 @@ QString Format0_00(double value) {
     out.insert(out.end() - 2, '.');
     std::size_t first = 0;
     while (first + 4 < out.size() && out[first] == '0') ++first;
-    QString text = QString::fromLatin1(out.data() + first, int(out.size() - first));
-    return negative ? QLatin1Char('-') + text : text;
+    out.erase(0, first);
+    if (value < 0) out.insert(out.begin(), '-');
+    return out;
 }
 
-double Round2(double value) { return Format0_00(value).toDouble(); }
+}  // namespace
+
+QString Format0_00(double value) {
+    const std::string text = Fixed2(value);
+    return QString::fromLatin1(text.data(), int(text.size()));
+}
+
+// Read back without the locale and without a QString: statements round every
+// amount they read.
+double Round2(double value) {
+    const std::string text = Fixed2(value);
+    double result = 0;
+    std::from_chars(text.data(), text.data() + text.size(), result);
+    return result;
+}
 
 QString Format00(long long value) {
     QString digits = QString::number(value < 0 ? -value : value).rightJustified(2, QLatin1Char('0'));

@@ -1,5 +1,6 @@
 #include "frame/FeeSubQuery.h"
 
+#include "frame/FeeItemReader.h"
 #include "frame/SplitRatios.h"
 
 namespace yunqi {
@@ -20,19 +21,13 @@ QString Head(const FeeItem& item, const FlexGrid& grid2, const Form& form) {
         }
         s += form.parkingTax + item.TaxAlias + form.keys;
     }
-    s += QStringLiteral(" From 票据开票数据");
-    s += QStringLiteral(
-        " Inner Join 票据  on 票据开票数据.入库单编号  =票据.入库单编号 and 票据开票数据.票据编号 = "
-        "票据.票据编号");
-    s += QStringLiteral(" Inner Join 票据入库单 on 票据开票数据.入库单编号 =票据入库单.入库单编号");
+    s += FeeLinesFrom();
     s += QStringLiteral(" Inner Join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
     return s;
 }
 
 QString Filter(const FeeItem& item, const StatementConditions& k) {
-    return QStringLiteral(" And 收费项目代号 in (") + item.ItemCode + QStringLiteral(")") +
-           QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'") +
-           QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
+    return ItemLinesOf(item, k.DeptCode) + QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
 }
 
 }  // namespace FeeSubQuery

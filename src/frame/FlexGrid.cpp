@@ -19,6 +19,7 @@ void FlexGrid::SetRows(int rows) {
     if (rows < 0) throw RuntimeError(ErrorCode::InvalidRowValue);
     cells_.resize(std::size_t(rows) * cols_);
     backColors_.resize(std::size_t(rows) * cols_, -1);
+    cellAlign_.resize(std::size_t(rows) * cols_, -1);
     rowHeights_.resize(rows, -1);
     mergeRow_.resize(rows, 0);
     // Rows added later start blank.
@@ -28,6 +29,7 @@ void FlexGrid::SetRows(int rows) {
         for (int c = 0; c < cols_; ++c) {
             cells_[Index(r, c)].clear();
             backColors_[Index(r, c)] = -1;
+            cellAlign_[Index(r, c)] = -1;
         }
     }
     rows_ = rows;
@@ -39,13 +41,16 @@ void FlexGrid::SetCols(int cols) {
     if (cols < 0) throw RuntimeError(ErrorCode::InvalidColValue);
     std::vector<QString> cells(std::size_t(rows_) * cols);
     std::vector<int> colors(std::size_t(rows_) * cols, -1);
+    std::vector<signed char> aligns(std::size_t(rows_) * cols, -1);
     for (int r = 0; r < rows_; ++r)
         for (int c = 0; c < std::min(cols, cols_); ++c) {
             cells[std::size_t(r) * cols + c] = std::move(cells_[Index(r, c)]);
             colors[std::size_t(r) * cols + c] = backColors_[Index(r, c)];
+            aligns[std::size_t(r) * cols + c] = cellAlign_[Index(r, c)];
         }
     cells_ = std::move(cells);
     backColors_ = std::move(colors);
+    cellAlign_ = std::move(aligns);
     colWidths_.resize(cols, -1);
     colAlign_.resize(cols, AlignGeneral);
     fixedAlign_.resize(cols, AlignLeftCenter);
@@ -127,6 +132,16 @@ int FlexGrid::CellBackColorAt(int row, int col) const {
 void FlexGrid::SetCellBackColorAt(int row, int col, int bgr) {
     CheckCell(row, col);
     backColors_[Index(row, col)] = bgr;
+}
+
+int FlexGrid::CellAlignmentAt(int row, int col) const {
+    CheckCell(row, col);
+    return cellAlign_[Index(row, col)];
+}
+
+void FlexGrid::SetCellAlignmentAt(int row, int col, int alignment) {
+    CheckCell(row, col);
+    cellAlign_[Index(row, col)] = static_cast<signed char>(alignment);
 }
 
 bool FlexGrid::MergeRow(int row) const {

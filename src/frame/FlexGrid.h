@@ -70,6 +70,11 @@ public:
     void SetCellBackColor(int bgr) { SetCellBackColorAt(row_, col_, bgr); }
     int CellBackColorAt(int row, int col) const;
     void SetCellBackColorAt(int row, int col, int bgr);
+    // Alignment of the current cell; -1 until set, the column's then applies.
+    int CellAlignment() const { return CellAlignmentAt(row_, col_); }
+    void SetCellAlignment(int alignment) { SetCellAlignmentAt(row_, col_, alignment); }
+    int CellAlignmentAt(int row, int col) const;
+    void SetCellAlignmentAt(int row, int col, int alignment);
 
     int MergeCells() const { return mergeCells_; }
     void SetMergeCells(int mode) { mergeCells_ = mode; }
@@ -99,6 +104,7 @@ private:
     int row_ = 0, col_ = 0;
     std::vector<QString> cells_;
     std::vector<int> backColors_;
+    std::vector<signed char> cellAlign_;
     std::vector<int> colWidths_, colAlign_, fixedAlign_;
     std::vector<int> rowHeights_;
     std::vector<char> mergeRow_, mergeCol_;

@@ -5,7 +5,7 @@
 namespace yunqi {
 
 void TicketStatement::LoadItems(const QString& sql, FlexGrid& grid2, FlexGrid& grid1) {
-    feeItems_ = LoadFeeItems(session_, sql, grid2);
+    LoadFeeItems(session_, sql, grid2, feeItems_);
     if (feeItems_.size() > 1) BuildGridHeader(grid1, grid2);
 }
 

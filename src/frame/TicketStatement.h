@@ -30,7 +30,9 @@ class TicketStatement : public PagedStatement {
 
   protected:
     // Runs the extraction statement, fills the split ratios with their
-    // defaults and, when an item was found, lays the header.
+    // defaults and, when an item was found, lays the header. A failure leaves
+    // the items read before it (or, if the statement did not open, those of
+    // the last extraction).
     void LoadItems(const QString& sql, FlexGrid& grid2, FlexGrid& grid1);
 
     DatabaseSession& session_;

@@ -94,19 +94,22 @@ int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r) {
     return s;
 }
 
-void FinishTable(SheetModel& sheet, int lastRow, int c) {
+void FinishTable(SheetModel& sheet, int lastRow, int c, int fontLastRow) {
     auto head = sheet.RangeOf(1, 1, 1, c);
     head.SetFontName(QStringLiteral("微软雅黑"));
     head.SetFontBold(true);
-    auto body = sheet.RangeOf(2, 1, lastRow, c);
+    auto body = sheet.RangeOf(2, 1, fontLastRow ? fontLastRow : lastRow, c);
     body.SetFontName(QStringLiteral("微软雅黑"));
     body.SetFontSize(9);
     sheet.RangeOf(4, 1, lastRow, c).SetBordersLineStyle(1);
 }
 
-void WriteSignatureLine(SheetModel& sheet, int row,
-                        const std::vector<std::pair<int, QString>>& texts) {
-    for (const auto& [column, text] : texts) sheet.Cells(row, column).SetValue(text);
+void WriteSignatureLine(SheetModel& sheet, int row, const std::vector<SignatureText>& texts) {
+    for (const SignatureText& t : texts) {
+        auto cell = sheet.Cells(row, t.column);
+        cell.SetValue(t.text);
+        if (t.alignment != 0) cell.SetHorizontalAlignment(t.alignment);
+    }
 }
 
 }  // namespace WorkbookParts

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <utility>
 #include <vector>
 
 #include "frame/DetailHeader.h"
@@ -48,12 +47,18 @@ void WriteTicketHeader(SheetModel& sheet, const WorkbookContext& context,
 int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r);
 
 // Fonts and borders of the finished table: 微软雅黑, the title bold, size 9
-// from row 2 to lastRow, borders from row 4.
-void FinishTable(SheetModel& sheet, int lastRow, int c);
+// from row 2 to lastRow (or to fontLastRow, when given), borders from row 4
+// to lastRow.
+void FinishTable(SheetModel& sheet, int lastRow, int c, int fontLastRow = 0);
 
+// One text of the signature line; an alignment of 0 leaves the cell's own.
+struct SignatureText {
+    int column;
+    QString text;
+    int alignment = 0;
+};
 // The signature line: each text in its column.
-void WriteSignatureLine(SheetModel& sheet, int row,
-                        const std::vector<std::pair<int, QString>>& texts);
+void WriteSignatureLine(SheetModel& sheet, int row, const std::vector<SignatureText>& texts);
 
 }  // namespace WorkbookParts
 

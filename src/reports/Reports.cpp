@@ -4,6 +4,7 @@
 #define YUNQI_REPORTS(X) \
     X(InvoiceReport)     \
     X(PreInvoiceReport)  \
+    X(ParkingReport)     \
     X(ReconciliationReport)
 
 namespace yunqi {

@@ -92,6 +92,6 @@ TEST_P(GoldenStatements, SqlTextsAndCsvAreExact) {
         QFile::copy(db.Path(), QString::fromUtf8(keep));
 }
 
-INSTANTIATE_TEST_SUITE_P(Reports, GoldenStatements, ::testing::Values("invoice", "preinvoice"));
+INSTANTIATE_TEST_SUITE_P(Reports, GoldenStatements, ::testing::Values("invoice", "preinvoice", "parking"));
 
 }  // namespace

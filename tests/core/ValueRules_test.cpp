@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QDateTime>
+#include <cmath>
+#include <cstdint>
 #include <functional>
 
 #include "core/RuntimeError.h"
@@ -48,6 +50,21 @@ TEST(ValueRulesFormat, NegativeThatRoundsToZeroKeepsItsSign) {
     EXPECT_EQ(Format0_00(-0.001), "-0.00");
     EXPECT_EQ(Format0_00(-1.1e-16), "-0.00");
     EXPECT_EQ(Format0_00(-0.0049), "-0.00");
+}
+
+TEST(ValueRulesFormat, Round2IsTheFormattedTextReadBack) {
+    // Halves, negatives, large and tiny amounts, -0.00.
+    std::uint64_t x = 88172645463325252ull;
+    for (int i = 0; i < 20000; ++i) {
+        x ^= x << 13, x ^= x >> 7, x ^= x << 17;
+        const double scale = std::pow(10.0, double(int(x % 13)) - 4);
+        const double v = (double(x % 2000001) - 1000000) / 1000 * scale;
+        for (double w : {v, v + 0.005, -v - 0.005}) {
+            const double expected = Format0_00(w).toDouble();
+            ASSERT_EQ(Round2(w), expected) << w;
+            ASSERT_EQ(std::signbit(Round2(w)), std::signbit(expected)) << w;
+        }
+    }
 }
 
 TEST(ValueRulesFormat, Round2ReadsTheFormattedTextBack) {

@@ -63,6 +63,11 @@ TEST(FlexGridState, RowsGrowKeepingTextAndComeBackBlank) {
     g.SetTextMatrix(3, 2, "乙");
     g.SetRowHeight(3, 600);
     g.SetCellBackColorAt(3, 0, 0xFFC0C0);
+    g.SetRow(3);
+    g.SetCol(2);
+    g.SetCellAlignment(FlexGrid::AlignRightCenter);
+    EXPECT_EQ(g.CellAlignmentAt(3, 2), FlexGrid::AlignRightCenter);
+    EXPECT_EQ(g.CellAlignmentAt(3, 1), -1);
     EXPECT_EQ(g.TextMatrix(0, 2), "头");
     EXPECT_EQ(g.TextMatrix(1, 1), "甲");
     EXPECT_EQ(g.TextMatrix(2, 1), "");
@@ -74,6 +79,7 @@ TEST(FlexGridState, RowsGrowKeepingTextAndComeBackBlank) {
     EXPECT_EQ(g.TextMatrix(3, 2), "");
     EXPECT_EQ(g.RowHeight(3), FlexGrid::kStandardRowHeight);
     EXPECT_EQ(g.CellBackColorAt(3, 0), -1);
+    EXPECT_EQ(g.CellAlignmentAt(3, 2), -1);
 }
 
 TEST(FlexGridState, ColsGrowKeepingEachCellInPlace) {
@@ -82,12 +88,14 @@ TEST(FlexGridState, ColsGrowKeepingEachCellInPlace) {
     g.SetTextMatrix(0, 1, "b");
     g.SetTextMatrix(2, 1, "c");
     g.SetCellBackColorAt(2, 1, 0xC0E0FF);
+    g.SetCellAlignmentAt(2, 1, FlexGrid::AlignRightCenter);
     g.SetColWidth(1, 1400);
     g.SetCols(5);
     EXPECT_EQ(g.TextMatrix(0, 0), "a");
     EXPECT_EQ(g.TextMatrix(0, 1), "b");
     EXPECT_EQ(g.TextMatrix(2, 1), "c");
     EXPECT_EQ(g.CellBackColorAt(2, 1), 0xC0E0FF);
+    EXPECT_EQ(g.CellAlignmentAt(2, 1), FlexGrid::AlignRightCenter);
     EXPECT_EQ(g.TextMatrix(0, 2), "");
     EXPECT_EQ(g.ColWidth(1), 1400);
 

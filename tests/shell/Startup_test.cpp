@@ -59,8 +59,9 @@ class MainTest : public ::testing::Test {
     }
     // Runs Main with recording dialogs and ends the process: status 0 when
     // check() holds, else 1 with what was seen on stderr.
-    [[noreturn]] static void RunMain(
-        const std::function<bool(int, bool, RecordingDialogs&)>& check) {
+    // The process ends without destructors, so it removes its own folders.
+    [[noreturn]] void RunMain(const std::function<bool(int, bool, RecordingDialogs&)>& check,
+                              const QString& ledger = QString()) {
         RecordingDialogs dialogs;
         SetAppDialogs(&dialogs);
         bool shown = false;
@@ -73,6 +74,8 @@ class MainTest : public ::testing::Test {
                 std::fprintf(stderr, "%s | %s\n", qPrintable(m.title), qPrintable(m.text));
         }
         std::fflush(stderr);
+        QDir(config.path()).removeRecursively();
+        if (!ledger.isEmpty()) QFileInfo(ledger).dir().removeRecursively();
         std::_Exit(ok ? 0 : 1);
     }
     QTemporaryDir config;
@@ -163,7 +166,7 @@ TEST_F(MainTest, ReadsTheStoreUnderXdgConfigHome) {
                            st.SessionConnectionText.startsWith(
                                "Provider=SQLOLEDB.1;Password=p;w'd;Persist Security "
                                "Info=False;User ID=sa;Initial Catalog='");
-                }),
+                }, db.Path()),
                 ::testing::ExitedWithCode(0), "");
 }
 

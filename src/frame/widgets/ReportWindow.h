@@ -1,62 +1,126 @@
 #pragma once
 
-#include <QDateEdit>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStatusBar>
-#include <QToolButton>
 #include <QWidget>
 #include <functional>
-#include <memory>
 
 #include "frame/ExportSteps.h"
 #include "frame/FlexGrid.h"
-#include "frame/PagedStatement.h"
 #include "frame/ReportDefinition.h"
-#include "frame/SheetModel.h"
 #include "frame/StatementConditions.h"
 #include "frame/widgets/FlexGridView.h"
+#include "frame/widgets/WindowLayout.h"
+#include "frame/xlsx/ExportFrame.h"
 
 namespace yunqi {
 
 class DatabaseSession;
 
-// The report window with a pager, shared by the statements that differ only
-// by their texts, their statement and their workbook. Controls carry the
-// names of the design, so tests and the layout address them by name.
+// What every report window has: the title band with its two labels, the
+// condition pane with the department list, the result area with MSFlexGrid1
+// and the busy panel, the button strip with the export, the status bar with
+// its clock, the resize rules, and the close by Command1.
+//
+// The frame's own controls come from the base's table (kFrameLayout in the
+// .cpp); a variant passes the table of its own controls, which must hold
+// List1 (the department list) and may place anything in Picture2 (the
+// condition pane) and Picture3 (the result area). Controls carry the names
+// of the design, so the layout and the tests address them by name.
+//
+// A variant (PagedReportWindow; the reconciliation window) runs the rest of
+// its load in its constructor: its header into MutableGrid1(),
+// LoadDepartments(), its invoice types into MutableConditions(). It wires
+// its buttons with OnClick(), overrides MakeExportRequest(), and where its
+// pane differs LayoutConditionPane() (the reconciliation keeps Picture6 at
+// the bottom of the pane with List1 above it) and LayoutResultArea() (the
+// pager strip and PageSize of the paged windows).
+//
+// Event handlers run through Handle(), which takes a run-time error that
+// escapes them to the program's run-time error handler.
 class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     Q_OBJECT
   public:
-    ReportWindow(const ReportDefinition& report, DatabaseSession& session,
-                 QWidget* parent = nullptr);
     ~ReportWindow() override;
 
-    // The handlers, callable by tests as the events call them.
-    void ClickList1(int row);
-    void ClickCommand3();
-    void ClickCommand6();
-    void ClickCommand2();
-    void ClickImage2(int index);
-    void EnterText6();
-    void ClickGrid2(int row, int col);
-    void EnterTxtGrd();
+    // The design client area, 18120 by 10950 twips.
+    QSize sizeHint() const override;
 
+    // A control by design name; a name no table holds ends the program.
+    template <typename T = QWidget>
+    T* Control(const QString& name) const {
+        return controls_.Get<T>(name);
+    }
     const FlexGrid& Grid1() const { return grid1_; }
-    const FlexGrid& Grid2() const { return grid2_; }
-    const PagedStatement& Statement() const { return *statement_; }
     const StatementConditions& Conditions() const { return conditions_; }
     QString TitleText() const { return title_->text(); }
+    // The selected List1 entry, or an empty text.
     QString SelectedEntry() const;
-    QDate FromDate() const { return from_->date(); }
-    QDate ToDate() const { return to_->date(); }
-    int PageSize() const { return pageSize_; }
-    int CurrentPage() const { return currentPage_; }
     QString LastExport() const { return lastExport_; }
 
   protected:
+    // Builds the frame's controls, then the variant's (in that order, so a
+    // variant's control may lie in a pane of the frame), and sets the status
+    // panels. A variant's constructor then runs the rest of its load.
+    ReportWindow(const ReportDefinition& report, DatabaseSession& session,
+                 WindowLayout variantLayout, QWidget* parent = nullptr);
+
+    const ReportDefinition& Report() const { return report_; }
+    const ReportTexts& Texts() const { return report_.texts; }
+    DatabaseSession& Session() const { return session_; }
+    StatementConditions& MutableConditions() { return conditions_; }
+    FlexGrid& MutableGrid1() { return grid1_; }
+    FlexGridView* Grid1View() const { return view1_; }
+    QListWidget* List1() const { return list1_; }
+    QLabel* Title() const { return title_; }
+
+    // Runs an event handler; a run-time error it raises goes to the
+    // program's run-time error handler.
+    static void Handle(const std::function<void()>& handler);
+    // A click on a button runs the handler through Handle().
+    void OnClick(QAbstractButton* button, std::function<void()> handler);
+
+    // LoadDepartments: the entries at the end of List1, then no selection.
+    void LoadDepartments();
+    // The List1 click, run at every change of the selected entry (mouse or
+    // keyboard): Label1(0) becomes "【department】" and the report's title.
+    // The reconciliation window puts its year in front.
+    virtual void ClickList1();
+    // Sets Label1(0) and keeps it centred over the result area.
+    void SetTitle(const QString& text);
+    // DeptCode and SiteCode from the selected entry.
+    void TakeDepartment();
+
+    // The busy display: the hourglass, and Picture5 with Label3's text,
+    // shown with one yield so that it paints.
+    void SetHourglass();
+    void RestorePointer();
+    void ShowBusyPanel(const QString& text);
+    void HideBusyPanel();
+    bool BusyPanelVisible() const;
+
+    // Command1: unloads the window, its MDI frame with it.
+    void Unload();
+
+    // Command2: the export frame around the report's workbook.
+    void ClickCommand2();
+    virtual ExportFrame::ExportRequest MakeExportRequest() = 0;
+    // Label2 while the export writes (the paged windows); the
+    // reconciliation's Label2 is a note and stays.
+    virtual void SetExportLabelVisible(bool) {}
+
+    // The resize rules. The frame's run at every size change; then the
+    // condition pane's (default: List1 down to the status bar) and the
+    // result area's (default: nothing; the pager and PageSize).
+    void Relayout();
+    virtual void LayoutConditionPane();
+    virtual void LayoutResultArea() {}
+    int ScaleWidth() const { return Twips(width()); }
+    int ScaleHeight() const { return Twips(height()); }
+
     void resizeEvent(QResizeEvent* event) override;
 
   private:
@@ -65,36 +129,27 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     void SetProgressValue(int value) override;
     void HideProgressBar() override;
     void SetBusyLabelVisible(bool visible) override;
-
-    void ShowBusy(const QString& text);
-    void HideBusy();
-    void ShowCurrentPage();
-    void Layout();
+    void SetStatusPanels();
 
     const ReportDefinition& report_;
-    const ReportTexts& texts_;
-    std::unique_ptr<PagedStatement> statement_;
     DatabaseSession& session_;
+    ControlSet controls_;
     FlexGrid grid1_;
-    FlexGrid grid2_;
     StatementConditions conditions_;
-    int pageSize_ = 1;
-    int currentPage_ = 1;
     QString lastExport_;
+    int pointerDepth_ = 0;
 
-    QWidget *picture1_, *picture2_, *picture3_, *picture4_, *picture5_, *picture6_, *picture8_;
-    QLabel *title_, *conditionsTitle_, *label19_, *label2_, *label3_;
+    QWidget *picture1_, *picture2_, *picture3_, *picture4_, *picture5_;
+    QLabel *title_, *label3_;
     QListWidget* list1_;
-    QDateEdit *from_, *to_;
-    QPushButton *command1_, *command2_, *command3_, *command6_;
-    FlexGridView *view1_, *view2_;
-    QLineEdit *text6_, *txtGrd_;
-    QToolButton* image2_[4];
+    FlexGridView* view1_;
+    QPushButton *command1_, *command2_;
     QProgressBar* progress_;
     QStatusBar* status_;
 };
 
-// The window of a report, as its definition asks for.
+// The window of a report, as its definition asks for. The desktop program's
+// menu creates every report window through it.
 QWidget* NewReportWindow(const ReportDefinition& report, DatabaseSession& session);
 
 }  // namespace yunqi

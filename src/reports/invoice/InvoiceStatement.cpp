@@ -71,13 +71,7 @@ InvoiceStatement::InvoiceStatement(DatabaseSession& session) : TicketStatement(s
 
 QString InvoiceStatement::FeeItemSql(const StatementConditions& k) {
     const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
-    QString sql = QStringLiteral("Select distinct 收费项目代号, setupsfxm.税率,XM , 收费类别,显示名称");
-    sql += QStringLiteral(" From 票据");
-    sql += QStringLiteral(
-        " inner join 票据开票数据 on 票据.票据编号  =票据开票数据.票据编号 And 票据.入库单编号 = "
-        "票据开票数据.入库单编号");
-    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
-    sql += QStringLiteral(" inner join setupsfxm on 收费项目代号=dh");
+    QString sql = FeeItemSelect();
     sql += QStringLiteral(" Where  (作废日期 Is Null Or 作废日期 Is Not Null)");
     sql += DateClause(d1, d2);
     sql += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
@@ -116,12 +110,7 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
     sql += QStringLiteral(" From 票据");
     sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
     sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
-    for (int i = 1; i <= count; ++i) {
-        const QString b = QStringLiteral("B") + QString::number(i);
-        sql += QStringLiteral(" LEFT Join (") + sub[i] + QStringLiteral(") ") + b +
-               QStringLiteral(" On 票据.票据编号 = ") + b + QStringLiteral(".票据编号 And 票据.入库单编号 = ") +
-               b + QStringLiteral(".入库单编号");
-    }
+    sql += JoinDerivedTables(sub, true);
     sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
     sql += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");

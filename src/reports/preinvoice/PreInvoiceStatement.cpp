@@ -122,11 +122,7 @@ QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
     sql += QStringLiteral(" From 票据");
     sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
     sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
-    for (int i = 1; i <= count; ++i) {
-        const QString b = QStringLiteral("B") + QString::number(i);
-        sql += QStringLiteral(" LEFT Join (") + sub[i] + QStringLiteral(") ") + b +
-               QStringLiteral(" On 票据.票据编号 = ") + b + QStringLiteral(".票据编号");
-    }
+    sql += JoinDerivedTables(sub, false);
     sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
     sql += QStringLiteral(" Order by 票据.开票日期,票据编号");

@@ -5,12 +5,16 @@
 #include <QVBoxLayout>
 
 #include "core/Dialogs.h"
+#include "frame/widgets/ChildWindow.h"
 
 namespace yunqi {
 
 AboutWindow::AboutWindow(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("关于云栖账房系统"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    // Wide enough for its caption on the frame.
+    setMinimumWidth(320);
     auto* layout = new QVBoxLayout(this);
     auto label = [&](const char* name, const QString& text) {
         auto* l = new QLabel(text, this);
@@ -26,7 +30,7 @@ AboutWindow::AboutWindow(QWidget* parent) : QWidget(parent) {
     info->setObjectName(QStringLiteral("cmdSysInfo"));
     layout->addWidget(ok);
     layout->addWidget(info);
-    connect(ok, &QPushButton::clicked, this, &QWidget::close);
+    connect(ok, &QPushButton::clicked, this, [this] { CloseChildWindow(this); });
     connect(info, &QPushButton::clicked, this, [this] { ClickSysInfo(); });
 }
 

@@ -6,6 +6,7 @@
 #include <QMenuBar>
 #include <QPixmap>
 #include <QResizeEvent>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include "core/Dialogs.h"
@@ -13,6 +14,7 @@
 #include "core/ValueRules.h"
 #include "core/MessageForms.h"
 #include "db/SessionState.h"
+#include "shell/WindowPlacement.h"
 #include "shell/widgets/AboutWindow.h"
 #include "shell/widgets/Banner.h"
 
@@ -31,7 +33,8 @@ MainWindow::MainWindow(std::map<QString, WindowFactory> factories, QWidget* pare
     setCentralWidget(central);
     // The about window is one more child of the main window.
     factories_.emplace(QStringLiteral("关于软件"), [] { return new AboutWindow; });
-    resize(1280, 800);
+    // Room for a report window at its design size where the screen has it.
+    resize(QSize(1280, 900).boundedTo(screen()->availableGeometry().size()));
     // Nothing follows from the comparison; the identity stays empty.
     (void)(AppSession().SessionUser == QStringLiteral("超级用户"));
 
@@ -76,22 +79,35 @@ void MainWindow::Choose(const QString& entry) {
         const auto factory = factories_.find(entry);
         if (factory == factories_.end()) return;
         QWidget* window = factory->second();
+        if (!window) return;  // its load failed and was reported
         QMdiSubWindow* sub = area_->addSubWindow(window);
         sub->setAttribute(Qt::WA_DeleteOnClose);
-        // The slot empties when the window closes; the next choice starts afresh.
-        connect(window, &QObject::destroyed, this, [this, entry] { open_.erase(entry); });
+        // The frame takes the window's design size (the MDI area would make
+        // it a title-bar stub), clipped to the area.
+        sub->resize(sub->sizeHint().boundedTo(area_->viewport()->size()));
+        // The slot empties when the window goes, and its frame goes with it;
+        // the next choice starts afresh.
+        connect(window, &QObject::destroyed, this, [this, entry, sub] {
+            open_.erase(entry);
+            // Posted to the frame: dropped when the frame is going too.
+            QMetaObject::invokeMethod(
+                sub, [sub] { sub->close(); }, Qt::QueuedConnection);
+        });
         it = open_.emplace(entry, sub).first;
+        if (entry == QStringLiteral("关于软件")) {
+            // The about window is centred in the main window when it loads.
+            const WindowPlace place = CenterInMainWindow(float(area_->viewport()->width()),
+                                                         float(area_->viewport()->height()),
+                                                         float(sub->width()), float(sub->height()));
+            sub->move(int(place.Left), int(place.Top));
+        }
     }
-    it->second->show();
-    it->second->widget()->show();
-    if (entry == QStringLiteral("关于软件")) {
-        // Centred in the main window's client area at each showing.
-        const QSize client = area_->size(), own = it->second->size();
-        it->second->move(int((client.width() - own.width()) / 2.0f),
-                         int((client.height() - own.height()) / 2.0f));
-    }
-    area_->setActiveSubWindow(it->second);
-    it->second->raise();
+    QMdiSubWindow* sub = it->second;
+    sub->show();
+    sub->widget()->show();
+    // An open window is raised, where it stands.
+    area_->setActiveSubWindow(sub);
+    sub->raise();
 }
 
 void MainWindow::权限设置(QString& memo) {

@@ -4,45 +4,28 @@ the total and 其中 rows, borders, signature line, fonts."""
 import csv
 import io
 import os
-import shutil
-import subprocess
 import sys
-import tempfile
 import unittest
 
 import openpyxl
 
-BIN = sys.argv[1] if len(sys.argv) > 1 else "build/bin"
-TOOL = os.path.join(BIN, "yunqi-statement")
-BLUE = "C0C0FF"  # 16761024, blue-green-red FF C0 C0, as red-green-blue
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "support"))
+from workbooks import WorkbookTest, demo_ledger, filled  # noqa: E402
 
 
-def filled(cell):
-    # The reader gives the covered cells of a merge no style of their own.
-    if isinstance(cell, openpyxl.cell.cell.MergedCell):
-        return True
-    return cell.fill.fill_type == "solid" and cell.fill.fgColor.rgb.endswith(BLUE)
-
-
-class InvoiceWorkbook(unittest.TestCase):
+class InvoiceWorkbook(WorkbookTest):
     @classmethod
     def setUpClass(cls):
-        cls.dir = tempfile.mkdtemp()
-        db = os.path.join(cls.dir, "d.sqlite")
-        subprocess.run([TOOL, "make-demo-db", db, "--tickets", "600"], check=True,
-                       capture_output=True)
+        super().setUpClass()
+        db = demo_ledger(cls.dir, 600)
         cls.xlsx = os.path.join(cls.dir, "out.xlsx")
-        r = subprocess.run([TOOL, "invoice", "--database", db, "--dept", "01", "--from",
-                            "2024-01-01", "--to", "2024-06-30", "--csv", "-", "--xlsx", cls.xlsx],
-                           check=True, capture_output=True, text=True)
-        cls.grid = list(csv.reader(io.StringIO(r.stdout)))
+        out = cls.statement("invoice", "--database", db, "--dept", "01", "--from",
+                            "2024-01-01", "--to", "2024-06-30", "--csv", "-", "--xlsx",
+                            cls.xlsx)
+        cls.grid = list(csv.reader(io.StringIO(out)))
         cls.ws = openpyxl.load_workbook(cls.xlsx).active
         cls.c = len(cls.grid[0])
         cls.u = len(cls.grid) - 2
-
-    @classmethod
-    def tearDownClass(cls):
-        shutil.rmtree(cls.dir)
 
     def merged(self):
         return {str(r) for r in self.ws.merged_cells.ranges}

@@ -2,33 +2,21 @@
 the ticket in row 6, "合  计" in row 7 coloured over every column, the
 signature line in row 8."""
 import os
-import shutil
 import sqlite3
-import subprocess
 import sys
-import tempfile
 import unittest
 
 import openpyxl
 
-BIN = sys.argv[1] if len(sys.argv) > 1 else "build/bin"
-TOOL = os.path.join(BIN, "yunqi-statement")
-BLUE = "C0C0FF"
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "support"))
+from workbooks import WorkbookTest, demo_ledger, filled  # noqa: E402
 
 
-def filled(cell):
-    if isinstance(cell, openpyxl.cell.cell.MergedCell):
-        return True
-    return cell.fill.fill_type == "solid" and cell.fill.fgColor.rgb.endswith(BLUE)
-
-
-class PreInvoiceWorkbookOfOneTicket(unittest.TestCase):
+class PreInvoiceWorkbookOfOneTicket(WorkbookTest):
     @classmethod
     def setUpClass(cls):
-        cls.dir = tempfile.mkdtemp()
-        db = os.path.join(cls.dir, "d.sqlite")
-        subprocess.run([TOOL, "make-demo-db", db, "--tickets", "0"], check=True,
-                       capture_output=True)
+        super().setUpClass()
+        db = demo_ledger(cls.dir, 0)
         with sqlite3.connect(db) as con:
             con.execute("INSERT INTO 票据入库单 VALUES ('T1','02')")
             con.execute(
@@ -37,14 +25,9 @@ class PreInvoiceWorkbookOfOneTicket(unittest.TestCase):
                 "'1号楼','01',1)")
             con.execute("INSERT INTO 票据开票数据 VALUES ('T1','00042','001',106,6)")
         cls.xlsx = os.path.join(cls.dir, "p.xlsx")
-        subprocess.run([TOOL, "preinvoice", "--database", db, "--dept", "01", "--from",
-                        "2024-03-01", "--to", "2024-03-31", "--xlsx", cls.xlsx], check=True,
-                       capture_output=True)
+        cls.statement("preinvoice", "--database", db, "--dept", "01", "--from",
+                      "2024-03-01", "--to", "2024-03-31", "--xlsx", cls.xlsx)
         cls.ws = openpyxl.load_workbook(cls.xlsx).active
-
-    @classmethod
-    def tearDownClass(cls):
-        shutil.rmtree(cls.dir)
 
     def test_rows_of_one_ticket(self):
         ws = self.ws

@@ -2,14 +2,22 @@
 
 #include <gtest/gtest.h>
 
+#include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QMdiSubWindow>
+#include <QMessageBox>
+#include <QPushButton>
 
 #include "core/Dialogs.h"
+#include "frame/widgets/EventDriver.h"
+#include "shell/WindowPlacement.h"
 #include "shell/widgets/AboutWindow.h"
 #include "shell/widgets/Banner.h"
+#include "shell/widgets/QtTranslations.h"
 
 using namespace yunqi;
+using namespace yunqi::testing;
 
 TEST(BannerTest, SliceRepeatsOnlyWhereTheWindowIsWide) {
     // A design with a marked slice at 8850 twips (590 px) and a distinct tail.
@@ -57,4 +65,109 @@ TEST(MainWindowTest, MenuAboutAndOneInstance) {
         EXPECT_EQ(dialogs.messages[0].icon, MsgIcon::None);
     }
     SetAppDialogs(nullptr);
+}
+
+namespace {
+
+// The main window with no report, for the shell's own windows.
+class AboutWindowTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        SetAppDialogs(&dialogs);
+        main = std::make_unique<MainWindow>(std::map<QString, MainWindow::WindowFactory>{});
+        main->resize(1200, 800);
+        main->show();
+        Settle();
+    }
+    void TearDown() override {
+        main.reset();
+        SetAppDialogs(nullptr);
+    }
+    QWidget* OpenFromMenu() {
+        ChooseFromMenu(main->menuBar(), QStringLiteral("关于"), QStringLiteral("关于软件"));
+        return main->OpenWindow(QStringLiteral("关于软件"));
+    }
+    static QMdiSubWindow* Frame(QWidget* w) {
+        return qobject_cast<QMdiSubWindow*>(w->parentWidget());
+    }
+    // Where CenterInMainWindow puts a frame in the MDI area.
+    QPoint Centred(QWidget* frame) const {
+        const QSize client = main->Area()->viewport()->size();
+        const WindowPlace p = CenterInMainWindow(float(client.width()), float(client.height()),
+                                                 float(frame->width()), float(frame->height()));
+        return QPoint(int(p.Left), int(p.Top));
+    }
+
+    RecordingDialogs dialogs;
+    std::unique_ptr<MainWindow> main;
+};
+
+}  // namespace
+
+TEST_F(AboutWindowTest, OpensCentredAtItsSizeAndIsRaisedNotMoved) {
+    QWidget* about = OpenFromMenu();
+    ASSERT_TRUE(about);
+    QMdiSubWindow* frame = Frame(about);
+    ASSERT_TRUE(frame);
+    EXPECT_FALSE(frame->isMaximized());
+    EXPECT_GE(about->width(), about->sizeHint().width());
+    EXPECT_GE(about->height(), about->sizeHint().height());
+    EXPECT_EQ(frame->pos(), Centred(frame));
+
+    frame->move(10, 20);
+    main->Area()->setActiveSubWindow(nullptr);
+    Settle();
+    EXPECT_EQ(OpenFromMenu(), about);
+    EXPECT_EQ(frame->pos(), QPoint(10, 20));
+    EXPECT_EQ(main->Area()->activeSubWindow(), frame);
+    EXPECT_EQ(main->Area()->subWindowList().size(), 1);
+}
+
+TEST_F(AboutWindowTest, CmdOKClosesTheFrameAndTheMenuReopensItCentred) {
+    QWidget* about = OpenFromMenu();
+    Frame(about)->move(0, 0);
+    about->findChild<QLabel*>("lblTitle")->setText("changed");
+    Click(about->findChild<QPushButton*>("cmdOK"));
+    EXPECT_EQ(main->OpenWindow(QStringLiteral("关于软件")), nullptr);
+    EXPECT_TRUE(main->Area()->subWindowList().isEmpty());
+
+    about = OpenFromMenu();
+    ASSERT_TRUE(about);
+    EXPECT_EQ(main->Area()->subWindowList().size(), 1);
+    EXPECT_EQ(about->findChild<QLabel*>("lblTitle")->text(), "云栖账房系统的一部分");
+    EXPECT_EQ(Frame(about)->pos(), Centred(Frame(about)));
+}
+
+TEST_F(AboutWindowTest, SysInfoSaysItIsUnavailable) {
+    QWidget* about = OpenFromMenu();
+    Click(about->findChild<QPushButton*>("cmdSysInfo"));
+    EXPECT_EQ(dialogs.texts(), QStringList{"此时系统信息不可用"});
+    EXPECT_EQ(dialogs.messages[0].icon, MsgIcon::None);
+}
+
+// Qt's own buttons and dialogs speak Chinese like the rest of the program.
+TEST(QtTranslationsTest, StandardButtonsAndTheSaveDialogInChinese) {
+    QTranslator* translator = InstallQtTranslations(*qApp);
+    ASSERT_TRUE(translator) << "qt6-translations-l10n is missing";
+    {
+        QMessageBox box;
+        box.setStandardButtons(QMessageBox::Ok);
+        EXPECT_EQ(box.button(QMessageBox::Ok)->text(), "确定");
+        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        // With their keys: "是(&Y)", "否(&N)".
+        EXPECT_TRUE(box.button(QMessageBox::Yes)->text().startsWith("是"));
+        EXPECT_TRUE(box.button(QMessageBox::No)->text().startsWith("否"));
+    }
+    {
+        QFileDialog dialog(nullptr, QString(), QString(), "电子表 (*.xlsx)");
+        dialog.setOption(QFileDialog::DontUseNativeDialog);
+        dialog.setAcceptMode(QFileDialog::AcceptSave);
+        auto* buttons = dialog.findChild<QDialogButtonBox*>();
+        ASSERT_TRUE(buttons);
+        QStringList texts;
+        for (QAbstractButton* b : buttons->buttons()) texts << b->text();
+        EXPECT_TRUE(texts.join("|").contains("保存")) << texts.join("|").toStdString();
+    }
+    QCoreApplication::removeTranslator(translator);
+    delete translator;
 }
