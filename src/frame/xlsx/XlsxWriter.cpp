@@ -317,7 +317,8 @@ void WriteXlsx(const SheetModel& sheet, const QString& path) {
 
     lxw_workbook_options options{};
     options.constant_memory = LXW_TRUE;
-    options.tmpdir = tmpdir.data();
+    // (The library's default, tmpfile(3), ignores $TMPDIR.)
+    if (QDir(QDir::tempPath()).exists()) options.tmpdir = tmpdir.data();
     lxw_workbook* book = workbook_new_opt(tempName.constData(), &options);
     if (!book) throw RuntimeError(ErrorCode::PathFileAccess, path);
     lxw_worksheet* ws = workbook_add_worksheet(book, nullptr);
