@@ -1,34 +1,44 @@
-#include <QApplication>
 #include <clocale>
 
+#include "core/OutputFile.h"
+#include "core/RuntimeError.h"
 #include "db/SessionState.h"
 #include "db/Settings.h"
 #include "frame/widgets/ReportWindow.h"
 #include "frame/widgets/WidgetDialogs.h"
 #include "reports/Reports.h"
 #include "shell/Startup.h"
+#include "shell/widgets/Application.h"
 #include "shell/widgets/MainWindow.h"
 #include "shell/widgets/QtTranslations.h"
 
 using namespace yunqi;
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
+    // Run-time errors that event handlers let through end here, not in Qt.
+    Application app(argc, argv);
     InstallQtTranslations(app);
     // Chinese SQL texts survive the ODBC path only under a UTF-8 character type.
     std::setlocale(LC_CTYPE, "C.UTF-8");
+    InstallOutputCleanup();
     WidgetDialogs dialogs;
     SetAppDialogs(&dialogs);
+    SetRuntimeErrorHandler(EndOnRuntimeError);
     std::unique_ptr<MainWindow> main;
-    const int status = StartUp(ReadDbSettings(), [&] {
-        DatabaseSession& session = *AppSession().SessionConnection;
-        std::map<QString, MainWindow::WindowFactory> windows;
-        for (const ReportDefinition* report : AllReports())
-            windows.emplace(report->menuEntry,
-                            [report, &session] { return NewReportWindow(*report, session); });
-        main = std::make_unique<MainWindow>(std::move(windows));
-        main->show();
-    });
+    int status = 0;
+    try {
+        status = StartUp(ReadDbSettings(), [&] {
+            DatabaseSession& session = *AppSession().SessionConnection;
+            std::map<QString, MainWindow::WindowFactory> windows;
+            for (const ReportDefinition* report : AllReports())
+                windows.emplace(report->menuEntry,
+                                [report, &session] { return NewReportWindow(*report, session); });
+            main = std::make_unique<MainWindow>(std::move(windows));
+            main->show();
+        });
+    } catch (const RuntimeError& e) {
+        EndOnRuntimeError(e);
+    }
     if (status != 0) return status;
     const int result = app.exec();
     // The connection goes before the application object does.

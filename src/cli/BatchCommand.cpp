@@ -6,7 +6,6 @@
 #include <QFileInfo>
 #include <QLocale>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QTextStream>
 #include <QThread>
 #include <cstdio>
@@ -16,6 +15,7 @@
 #include "cli/BatchJobs.h"
 #include "cli/GridCsv.h"
 #include "cli/StatementSession.h"
+#include "core/OutputFile.h"
 #include "core/RuntimeError.h"
 #include "frame/Conditions.h"
 #include "reports/Reports.h"
@@ -283,9 +283,10 @@ int RunBatch(const QStringList& args) {
                    QLatin1Char(',') + QString::number(job.seconds, 'f', 3) + QLatin1Char(',') +
                    (ok ? CsvField(job.relativeFile) : QString()) + QLatin1Char('\n');
     }
-    QSaveFile file(out.filePath(QStringLiteral("summary.csv")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(summary.toUtf8()) < 0 || !file.commit()) {
-        Say(file.fileName() + QStringLiteral(": ") + file.errorString());
+    try {
+        WriteOutputFile(out.filePath(QStringLiteral("summary.csv")), summary.toUtf8());
+    } catch (const RuntimeError& e) {
+        Say(e.description());
         return kSomeFailed;
     }
     return failed ? kSomeFailed : kDone;

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "core/OutputFile.h"
 #include "core/RuntimeError.h"
 #include "db/EmbeddedSchema.h"
 
@@ -258,12 +259,10 @@ DemoSummary WriteTickets(QSqlDatabase& db, int tickets, quint64 seed) {
 }  // namespace
 
 DemoSummary WriteDemoDatabase(const QString& file, int tickets, quint64 seed) {
-    const QFileInfo target(file);
-    const QString temp =
-        target.absoluteDir().filePath(QStringLiteral(".%1.%2.part")
-                                          .arg(target.fileName())
-                                          .arg(QCoreApplication::applicationPid()));
-    QFile::remove(temp);
+    // Written under a temporary name beside the target and moved over it when
+    // complete; removed on every failure and on SIGINT, SIGTERM and SIGHUP.
+    StagedOutput out(file);
+    const QString temp = out.StagingPath();
     const QString connection = QStringLiteral("demo-writer");
     DemoSummary summary;
     {
@@ -286,17 +285,11 @@ DemoSummary WriteDemoDatabase(const QString& file, int tickets, quint64 seed) {
             db.close();
             db = QSqlDatabase();
             QSqlDatabase::removeDatabase(connection);
-            QFile::remove(temp);
             throw;
         }
     }
     QSqlDatabase::removeDatabase(connection);
-    // rename(2) replaces an existing file in one step.
-    if (std::rename(QFile::encodeName(temp).constData(), QFile::encodeName(file).constData()) !=
-        0) {
-        QFile::remove(temp);
-        throw RuntimeError(ErrorCode::PathFileAccess, file);
-    }
+    out.Commit();
     return summary;
 }
 

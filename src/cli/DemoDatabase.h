@@ -16,8 +16,9 @@ struct DemoSummary {
 // with its indexes, and data of the shape an office's ledger has (several
 // departments and years, ordinary and parking items, voided, replaced,
 // negative, pre-invoiced, paid-later, electronic and paper tickets). The same
-// seed gives the same file. The file appears only when complete; an existing
-// file is replaced then. Throws RuntimeError.
+// seed gives the same file. The file appears only when complete (see
+// StagedOutput); an existing file is replaced then, and the command refuses
+// one without --force. Throws RuntimeError.
 DemoSummary WriteDemoDatabase(const QString& file, int tickets, quint64 seed);
 
 }  // namespace yunqi

@@ -4,7 +4,8 @@
 
 namespace yunqi {
 
-// yunqi-statement make-demo-db FILE [--tickets N] [--seed S]; returns the
+// yunqi-statement make-demo-db FILE [--tickets N] [--seed S] [--force]: an
+// existing FILE is refused (exit 2) unless --force is given; returns the
 // exit status.
 int RunMakeDemoDb(const QStringList& args);
 

@@ -1,14 +1,15 @@
 #include "cli/PagedStatementCommand.h"
 
-#include <QFile>
-#include <QSaveFile>
 #include <QTextStream>
 #include <climits>
 
+#include "cli/CommandOutputs.h"
 #include "cli/GridCsv.h"
 #include "cli/StatementOptions.h"
-#include "frame/Conditions.h"
+#include "core/OutputFile.h"
 #include "core/RuntimeError.h"
+#include "db/Settings.h"
+#include "frame/Conditions.h"
 #include "frame/SplitRatios.h"
 #include "frame/TextMeasure.h"
 #include "frame/xlsx/XlsxWriter.h"
@@ -44,42 +45,16 @@ bool ApplyRatios(const std::vector<RatioOption>& ratios, bool ifPresent, FlexGri
     return true;
 }
 
-bool WriteText(const QString& path, const QString& text) {
-    if (path == QLatin1String("-")) {
-        QFile out;
-        if (!out.open(stdout, QIODevice::WriteOnly)) return false;
-        return out.write(text.toUtf8()) >= 0;
-    }
-    // Replaces an existing file only when the whole text is written.
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        Say(path + QStringLiteral(": ") + file.errorString());
-        return false;
-    }
-    file.write(text.toUtf8());
-    if (!file.commit()) {
-        Say(path + QStringLiteral(": ") + file.errorString());
-        return false;
-    }
-    return true;
-}
-
-int Run(const ReportDefinition& report, const StatementOptions& o, const SessionOpener& openSession) {
+int Run(const ReportDefinition& report, const StatementOptions& o, const SessionOpener& openSession,
+        SqlLogWriter& log) {
     std::unique_ptr<DatabaseSession> session = openSession(o.database);
-    std::unique_ptr<QFile> sqlLog;
-    if (!o.sqlLog.isEmpty()) {
-        sqlLog = std::make_unique<QFile>(o.sqlLog);
-        if (!sqlLog->open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
-            Say(o.sqlLog + QStringLiteral(": ") + sqlLog->errorString());
-            return kFailure;
-        }
-        session->SetSqlLog([log = sqlLog.get()](const QString& sql) {
-            QString line = sql;
-            line.replace(QLatin1Char('\n'), QLatin1Char(' '));
-            log->write((line + QLatin1Char('\n')).toUtf8());
-            log->flush();
-        });
-    }
+    if (log.Wanted()) session->SetSqlLog([&log](const QString& sql) { log.Add(sql); });
+    // A database fault is told as itself (exit 1), also where a routine's
+    // error trap showed it and went on with what it had.
+    const auto check = [&session, &log] {
+        if (const auto& fault = session->FirstFault()) throw *fault;
+        log.Check();
+    };
 
     // The department as a click on its List1 entry would choose it.
     QString entry;
@@ -88,6 +63,7 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
             entry = e;
             break;
         }
+    check();
     if (entry.isEmpty()) {
         Say(QStringLiteral("no department with code ") + o.dept + QStringLiteral(" in the list"));
         return kBadArguments;
@@ -98,33 +74,41 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
     }
     StatementConditions conditions{Conditions::DeptCodeOf(entry), Conditions::SiteCodeOf(entry),
                                    Conditions::LoadInvoiceTypes(*session), o.from, o.to};
+    check();
 
     std::unique_ptr<PagedStatement> statement = report.makePaged(*session);
     FlexGrid grid1;
     FlexGrid grid2 = SplitRatios::NewGrid();
     statement->InitGridHeader(grid1);
     statement->ExtractFeeItems(conditions, grid2, grid1);
+    check();
     if (statement->FeeItems().size() <= 1) {
         Say(report.texts.noFeeItemsText);
         return kNothing;
     }
     if (!ApplyRatios(o.ratios, o.ratioIfPresent, grid2)) return kBadArguments;
     statement->BuildGridHeader(grid1, grid2);
-    if (!statement->RunStatistics(conditions, grid2, INT_MAX)) {
+    const bool rows = statement->RunStatistics(conditions, grid2, INT_MAX);
+    check();
+    if (!rows) {
         Say(report.texts.noRowsText);
         return kNothing;
     }
     // One page holds the whole statement.
     statement->ShowPage(grid1, 1, INT_MAX, EstimatedTextMeasure());
+    check();
 
-    if (!o.csv.isEmpty() && !WriteText(o.csv, GridCsv(grid1))) return kFailure;
+    // The workbook first: it is the likelier to fail, and a failure then
+    // leaves the CSV target (standard output too) untouched as well.
     if (!o.xlsx.isEmpty()) {
         SheetModel sheet;
         ExportFrame::ExportSteps steps(nullptr, AppDialogs());
         statement->WriteSheet(
             sheet, steps, {grid1, Conditions::TitleCaption(entry, report.texts.title), entry, conditions});
+        check();
         WriteXlsx(sheet, o.xlsx);
     }
+    if (!o.csv.isEmpty()) WriteOutputFile(o.csv, GridCsv(grid1).toUtf8(), Dash::IsStdout);
     return kRows;
 }
 
@@ -133,18 +117,57 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
 int RunPagedStatement(const ReportDefinition& report, const QStringList& args,
                       const SessionOpener& openSession) {
     QString problem;
-    const auto options = ParseStatementOptions(args, problem);
+    const auto options = ParseStatementOptions(args, report.conditions, problem);
     if (!options) {
         Say(problem);
+        QTextStream(stderr) << StatementUsage();
         return kBadArguments;
     }
+    const StatementOptions& o = *options;
+    const std::vector<OutputOption> outputs{{QStringLiteral("--csv"), o.csv, Dash::IsStdout},
+                                            {QStringLiteral("--xlsx"), o.xlsx},
+                                            {QStringLiteral("--sql-log"), o.sqlLog}};
+    QStringList inputs{o.database};
+    if (o.database.isEmpty()) {
+        const DbSettings settings = ReadDbSettings();
+        if (settings.Driver.compare(QLatin1String("SQLite"), Qt::CaseInsensitive) == 0)
+            inputs << settings.DBname;
+    }
+    if (const auto clash = OutputClash(outputs, inputs)) {
+        Say(*clash);
+        QTextStream(stderr) << StatementUsage();
+        return kBadArguments;
+    }
+
+    QString told;
+    const auto tell = [&told](const RuntimeError& e) {
+        const QString text = QStringLiteral("error ") + QString::number(e.number()) +
+                             QStringLiteral(": ") + e.description();
+        if (text != told) Say(text);
+        told = text;
+    };
+    // A read-only file or a missing folder is refused before any work.
     try {
-        return Run(report, *options, openSession);
+        CheckOutputs(outputs);
     } catch (const RuntimeError& e) {
-        Say(QStringLiteral("error ") + QString::number(e.number()) + QStringLiteral(": ") +
-            e.description());
+        tell(e);
         return kFailure;
     }
+    SqlLogWriter log(o.sqlLog);
+    int status = kFailure;
+    try {
+        status = Run(report, o, openSession, log);
+    } catch (const RuntimeError& e) {
+        tell(e);
+    }
+    // The log is kept also when the run failed: it tells what was sent.
+    try {
+        log.Finish();
+    } catch (const RuntimeError& e) {
+        tell(e);
+        status = kFailure;
+    }
+    return status;
 }
 
 }  // namespace yunqi

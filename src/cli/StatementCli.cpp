@@ -7,6 +7,7 @@
 #include "cli/MakeDemoDbCommand.h"
 #include "cli/MonthlyStatementCommand.h"
 #include "cli/PagedStatementCommand.h"
+#include "cli/StatementOptions.h"
 #include "cli/StatementSession.h"
 #include "reports/Reports.h"
 
@@ -14,20 +15,10 @@ namespace yunqi {
 
 namespace {
 
-const char kUsage[] =
-    "usage:\n"
-    "  yunqi-statement invoice|preinvoice|parking [--database FILE] --dept CODE --from YYYY-MM-DD "
-    "--to YYYY-MM-DD [--ratio ITEMCODE=DEV/PROP]... [--csv PATH|-] [--xlsx PATH] [--sql-log PATH]\n"
-    "  yunqi-statement reconciliation [--database FILE] --dept CODE --year YYYY --months MM-MM "
-    "[--csv PATH|-] [--xlsx PATH] [--sql-log PATH]\n"
-    "  yunqi-statement make-demo-db FILE [--tickets N] [--seed S]\n"
-    "  yunqi-statement batch [--database FILE] --month YYYY-MM --out DIR [--dept CODE]... "
-    "[--report NAME]... [--ratio ITEMCODE=DEV/PROP]... [--csv] [--jobs N] [--force] [--quiet]\n";
-
 int Usage(const QString& problem) {
     QTextStream err(stderr);
     if (!problem.isEmpty()) err << "yunqi-statement: " << problem << "\n";
-    err << kUsage;
+    err << StatementUsage();
     return 2;
 }
 

@@ -6,29 +6,55 @@
 #include <optional>
 #include <vector>
 
+#include "frame/ReportDefinition.h"
+
 namespace yunqi {
 
-// The options of the paged statements (invoice, preinvoice, parking).
+// The options of the statement commands. A report's ConditionsKind says which
+// shape of conditions its command takes:
+//   DateWindow (invoice, preinvoice, parking): --from, --to, --ratio...
+//   YearMonths (reconciliation):               --year, --months
+// Both take --database, --dept, --csv, --xlsx and --sql-log.
 struct RatioOption {
     QString itemCode;   // 收费项目代号, without quotes
     QString developer;  // the 开发商 percentage as typed
-    QString property;   // the 物业 percentage as typed
+    QString property;   // the 物业 percentage as typed; always a number
 };
 
 struct StatementOptions {
     QString database;  // empty: the DBConfig settings
     QString dept;
+    // DateWindow
     QDate from;
     QDate to;
     std::vector<RatioOption> ratios;
     bool ratioIfPresent = false;  // a ratio of an item not in the window is passed over
+    // YearMonths: "--year 2024 --months 01-06" gives "2024", "01", "06".
+    QString Year;
+    QString FromMonth;
+    QString ToMonth;
     QString csv;  // "-" for standard output
     QString xlsx;
     QString sqlLog;
 };
 
-// Parses the arguments after the command name. On a problem returns nothing
-// and sets problem to a one-line reason.
+// Parses the arguments after the command name for a command of the given
+// shape. On a problem returns nothing and sets problem to a one-line reason
+// that names the option: a missing or empty value, an unknown option or one
+// of the other shape, an unexpected argument, an option given twice (a
+// --ratio twice for one item), a value of the wrong shape (a date that is no
+// YYYY-MM-DD day, a year that is no YYYY, months that are not MM-MM with
+// months 01 to 12, a --ratio that is not ITEMCODE=DEV/PROP or whose 物业
+// share is no number), a required option missing. Checks that need the
+// ledger (the department, the order of dates or months, the sum of a ratio)
+// are the command's, with the window's messages.
+std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, ConditionsKind kind,
+                                                      QString& problem);
+// The date-window shape.
 std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, QString& problem);
+
+// yunqi-statement's usage, every command, one line each (the text printed
+// after an argument error).
+QString StatementUsage();
 
 }  // namespace yunqi

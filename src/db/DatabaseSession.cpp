@@ -20,12 +20,7 @@ QString NewConnectionName() {
     return QStringLiteral("yunqi-session-%1").arg(++counter);
 }
 
-RuntimeError ErrorOf(const QSqlError& error) {
-    bool ok = false;
-    long number = error.nativeErrorCode().toLong(&ok);
-    QString text = error.databaseText().isEmpty() ? error.text() : error.databaseText();
-    return RuntimeError(ok ? number : long(ErrorCode::ProviderError), text);
-}
+RuntimeError ErrorOf(const QSqlError& error) { return DatabaseError(error); }
 
 #ifdef Q_OS_WIN
 #define ODBC_API __stdcall
@@ -64,7 +59,10 @@ void SetQueryTimeout(const QSqlQuery& query, int seconds) {
 }  // namespace
 
 DatabaseSession::DatabaseSession(QString connectionName, SqlDialect dialect, bool odbc)
-    : connectionName_(std::move(connectionName)), dialect_(dialect), odbc_(odbc) {}
+    : connectionName_(std::move(connectionName)),
+      dialect_(dialect),
+      odbc_(odbc),
+      faults_(std::make_shared<FaultRecord>()) {}
 
 DatabaseSession::~DatabaseSession() {
     {
@@ -81,7 +79,10 @@ std::unique_ptr<DatabaseSession> DatabaseSession::OpenEmbedded(const QString& fi
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
         db.setDatabaseName(file);
-        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        // One busy time-out for every statement of the session: a ledger that
+        // a writer keeps locked longer fails the statement, "database is locked".
+        db.setConnectOptions(
+            QStringLiteral("QSQLITE_OPEN_READONLY;QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyTimeoutMs));
         if (!db.open()) {
             RuntimeError e = ErrorOf(db.lastError());
             db = QSqlDatabase();
@@ -97,7 +98,12 @@ std::unique_ptr<DatabaseSession> DatabaseSession::OpenOdbc(const QString& odbcCo
     const QString name = NewConnectionName();
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), name);
-        db.setDatabaseName(odbcConnectionString);
+        QString text = odbcConnectionString;
+        // SQLite's ODBC driver waits for a lock by its own key (in ms).
+        if (dialect == SqlDialect::SQLite &&
+            !text.contains(QLatin1String("Timeout="), Qt::CaseInsensitive))
+            text += QStringLiteral(";Timeout=%1").arg(kBusyTimeoutMs);
+        db.setDatabaseName(text);
         // Without a login time-out some drivers wait for ever on a silent server.
         db.setConnectOptions(
             QStringLiteral("SQL_ATTR_LOGIN_TIMEOUT=30;SQL_ATTR_CONNECTION_TIMEOUT=30"));
@@ -133,8 +139,12 @@ Recordset DatabaseSession::Open(const QString& sql) {
     } else {
         ok = query.exec(text);
     }
-    if (!ok) throw ErrorOf(query.lastError());
-    Recordset rs(std::move(query));
+    if (!ok) {
+        const RuntimeError error = ErrorOf(query.lastError());
+        faults_->Note(error);
+        throw error;
+    }
+    Recordset rs(std::move(query), faults_);
     if (!rs.AtEnd()) open_.push_back(rs.Watch());
     return rs;
 }

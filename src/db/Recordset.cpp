@@ -1,5 +1,6 @@
 #include "db/Recordset.h"
 
+#include <QSqlError>
 #include <QSqlRecord>
 #include <deque>
 
@@ -19,9 +20,17 @@ RuntimeError ItemNotFound() {
 
 }  // namespace
 
+RuntimeError DatabaseError(const QSqlError& error) {
+    bool ok = false;
+    const long number = error.nativeErrorCode().toLong(&ok);
+    const QString text = error.databaseText().isEmpty() ? error.text() : error.databaseText();
+    return RuntimeError(ok ? number : long(ErrorCode::ProviderError), text);
+}
+
 class Recordset::Cursor {
   public:
-    explicit Cursor(QSqlQuery q) : query(std::move(q)) {
+    Cursor(QSqlQuery q, std::shared_ptr<FaultRecord> f)
+        : query(std::move(q)), faults(std::move(f)) {
         const QSqlRecord record = query.record();
         names.reserve(record.count());
         for (int i = 0; i < record.count(); ++i) {
@@ -43,8 +52,20 @@ class Recordset::Cursor {
             }
             return;
         }
-        atEnd = !query.next();
+        atEnd = !Fetch();
         if (atEnd) query.finish();
+    }
+
+    // The next row; false at the end. A failed read is no end.
+    bool Fetch() {
+        if (query.next()) return true;
+        if (query.lastError().type() != QSqlError::NoError) {
+            const RuntimeError error = DatabaseError(query.lastError());
+            if (faults) faults->Note(error);
+            query.finish();
+            throw error;
+        }
+        return false;
     }
 
     QVariantList Row() const {
@@ -58,7 +79,7 @@ class Recordset::Cursor {
     void ReadRest() {
         if (inMemory || atEnd) return;
         current = Row();
-        while (query.next()) rows.push_back(Row());
+        while (Fetch()) rows.push_back(Row());
         query.finish();
         inMemory = true;
     }
@@ -72,6 +93,7 @@ class Recordset::Cursor {
     }
 
     QSqlQuery query;
+    std::shared_ptr<FaultRecord> faults;
     QStringList names;
     bool atEnd = true;
     bool inMemory = false;
@@ -79,7 +101,8 @@ class Recordset::Cursor {
     std::deque<QVariantList> rows;
 };
 
-Recordset::Recordset(QSqlQuery query) : cursor_(std::make_shared<Cursor>(std::move(query))) {}
+Recordset::Recordset(QSqlQuery query, std::shared_ptr<FaultRecord> faults)
+    : cursor_(std::make_shared<Cursor>(std::move(query), std::move(faults))) {}
 
 Recordset::~Recordset() = default;
 

@@ -7,7 +7,10 @@ namespace yunqi {
 
 // The DBConfig section of the settings of application 云栖账房. Only read,
 // never written. An INI file; on Linux $XDG_CONFIG_HOME/云栖账房/云栖账房.ini
-// ($XDG_CONFIG_HOME defaults to ~/.config).
+// ($XDG_CONFIG_HOME defaults to ~/.config). Every value is the text written,
+// blanks around it and enclosing double quotes aside: "Svr=host,1433" is the
+// server host,1433, "Svr=srv\inst" the server srv\inst, "PWD=a;b" the
+// password a;b, and PWD=" x " the password of three characters " x ".
 struct DbSettings {
     QString Edition;  // default "2000"
     QString Svr;

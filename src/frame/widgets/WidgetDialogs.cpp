@@ -3,41 +3,68 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QTextStream>
+#include <memory>
 
 namespace yunqi {
 
+bool WidgetDialogs::Headless() {
+    const QString platform = QGuiApplication::platformName();
+    return platform == QLatin1String("offscreen") || platform == QLatin1String("minimal");
+}
+
 MsgResult WidgetDialogs::MsgBox(const QString& text, const QString& title, MsgIcon icon,
                                 MsgButtons buttons) {
-    QMessageBox box(parent_ ? parent_ : QApplication::activeWindow());
-    box.setWindowTitle(title);
-    box.setText(text);
+    const bool headless = Headless();
+    // Nobody can see or answer a box without a screen: the form goes to
+    // standard error as well, the box is shown without waiting, and a
+    // question is answered No.
+    if (headless) {
+        QTextStream(stderr) << title << ": " << text
+                            << (buttons == MsgButtons::YesNo ? " (No)\n" : "\n");
+    }
+    auto* box = new QMessageBox(parent_ ? parent_ : QApplication::activeWindow());
+    std::unique_ptr<QMessageBox> owner(box);
+    box->setWindowTitle(title);
+    box->setText(text);
     switch (icon) {
         case MsgIcon::Information:
-            box.setIcon(QMessageBox::Information);
+            box->setIcon(QMessageBox::Information);
             break;
         case MsgIcon::Question:
-            box.setIcon(QMessageBox::Question);
+            box->setIcon(QMessageBox::Question);
             break;
         case MsgIcon::Warning:
-            box.setIcon(QMessageBox::Warning);
+            box->setIcon(QMessageBox::Warning);
             break;
         case MsgIcon::Critical:
-            box.setIcon(QMessageBox::Critical);
+            box->setIcon(QMessageBox::Critical);
             break;
         case MsgIcon::None:
             break;
     }
-    if (buttons == MsgButtons::YesNo) {
-        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-        return box.exec() == QMessageBox::Yes ? MsgResult::Yes : MsgResult::No;
+    box->setStandardButtons(buttons == MsgButtons::YesNo ? QMessageBox::Yes | QMessageBox::No
+                                                         : QMessageBox::Ok);
+    if (headless) {
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->setModal(false);
+        box->show();
+        owner.release();
+        return buttons == MsgButtons::YesNo ? MsgResult::No : MsgResult::Ok;
     }
-    box.setStandardButtons(QMessageBox::Ok);
-    box.exec();
+    const int answer = box->exec();
+    if (buttons == MsgButtons::YesNo)
+        return answer == QMessageBox::Yes ? MsgResult::Yes : MsgResult::No;
     return MsgResult::Ok;
 }
 
 std::optional<QString> WidgetDialogs::SaveFileName(const QString& defaultName,
                                                    const QString& filter) {
+    if (Headless()) {
+        // The save dialog would wait for ever: cancelled, and said so.
+        QTextStream(stderr) << "save dialog (" << defaultName << "): cancelled, no screen\n";
+        return std::nullopt;
+    }
     // "label|pattern|label|pattern" becomes Qt's "label (pattern);;...".
     const QStringList parts = filter.split(QLatin1Char('|'));
     QStringList filters;

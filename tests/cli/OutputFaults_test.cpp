@@ -1,0 +1,295 @@
+// yunqi-statement as a careless or hostile user runs it: special files as
+// targets, a full file system, the ledger as an output, signals, read-only
+// files. Each case runs the real binary on a real file system object.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <QTemporaryDir>
+#include <csignal>
+#include <thread>
+
+#include "cli/DemoDatabase.h"
+#include "cli/ToolProcess.h"
+
+using namespace yunqi;
+using namespace yunqi::test;
+
+namespace {
+
+class OutputFaults : public ::testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        ledgerDir = new QTemporaryDir;
+        ledger = ledgerDir->filePath("demo.sqlite");
+        WriteDemoDatabase(ledger, 3000, 5);
+    }
+    static void TearDownTestSuite() {
+        delete ledgerDir;
+        ledgerDir = nullptr;
+    }
+    static QStringList Invoice(QStringList extra) {
+        return QStringList{"invoice", "--database", ledger, "--dept",    "01",
+                           "--from",  "2024-01-01", "--to", "2024-12-31"} +
+               extra;
+    }
+    QString Path(const char* name) const { return dir.filePath(QString::fromUtf8(name)); }
+
+    static QTemporaryDir* ledgerDir;
+    static QString ledger;
+    QTemporaryDir dir;
+};
+
+QTemporaryDir* OutputFaults::ledgerDir = nullptr;
+QString OutputFaults::ledger;
+
+const char* const kOutputOptions[] = {"--csv", "--xlsx", "--sql-log"};
+
+// Reads a FIFO to its end on a thread of its own, as a reader program would.
+class FifoReader {
+  public:
+    explicit FifoReader(const QString& path)
+        : thread_([this, p = QFile::encodeName(path)] {
+              const int fd = ::open(p.constData(), O_RDONLY);
+              if (fd < 0) return;
+              char buf[65536];
+              for (ssize_t n; (n = ::read(fd, buf, sizeof buf)) > 0;) bytes_.append(buf, n);
+              ::close(fd);
+          }) {}
+    QByteArray Join() {
+        thread_.join();
+        return bytes_;
+    }
+
+  private:
+    QByteArray bytes_;
+    std::thread thread_;
+};
+
+}  // namespace
+
+// ---- Device, FIFO and /dev/stdout targets stay what they are ---------------
+
+TEST_F(OutputFaults, DevNullIsWrittenInPlaceAndStaysADevice) {
+    for (const char* option : kOutputOptions) {
+        const ToolResult r = RunTool(Invoice({option, "/dev/null"}));
+        EXPECT_EQ(r.status, 0) << option << r.Err().toStdString();
+        EXPECT_EQ(FileType("/dev/null"), mode_t(S_IFCHR)) << option;
+    }
+}
+
+TEST_F(OutputFaults, DevFullFailsWithThePathAndTheReason) {
+    for (const char* option : kOutputOptions) {
+        const ToolResult r = RunTool(Invoice({option, "/dev/full"}));
+        EXPECT_EQ(r.status, 1) << option;
+        EXPECT_TRUE(r.Err().contains("/dev/full: No space left on device"))
+            << r.Err().toStdString();
+        EXPECT_EQ(FileType("/dev/full"), mode_t(S_IFCHR));
+    }
+    // Standard output on a full device: told, not silent.
+    const ToolResult r = RunTool(Invoice({"--csv", "-"}), {.stdoutFile = "/dev/full"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.Err().contains("standard output: No space left on device"))
+        << r.Err().toStdString();
+}
+
+TEST_F(OutputFaults, AFifoIsWrittenInPlaceAndReadBack) {
+    const QString fifo = Path("pipe");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    for (const char* option : kOutputOptions) {
+        FifoReader reader(fifo);
+        const ToolResult r = RunTool(Invoice({option, fifo}));
+        const QByteArray got = reader.Join();
+        EXPECT_EQ(r.status, 0) << option << r.Err().toStdString();
+        EXPECT_EQ(FileType(fifo), mode_t(S_IFIFO)) << option;
+        if (QByteArray(option) == "--csv")
+            EXPECT_TRUE(got.startsWith(QStringLiteral("序,开票日期").toUtf8()));
+        else if (QByteArray(option) == "--xlsx")
+            EXPECT_TRUE(got.startsWith("PK\x03\x04"));
+        else
+            EXPECT_TRUE(got.contains("Select ")) << got.left(200).toStdString();
+    }
+    EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty());
+}
+
+TEST_F(OutputFaults, ADeviceNodeOfOurOwnStaysADevice) {
+    if (::geteuid() != 0) GTEST_SKIP() << "making a device node needs root";
+    const QString node = Path("null");
+    if (::mknod(QFile::encodeName(node).constData(), S_IFCHR | 0666, makedev(1, 3)) != 0)
+        GTEST_SKIP() << "no device nodes here";
+    const int fd = ::open(QFile::encodeName(node).constData(), O_WRONLY);
+    if (fd < 0) GTEST_SKIP() << "the folder's file system refuses devices";
+    ::close(fd);
+    for (const char* option : kOutputOptions) {
+        EXPECT_EQ(RunTool(Invoice({option, node})).status, 0) << option;
+        EXPECT_EQ(FileType(node), mode_t(S_IFCHR)) << option;
+    }
+    EXPECT_EQ(RunTool({"make-demo-db", node, "--tickets", "10", "--force"}).status, 0);
+    EXPECT_EQ(FileType(node), mode_t(S_IFCHR));
+}
+
+TEST_F(OutputFaults, DevStdoutGoesToWhatTheShellOpened) {
+    // A pipe.
+    ToolResult r = RunTool(Invoice({"--csv", "/dev/stdout"}));
+    EXPECT_EQ(r.status, 0) << r.Err().toStdString();
+    EXPECT_TRUE(r.out.startsWith(QStringLiteral("序,开票日期").toUtf8()));
+    // A regular file ("> out.csv"): written through, not replaced by a rename.
+    const QString file = Path("out.csv");
+    WriteAll(file, "");
+    struct stat before {};
+    ::stat(QFile::encodeName(file).constData(), &before);
+    r = RunTool(Invoice({"--csv", "/dev/stdout"}), {.stdoutFile = file});
+    EXPECT_EQ(r.status, 0) << r.Err().toStdString();
+    struct stat after {};
+    ::stat(QFile::encodeName(file).constData(), &after);
+    EXPECT_EQ(before.st_ino, after.st_ino);
+    EXPECT_TRUE(ReadAll(file).startsWith(QStringLiteral("序,开票日期").toUtf8()));
+    EXPECT_EQ(FileType("/dev/stdout"), mode_t(S_IFLNK));
+}
+
+// ---- A full file system: short writes ----------------------------------------
+
+TEST_F(OutputFaults, AShortWriteKeepsTheOldFileAndLeavesNoTemporaryFile) {
+    struct Case {
+        QStringList args;
+        const char* target;
+        qint64 limit;
+    };
+    const Case cases[] = {
+        {Invoice({"--csv", Path("old.csv")}), "old.csv", 16 * 1024},
+        {Invoice({"--xlsx", Path("old.xlsx")}), "old.xlsx", 64 * 1024},
+        {Invoice({"--sql-log", Path("old.log")}), "old.log", 4 * 1024},
+        {{"make-demo-db", Path("old.sqlite"), "--tickets", "3000", "--force"},
+         "old.sqlite",
+         256 * 1024},
+    };
+    for (const Case& c : cases) {
+        const QString target = Path(c.target);
+        WriteAll(target, "the old file\n");
+        const ToolResult r = RunTool(c.args, {.fileSizeLimit = c.limit});
+        EXPECT_EQ(r.status, 1) << c.target << r.Err().toStdString();
+        EXPECT_TRUE(r.Err().contains(target)) << r.Err().toStdString();
+        EXPECT_EQ(ReadAll(target), "the old file\n") << c.target;
+        EXPECT_EQ(HiddenFiles(dir.path()), QStringList()) << c.target;
+    }
+    // The workbook's message says why.
+    const ToolResult r =
+        RunTool(Invoice({"--xlsx", Path("old.xlsx")}), {.fileSizeLimit = 64 * 1024});
+    EXPECT_TRUE(r.Err().contains("xl/worksheets/sheet1.xml")) << r.Err().toStdString();
+}
+
+TEST_F(OutputFaults, TheSameRunWithoutALimitWritesEveryOutput) {
+    const ToolResult r = RunTool(
+        Invoice({"--csv", Path("a.csv"), "--xlsx", Path("a.xlsx"), "--sql-log", Path("a.log")}));
+    EXPECT_EQ(r.status, 0) << r.Err().toStdString();
+    EXPECT_GT(ReadAll(Path("a.csv")).size(), 16 * 1024);
+    EXPECT_GT(ReadAll(Path("a.xlsx")).size(), 16 * 1024);
+    EXPECT_GE(ReadAll(Path("a.log")).count('\n'), 4);
+    EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty());
+    // New files get the usual permissions, not the private ones of a temporary file.
+    struct stat st {};
+    ::stat(QFile::encodeName(Path("a.xlsx")).constData(), &st);
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    EXPECT_EQ(st.st_mode & 0777, 0666 & ~mask);
+}
+
+// ---- Inputs are never outputs; existing ledgers are kept ----------------------
+
+TEST_F(OutputFaults, AnOutputNamingTheLedgerIsRefusedAndTheLedgerKept) {
+    const QByteArray bytes = ReadAll(ledger);
+    const QString link = Path("link.sqlite");
+    ASSERT_TRUE(QFile::link(ledger, link));
+    for (const QStringList& args : {Invoice({"--sql-log", ledger}), Invoice({"--sql-log", link}),
+                                    Invoice({"--csv", ledger}), Invoice({"--xlsx", ledger})}) {
+        const ToolResult r = RunTool(args);
+        EXPECT_EQ(r.status, 2) << args.join(' ').toStdString();
+        EXPECT_TRUE(r.Err().contains("an output never replaces an input")) << r.Err().toStdString();
+        EXPECT_TRUE(r.Err().contains("usage:"));
+        EXPECT_EQ(ReadAll(ledger), bytes);
+    }
+    const ToolResult r = RunTool(Invoice({"--csv", Path("x"), "--xlsx", Path("x")}));
+    EXPECT_EQ(r.status, 2);
+    EXPECT_TRUE(r.Err().contains("name the same file")) << r.Err().toStdString();
+}
+
+TEST_F(OutputFaults, MakeDemoDbRefusesAnExistingFileWithoutForce) {
+    const QString target = Path("ledger.sqlite");
+    WriteAll(target, "a real ledger");
+    ToolResult r = RunTool({"make-demo-db", target, "--tickets", "10"});
+    EXPECT_EQ(r.status, 2);
+    EXPECT_TRUE(r.Err().contains("exists; --force replaces it")) << r.Err().toStdString();
+    EXPECT_EQ(ReadAll(target), "a real ledger");
+    r = RunTool({"make-demo-db", target, "--tickets", "10", "--force"});
+    EXPECT_EQ(r.status, 0) << r.Err().toStdString();
+    EXPECT_TRUE(ReadAll(target).startsWith("SQLite format 3"));
+    EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty());
+}
+
+TEST_F(OutputFaults, ReadOnlyTargetsAreRefusedAlikeBeforeAnyWork) {
+    for (const char* option : {"--csv", "--xlsx"}) {
+        const QString target = Path(option + 2);
+        WriteAll(target, "keep");
+        ASSERT_EQ(::chmod(QFile::encodeName(target).constData(), 0444), 0);
+        // The SQL log would be written by the first statement: none was sent.
+        const ToolResult r = RunTool(Invoice({option, target, "--sql-log", Path("log")}));
+        EXPECT_EQ(r.status, 1) << option;
+        EXPECT_TRUE(r.Err().contains(target + ": the file is read-only") ||
+                    r.Err().contains(target + ": Permission denied"))
+            << r.Err().toStdString();
+        EXPECT_EQ(ReadAll(target), "keep");
+        EXPECT_FALSE(QFile::exists(Path("log")));
+    }
+    const ToolResult r = RunTool(Invoice({"--xlsx", Path("no/such/folder.xlsx")}));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.Err().contains("Path not found")) << r.Err().toStdString();
+}
+
+// ---- Signals leave no temporary file --------------------------------------------
+
+TEST_F(OutputFaults, SigtermDuringALargeDemoLedgerLeavesNothing) {
+    const QString target = Path("big.sqlite");
+    QProcess p;
+    StartTool(p, {"make-demo-db", target, "--tickets", "2000000"});
+    ASSERT_TRUE(WaitFor([&] { return !HiddenFiles(dir.path()).isEmpty(); }, 20000));
+    // Well into the writing.
+    ASSERT_TRUE(WaitFor(
+        [&] { return QFileInfo(dir.filePath(HiddenFiles(dir.path()).value(0))).size() > 1000000; },
+        30000));
+    ::kill(pid_t(p.processId()), SIGTERM);
+    ASSERT_TRUE(p.waitForFinished(30000));
+    EXPECT_EQ(p.exitStatus(), QProcess::CrashExit);
+    EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty())
+        << HiddenFiles(dir.path()).join(' ').toStdString();
+    EXPECT_FALSE(QFile::exists(target));
+}
+
+TEST_F(OutputFaults, SignalsDuringAnExportLeaveNothing) {
+    const QString big = Path("big.sqlite");
+    WriteDemoDatabase(big, 20000, 3);
+    QTemporaryDir out;
+    for (const int signal : {SIGINT, SIGHUP, SIGTERM}) {
+        QProcess p;
+        StartTool(p, {"invoice", "--database", big, "--dept", "01", "--from", "2022-01-01", "--to",
+                      "2025-12-31", "--xlsx", out.filePath("s.xlsx"), "--sql-log",
+                      out.filePath("s.log")});
+        // The workbook's temporary file appears once the statement is computed.
+        const bool writing = WaitFor(
+            [&] {
+                for (const QString& f : HiddenFiles(out.path()))
+                    if (f.startsWith(".s.xlsx.")) return true;
+                return false;
+            },
+            60000);
+        ::kill(pid_t(p.processId()), signal);
+        ASSERT_TRUE(p.waitForFinished(30000));
+        EXPECT_TRUE(writing) << signal;
+        EXPECT_EQ(p.exitStatus(), QProcess::CrashExit) << signal;
+        EXPECT_TRUE(HiddenFiles(out.path()).isEmpty())
+            << signal << HiddenFiles(out.path()).join(' ').toStdString();
+        EXPECT_FALSE(QFile::exists(out.filePath("s.xlsx")));
+        EXPECT_FALSE(QFile::exists(out.filePath("s.log")));
+    }
+}

@@ -1,0 +1,103 @@
+#include "cli/StatementOptions.h"
+
+#include <gtest/gtest.h>
+
+using namespace yunqi;
+
+namespace {
+
+QString Problem(const QStringList& args, ConditionsKind kind) {
+    QString problem;
+    const auto o = ParseStatementOptions(args, kind, problem);
+    return o ? QString() : problem;
+}
+
+const QStringList kWindow{"--dept", "01", "--from", "2024-01-01", "--to", "2024-12-31"};
+const QStringList kMonths{"--dept", "01", "--year", "2024", "--months", "01-06"};
+
+}  // namespace
+
+TEST(StatementOptionsTest, TheReconciliationShape) {
+    QString problem;
+    const auto o = ParseStatementOptions(
+        kMonths + QStringList{"--database", "d.sqlite", "--csv", "-", "--xlsx", "r.xlsx"},
+        ConditionsKind::YearMonths, problem);
+    ASSERT_TRUE(o) << problem.toStdString();
+    EXPECT_EQ(o->Year, "2024");
+    EXPECT_EQ(o->FromMonth, "01");
+    EXPECT_EQ(o->ToMonth, "06");
+    EXPECT_EQ(o->dept, "01");
+    EXPECT_EQ(o->database, "d.sqlite");
+    EXPECT_EQ(o->csv, "-");
+    EXPECT_EQ(o->xlsx, "r.xlsx");
+    EXPECT_FALSE(o->from.isValid());
+    // The order of the months is the window's check, not the parser's.
+    EXPECT_EQ(Problem({"--dept", "01", "--year", "2024", "--months", "12-01"},
+                      ConditionsKind::YearMonths),
+              QString());
+}
+
+TEST(StatementOptionsTest, EachProblemNamesItsOption) {
+    struct Case {
+        QStringList args;
+        ConditionsKind kind;
+        const char* problem;
+    };
+    const ConditionsKind W = ConditionsKind::DateWindow, M = ConditionsKind::YearMonths;
+    const Case cases[] = {
+        {kMonths + QStringList{"--year", "2025"}, M, "--year given twice"},
+        {{"--dept", "01", "--year", "24", "--months", "01-06"},
+         M,
+         "--year wants a year YYYY, not 24"},
+        {{"--dept", "01", "--year", "2024", "--months", "1-6"},
+         M,
+         "--months wants MM-MM, two months 01 to 12, not 1-6"},
+        {{"--dept", "01", "--year", "2024", "--months", "00-06"},
+         M,
+         "--months wants MM-MM, two months 01 to 12, not 00-06"},
+        {{"--dept", "01", "--year", "2024", "--months", "01-13"},
+         M,
+         "--months wants MM-MM, two months 01 to 12, not 01-13"},
+        {{"--dept", "01", "--year", "2024"}, M, "--months is required"},
+        {{"--dept", "01", "--months", "01-02"}, M, "--year is required"},
+        {kMonths + QStringList{"--from", "2024-01-01"}, M,
+         "--from belongs to the date-window statements; this command takes --year and --months"},
+        {kMonths + QStringList{"--ratio", "007=70/30"}, M,
+         "--ratio belongs to the date-window statements; this command takes --year and --months"},
+        {kWindow + QStringList{"--months", "01-02"}, W,
+         "--months belongs to the reconciliation; this command takes --from and --to"},
+        {kWindow + QStringList{"--to", "2024-12-30"}, W, "--to given twice"},
+        {kWindow + QStringList{"--from", "2024-02-30"}, W, "--from given twice"},
+        {{"--dept", "01", "--from", "2024-02-30", "--to", "2024-12-31"},
+         W,
+         "--from wants a date YYYY-MM-DD, not 2024-02-30"},
+        {kWindow + QStringList{"--ratio", "007"}, W, "--ratio wants ITEMCODE=DEV/PROP, not 007"},
+        {kWindow + QStringList{"--ratio", "007=60/40/0"}, W,
+         "--ratio 007=60/40/0: the 物业 share 40/0 is no number"},
+        {kWindow + QStringList{"--ratio", "007=60/40%"}, W,
+         "--ratio 007=60/40%: the 物业 share 40% is no number"},
+        {kWindow + QStringList{"--ratio", "007=60/inf"}, W,
+         "--ratio 007=60/inf: the 物业 share inf is no number"},
+        {kWindow + QStringList{"--ratio", "7=60/40", "--ratio", "7=50/50"}, W,
+         "--ratio for item 7 given twice"},
+        {kWindow + QStringList{"--database", ""}, W, "--database needs a value, not an empty text"},
+        {kWindow + QStringList{"--csv", ""}, W, "--csv needs a value, not an empty text"},
+        {kWindow + QStringList{"--sql-log"}, W, "--sql-log needs a value"},
+        {kWindow + QStringList{"--xlsx", "--csv", "a"}, W, "--xlsx needs a value"},
+        {kWindow + QStringList{"extra"}, W, "unexpected argument extra"},
+        {QStringList{"-"} + kWindow, W, "unexpected argument -"},
+        {kWindow + QStringList{"--verbose", "1"}, W, "unknown option --verbose"},
+        {{"--from", "2024-01-01", "--to", "2024-12-31"}, W, "--dept is required"},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(Problem(c.args, c.kind), QString::fromUtf8(c.problem))
+            << c.args.join(' ').toStdString();
+    // Ratios of two items, and a 开发商 share as typed (it is summed and shown only).
+    QString problem;
+    const auto o = ParseStatementOptions(
+        kWindow + QStringList{"--ratio", "007=60%/40", "--ratio", "008= 55 / 45 "}, problem);
+    ASSERT_TRUE(o) << problem.toStdString();
+    ASSERT_EQ(o->ratios.size(), 2u);
+    EXPECT_EQ(o->ratios[0].developer, "60%");
+    EXPECT_EQ(o->ratios[1].property, " 45 ");
+}

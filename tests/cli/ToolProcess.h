@@ -1,0 +1,102 @@
+#pragma once
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QStringList>
+#include <QThread>
+#include <csignal>
+#include <functional>
+
+namespace yunqi::test {
+
+// yunqi-statement run as a user runs it: a process of its own, optionally
+// under a file-size limit (with SIGXFSZ ignored, as a shell that traps it or
+// Python leaves it, so a write fails short instead of killing).
+struct ToolResult {
+    int status = -1;      // exit status; -1 when ended by a signal
+    QByteArray out, err;  // standard output (unless sent to a file), standard error
+    qint64 elapsedMs = 0;
+    QString Err() const { return QString::fromUtf8(err); }
+};
+
+struct ToolOptions {
+    qint64 fileSizeLimit = 0;  // bytes; 0 for none
+    QString stdoutFile;        // standard output goes to this file when set
+    QString workDir;
+    int timeoutMs = 120000;
+};
+
+inline QString ToolPath() { return QStringLiteral(YUNQI_BIN_DIR "/yunqi-statement"); }
+
+inline void StartTool(QProcess& p, const QStringList& args, const ToolOptions& o = {}) {
+    if (!o.stdoutFile.isEmpty()) p.setStandardOutputFile(o.stdoutFile);
+    if (!o.workDir.isEmpty()) p.setWorkingDirectory(o.workDir);
+    const qint64 limit = o.fileSizeLimit;
+    if (limit > 0)
+        p.setChildProcessModifier([limit] {
+            ::signal(SIGXFSZ, SIG_IGN);
+            struct rlimit rl {
+                rlim_t(limit), rlim_t(limit)
+            };
+            ::setrlimit(RLIMIT_FSIZE, &rl);
+        });
+    p.start(ToolPath(), args);
+    p.waitForStarted();
+}
+
+inline ToolResult RunTool(const QStringList& args, const ToolOptions& o = {}) {
+    QProcess p;
+    QElapsedTimer clock;
+    clock.start();
+    StartTool(p, args, o);
+    p.waitForFinished(o.timeoutMs);
+    ToolResult r;
+    r.elapsedMs = clock.elapsed();
+    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    if (o.stdoutFile.isEmpty()) r.out = p.readAllStandardOutput();
+    r.err = p.readAllStandardError();
+    return r;
+}
+
+// The hidden files of a folder: the temporary names ".NAME.XXXXXX".
+inline QStringList HiddenFiles(const QString& dir) {
+    QStringList hidden;
+    for (const QString& name : QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::System))
+        if (name.startsWith(QLatin1Char('.'))) hidden << name;
+    return hidden;
+}
+
+inline QByteArray ReadAll(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+inline void WriteAll(const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    f.open(QIODevice::WriteOnly | QIODevice::Truncate);
+    f.write(bytes);
+}
+
+inline mode_t FileType(const QString& path) {
+    struct stat st {};
+    if (::lstat(QFile::encodeName(path).constData(), &st) != 0) return 0;
+    return st.st_mode & S_IFMT;
+}
+
+// Waits until test holds (checked every few milliseconds) or the time is up.
+inline bool WaitFor(const std::function<bool()>& test, int timeoutMs) {
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < timeoutMs) {
+        if (test()) return true;
+        QThread::msleep(3);
+    }
+    return test();
+}
+
+}  // namespace yunqi::test

@@ -1,0 +1,146 @@
+// The desktop program on a bad ledger: a run-time error that an event handler
+// lets through goes to the program's handler, never through Qt's event loop
+// (where it would end in std::terminate); the production handler ends the
+// process with the message and status 1. Headless, no form waits.
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include "cli/DemoDatabase.h"
+#include "core/Dialogs.h"
+#include "db/DatabaseSession.h"
+#include "frame/widgets/ReportWindow.h"
+#include "frame/widgets/WidgetDialogs.h"
+#include "reports/Reports.h"
+#include "shell/widgets/Application.h"
+#include "shell/widgets/MainWindow.h"
+
+using namespace yunqi;
+
+namespace {
+
+std::vector<RuntimeError> recorded;
+void Record(const RuntimeError& e) { recorded.push_back(e); }
+
+// A demo ledger cut in half, as a copy interrupted or a disk gone bad leaves it.
+QString TruncatedLedger(const QTemporaryDir& dir) {
+    const QString file = dir.filePath("ledger.sqlite");
+    WriteDemoDatabase(file, 2000, 3);
+    QFile(file).resize(QFileInfo(file).size() / 2);
+    return file;
+}
+
+std::unique_ptr<MainWindow> MainOn(DatabaseSession& session) {
+    auto main = std::make_unique<MainWindow>(std::map<QString, MainWindow::WindowFactory>{
+        {"增值税开票明细表",
+         [&session] { return NewReportWindow(*FindReport("invoice"), session); }}});
+    main->show();
+    return main;
+}
+
+// The menu entry chosen as the mouse chooses it: from the event loop.
+void ChooseFromTheEventLoop(MainWindow& main, const std::function<bool()>& until) {
+    QAction* entry = main.findChild<QAction*>("增值税开票明细表");
+    ASSERT_TRUE(entry);
+    QTimer::singleShot(0, entry, &QAction::trigger);
+    QElapsedTimer clock;
+    clock.start();
+    while (!until() && clock.elapsed() < 10000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+}
+
+}  // namespace
+
+TEST(RuntimeErrorPathTest, ATruncatedLedgerShowsTheErrorsAndTheProgramDoesNotAbort) {
+    ASSERT_TRUE(dynamic_cast<Application*>(QCoreApplication::instance()));
+    QTemporaryDir dir;
+    auto session = DatabaseSession::OpenEmbedded(TruncatedLedger(dir));
+    RecordingDialogs dialogs;
+    SetAppDialogs(&dialogs);
+    recorded.clear();
+    SetRuntimeErrorHandler(Record);
+    {
+        auto main = MainOn(*session);
+        ChooseFromTheEventLoop(*main, [] { return !recorded.empty(); });
+        // LoadDepartments' error trap: the report form.
+        ASSERT_EQ(dialogs.messages.size(), 1u);
+        EXPECT_EQ(dialogs.messages[0].title, "系统提示");
+        EXPECT_EQ(dialogs.messages[0].text,
+                  "错误码: 11 错误描述: database disk image is malformed");
+        // LoadInvoiceTypes has none: the run-time path, through the program's handler.
+        ASSERT_EQ(recorded.size(), 1u);
+        EXPECT_EQ(recorded[0].number(), 11);
+        EXPECT_EQ(recorded[0].description(), "database disk image is malformed");
+        EXPECT_EQ(main->OpenWindow("增值税开票明细表"), nullptr);
+        // The loop goes on.
+        bool later = false;
+        QTimer::singleShot(0, [&later] { later = true; });
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(later);
+    }
+    SetRuntimeErrorHandler(nullptr);
+    SetAppDialogs(nullptr);
+}
+
+TEST(RuntimeErrorPathTest, TheProgramsHandlerEndsWithTheMessageAndStatusOne) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    QTemporaryDir dir;
+    const QString ledger = TruncatedLedger(dir);
+    EXPECT_EXIT(
+        {
+            // The production set-up of main(), on the offscreen platform.
+            static WidgetDialogs dialogs;
+            SetAppDialogs(&dialogs);
+            SetRuntimeErrorHandler(EndOnRuntimeError);
+            auto session = DatabaseSession::OpenEmbedded(ledger);
+            auto main = MainOn(*session);
+            ChooseFromTheEventLoop(*main, [] { return false; });
+            std::_Exit(7);  // not reached: the handler ends the process
+        },
+        ::testing::ExitedWithCode(1),
+        "系统提示: 错误码: 11 错误描述: database disk image is malformed\n(.|\n)*"
+        "Run-time error '11':\n\ndatabase disk image is malformed");
+}
+
+TEST(RuntimeErrorPathTest, HeadlessFormsGoToStandardErrorAndNeverWait) {
+    ASSERT_TRUE(WidgetDialogs::Headless());
+    WidgetDialogs dialogs;
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_EQ(dialogs.MsgBox("text", "title", MsgIcon::Information, MsgButtons::Ok), MsgResult::Ok);
+    EXPECT_EQ(dialogs.MsgBox("question", "title", MsgIcon::Question, MsgButtons::YesNo),
+              MsgResult::No);
+    EXPECT_EQ(dialogs.SaveFileName("name", "a|*.a"), std::nullopt);
+    EXPECT_LT(clock.elapsed(), 5000);
+}
+
+// The real program, started headless on a ledger that can't be opened: the
+// two forms on standard error and status 1, where it used to wait for ever.
+TEST(RuntimeErrorPathTest, AFailedStartUpOffscreenSaysWhyAndEnds) {
+    QTemporaryDir config;
+    QDir(config.path()).mkpath("云栖账房");
+    QFile ini(config.filePath("云栖账房/云栖账房.ini"));
+    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
+    ini.write(
+        ("[DBConfig]\nDriver=SQLite\nDBname=" + config.filePath("missing.sqlite") + "\n").toUtf8());
+    ini.close();
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("XDG_CONFIG_HOME", config.path());
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    p.setProcessEnvironment(env);
+    p.start(QStringLiteral(YUNQI_BIN_DIR "/yunqi-reports"), {});
+    ASSERT_TRUE(p.waitForFinished(30000)) << "the program waits on a box nobody can see";
+    const QString err = QString::fromUtf8(p.readAllStandardError());
+    EXPECT_EQ(p.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(p.exitCode(), 1);
+    EXPECT_TRUE(err.contains("信息文本: 错误信息：unable to open database file"))
+        << err.toStdString();
+    EXPECT_TRUE(err.contains("连接提示: 数据库连接失败!")) << err.toStdString();
+}
