@@ -2,17 +2,14 @@
 
 #include <QStringList>
 
-#include "cli/PagedStatementCommand.h"
+#include "cli/StatementCommand.h"
 #include "frame/ReportDefinition.h"
 
 namespace yunqi {
 
 // Runs a statement of a year and months (a definition with makeMonthly) with
-// the arguments after the command name:
-//   --dept CODE --year YYYY --months MM-MM [--database FILE] [--csv PATH|-]
-//   [--xlsx PATH] [--sql-log PATH]
-// Returns the exit status (0 rows, 3 no fee items or no rows, 2 bad
-// arguments, 1 failure).
+// the arguments after the command name; returns the exit status (0 rows,
+// 3 no fee items or no rows, 2 bad arguments, 1 failure).
 int RunMonthlyStatement(const ReportDefinition& report, const QStringList& args,
                         const SessionOpener& openSession);
 

@@ -1,26 +1,22 @@
 #include "cli/PagedStatementCommand.h"
 
-#include <QTextStream>
 #include <climits>
 
-#include "cli/CommandOutputs.h"
-#include "cli/GridCsv.h"
+#include "cli/StatementCommand.h"
 #include "cli/StatementOptions.h"
-#include "core/OutputFile.h"
 #include "core/RuntimeError.h"
-#include "db/Settings.h"
 #include "frame/Conditions.h"
 #include "frame/SplitRatios.h"
 #include "frame/TextMeasure.h"
-#include "frame/xlsx/XlsxWriter.h"
 
 namespace yunqi {
 
 namespace {
 
-constexpr int kRows = 0, kNothing = 3, kBadArguments = 2, kFailure = 1;
+constexpr int kRows = kStatementRows, kNothing = kStatementNothing,
+              kBadArguments = kStatementBadArguments;
 
-void Say(const QString& text) { QTextStream(stderr) << "yunqi-statement: " << text << "\n"; }
+void Say(const QString& text) { SayOnStderr(text); }
 
 // The percentages typed for a parking item, checked as the editor checks them.
 bool ApplyRatios(const std::vector<RatioOption>& ratios, bool ifPresent, FlexGrid& grid2) {
@@ -47,22 +43,11 @@ bool ApplyRatios(const std::vector<RatioOption>& ratios, bool ifPresent, FlexGri
 
 int Run(const ReportDefinition& report, const StatementOptions& o, const SessionOpener& openSession,
         SqlLogWriter& log) {
-    std::unique_ptr<DatabaseSession> session = openSession(o.database);
-    if (log.Wanted()) session->SetSqlLog([&log](const QString& sql) { log.Add(sql); });
-    // A database fault is told as itself (exit 1), also where a routine's
-    // error trap showed it and went on with what it had.
-    const auto check = [&session, &log] {
-        if (const auto& fault = session->FirstFault()) throw *fault;
-        log.Check();
-    };
+    std::unique_ptr<DatabaseSession> session = OpenLoggedSession(openSession, o.database, log);
+    const auto check = [&session, &log] { ThrowFaults(*session, log); };
 
     // The department as a click on its List1 entry would choose it.
-    QString entry;
-    for (const QString& e : Conditions::LoadDepartments(*session))
-        if (Conditions::DeptCodeOf(e) == o.dept) {
-            entry = e;
-            break;
-        }
+    const QString entry = EntryOfDepartment(*session, o.dept);
     check();
     if (entry.isEmpty()) {
         Say(QStringLiteral("no department with code ") + o.dept + QStringLiteral(" in the list"));
@@ -98,17 +83,14 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
     statement->ShowPage(grid1, 1, INT_MAX, EstimatedTextMeasure());
     check();
 
-    // The workbook first: it is the likelier to fail, and a failure then
-    // leaves the CSV target (standard output too) untouched as well.
-    if (!o.xlsx.isEmpty()) {
-        SheetModel sheet;
-        ExportFrame::ExportSteps steps(nullptr, AppDialogs());
-        statement->WriteSheet(
-            sheet, steps, {grid1, Conditions::TitleCaption(entry, report.texts.title), entry, conditions});
-        check();
-        WriteXlsx(sheet, o.xlsx);
-    }
-    if (!o.csv.isEmpty()) WriteOutputFile(o.csv, GridCsv(grid1).toUtf8(), Dash::IsStdout);
+    WriteStatementOutputs(
+        o, grid1,
+        [&](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
+            statement->WriteSheet(
+                sheet, steps,
+                {grid1, Conditions::TitleCaption(entry, report.texts.title), entry, conditions});
+        },
+        check);
     return kRows;
 }
 
@@ -116,58 +98,9 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
 
 int RunPagedStatement(const ReportDefinition& report, const QStringList& args,
                       const SessionOpener& openSession) {
-    QString problem;
-    const auto options = ParseStatementOptions(args, report.conditions, problem);
-    if (!options) {
-        Say(problem);
-        QTextStream(stderr) << StatementUsage();
-        return kBadArguments;
-    }
-    const StatementOptions& o = *options;
-    const std::vector<OutputOption> outputs{{QStringLiteral("--csv"), o.csv, Dash::IsStdout},
-                                            {QStringLiteral("--xlsx"), o.xlsx},
-                                            {QStringLiteral("--sql-log"), o.sqlLog}};
-    QStringList inputs{o.database};
-    if (o.database.isEmpty()) {
-        const DbSettings settings = ReadDbSettings();
-        if (settings.Driver.compare(QLatin1String("SQLite"), Qt::CaseInsensitive) == 0)
-            inputs << settings.DBname;
-    }
-    if (const auto clash = OutputClash(outputs, inputs)) {
-        Say(*clash);
-        QTextStream(stderr) << StatementUsage();
-        return kBadArguments;
-    }
-
-    QString told;
-    const auto tell = [&told](const RuntimeError& e) {
-        const QString text = QStringLiteral("error ") + QString::number(e.number()) +
-                             QStringLiteral(": ") + e.description();
-        if (text != told) Say(text);
-        told = text;
-    };
-    // A read-only file or a missing folder is refused before any work.
-    try {
-        CheckOutputs(outputs);
-    } catch (const RuntimeError& e) {
-        tell(e);
-        return kFailure;
-    }
-    SqlLogWriter log(o.sqlLog);
-    int status = kFailure;
-    try {
-        status = Run(report, o, openSession, log);
-    } catch (const RuntimeError& e) {
-        tell(e);
-    }
-    // The log is kept also when the run failed: it tells what was sent.
-    try {
-        log.Finish();
-    } catch (const RuntimeError& e) {
-        tell(e);
-        status = kFailure;
-    }
-    return status;
+    return RunStatementCommand(report, args, [&](const StatementOptions& o, SqlLogWriter& log) {
+        return Run(report, o, openSession, log);
+    });
 }
 
 }  // namespace yunqi

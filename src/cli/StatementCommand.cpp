@@ -1,0 +1,105 @@
+#include "cli/StatementCommand.h"
+
+#include <QTextStream>
+
+#include "cli/GridCsv.h"
+#include "core/OutputFile.h"
+#include "core/RuntimeError.h"
+#include "db/Settings.h"
+#include "frame/Conditions.h"
+#include "frame/xlsx/XlsxWriter.h"
+
+namespace yunqi {
+
+void SayOnStderr(const QString& text) {
+    QTextStream(stderr) << "yunqi-statement: " << text << "\n";
+}
+
+int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
+                        const StatementRun& run) {
+    QString problem;
+    const auto options = ParseStatementOptions(args, report.conditions, problem);
+    if (!options) {
+        SayOnStderr(problem);
+        QTextStream(stderr) << StatementUsage();
+        return kStatementBadArguments;
+    }
+    const StatementOptions& o = *options;
+    const std::vector<OutputOption> outputs{{QStringLiteral("--csv"), o.csv, Dash::IsStdout},
+                                            {QStringLiteral("--xlsx"), o.xlsx},
+                                            {QStringLiteral("--sql-log"), o.sqlLog}};
+    QStringList inputs{o.database};
+    if (o.database.isEmpty()) {
+        const DbSettings settings = ReadDbSettings();
+        if (settings.Driver.compare(QLatin1String("SQLite"), Qt::CaseInsensitive) == 0)
+            inputs << settings.DBname;
+    }
+    if (const auto clash = OutputClash(outputs, inputs)) {
+        SayOnStderr(*clash);
+        QTextStream(stderr) << StatementUsage();
+        return kStatementBadArguments;
+    }
+
+    QString told;
+    const auto tell = [&told](const RuntimeError& e) {
+        const QString text = QStringLiteral("error ") + QString::number(e.number()) +
+                             QStringLiteral(": ") + e.description();
+        if (text != told) SayOnStderr(text);
+        told = text;
+    };
+    // A read-only file or a missing folder is refused before any work.
+    try {
+        CheckOutputs(outputs);
+    } catch (const RuntimeError& e) {
+        tell(e);
+        return kStatementFailure;
+    }
+    SqlLogWriter log(o.sqlLog);
+    int status = kStatementFailure;
+    try {
+        status = run(o, log);
+    } catch (const RuntimeError& e) {
+        tell(e);
+    }
+    // The log is kept also when the run failed: it tells what was sent.
+    try {
+        log.Finish();
+    } catch (const RuntimeError& e) {
+        tell(e);
+        status = kStatementFailure;
+    }
+    return status;
+}
+
+std::unique_ptr<DatabaseSession> OpenLoggedSession(const SessionOpener& openSession,
+                                                   const QString& database, SqlLogWriter& log) {
+    std::unique_ptr<DatabaseSession> session = openSession(database);
+    if (log.Wanted()) session->SetSqlLog([&log](const QString& sql) { log.Add(sql); });
+    return session;
+}
+
+void ThrowFaults(const DatabaseSession& session, const SqlLogWriter& log) {
+    if (const auto& fault = session.FirstFault()) throw *fault;
+    log.Check();
+}
+
+QString EntryOfDepartment(DatabaseSession& session, const QString& dept) {
+    for (const QString& e : Conditions::LoadDepartments(session))
+        if (Conditions::DeptCodeOf(e) == dept) return e;
+    return QString();
+}
+
+void WriteStatementOutputs(const StatementOptions& o, const FlexGrid& grid1,
+                           const ExportFrame::SheetWriter& writeSheet,
+                           const std::function<void()>& check) {
+    if (!o.xlsx.isEmpty()) {
+        SheetModel sheet;
+        ExportFrame::ExportSteps steps(nullptr, AppDialogs());
+        writeSheet(sheet, steps);
+        check();
+        WriteXlsx(sheet, o.xlsx);
+    }
+    if (!o.csv.isEmpty()) WriteOutputFile(o.csv, GridCsv(grid1).toUtf8(), Dash::IsStdout);
+}
+
+}  // namespace yunqi
