@@ -235,7 +235,6 @@ int RunBatch(const QStringList& args) {
                 job.args << QStringLiteral("--year") << QString::number(first.year())
                          << QStringLiteral("--months")
                          << QStringLiteral("01-") + first.toString(QStringLiteral("MM"));
-                job.gridFromRow2 = true;
             } else {
                 job.args << QStringLiteral("--from") << first.toString(Qt::ISODate)
                          << QStringLiteral("--to") << last.toString(Qt::ISODate);
