@@ -86,7 +86,7 @@ bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& prog
                             csv = f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
                         }
                         job.status = BatchJob::Status::Ok;
-                        job.rows = CsvRecords(csv) - (job.gridFromRow2 ? 0 : 2);
+                        job.rows = CsvRecords(csv) - 2;  // the two header rows
                     } else if (how == QProcess::NormalExit && code == 3) {
                         job.status = BatchJob::Status::Empty;
                     } else {

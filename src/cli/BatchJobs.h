@@ -17,7 +17,6 @@ struct BatchJob {
     QString relativeFile;  // the workbook, relative to the output folder
     QStringList args;   // the companion's arguments
     QString csvPath;    // where the CSV goes ("" for standard output)
-    bool gridFromRow2 = false;  // the CSV has no header rows
 
     // Filled in by the run.
     enum class Status { Pending, Ok, Empty, Failed } status = Status::Pending;
