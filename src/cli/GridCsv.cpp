@@ -2,6 +2,26 @@
 
 namespace yunqi {
 
+namespace {
+
+constexpr qsizetype kFlushAt = 1 << 16;
+
+void AppendLine(QString& out, const std::vector<QString>& fields) {
+    for (std::size_t c = 0; c < fields.size(); ++c) {
+        if (c > 0) out += QLatin1Char(',');
+        out += CsvField(fields[c]);
+    }
+    out += QLatin1Char('\n');
+}
+
+std::vector<QString> GridRowTexts(const FlexGrid& grid, int r) {
+    std::vector<QString> fields(grid.Cols());
+    for (int c = 0; c < grid.Cols(); ++c) fields[c] = grid.TextMatrix(r, c);
+    return fields;
+}
+
+}  // namespace
+
 QString CsvField(const QString& text) {
     if (!text.contains(QLatin1Char(',')) && !text.contains(QLatin1Char('"')) &&
         !text.contains(QLatin1Char('\r')) && !text.contains(QLatin1Char('\n')))
@@ -13,14 +33,43 @@ QString CsvField(const QString& text) {
 
 QString GridCsv(const FlexGrid& grid, int firstRow) {
     QString out;
-    for (int r = firstRow; r < grid.Rows(); ++r) {
-        for (int c = 0; c < grid.Cols(); ++c) {
-            if (c > 0) out += QLatin1Char(',');
-            out += CsvField(grid.TextMatrix(r, c));
-        }
-        out += QLatin1Char('\n');
-    }
+    for (int r = firstRow; r < grid.Rows(); ++r) AppendLine(out, GridRowTexts(grid, r));
     return out;
+}
+
+CsvStream::CsvStream(const QString& path, Dash dash) : out_(path, dash) {}
+
+void CsvStream::AddRow(const std::vector<QString>& fields) {
+    QString line;
+    AppendLine(line, fields);
+    pending_ += line.toUtf8();
+    if (pending_.size() >= kFlushAt) Flush();
+}
+
+void CsvStream::Flush() {
+    out_.Write(pending_);
+    pending_.clear();
+}
+
+void CsvStream::Commit() {
+    Flush();
+    out_.Commit();
+}
+
+void WriteGridCsv(CsvStream& csv, const FlexGrid& grid, int firstRow) {
+    for (int r = firstRow; r < grid.Rows(); ++r) csv.AddRow(GridRowTexts(grid, r));
+}
+
+void WriteStatementCsv(CsvStream& csv, const PagedStatement& statement, const FlexGrid& grid1,
+                       const TextMeasure& measure) {
+    for (int r = 0; r < 2; ++r) csv.AddRow(GridRowTexts(grid1, r));
+    TextRow row(grid1);
+    for (int r = 1; r <= statement.UpperBound(); ++r) {
+        row.Clear();
+        row.SetText(0, QString::number(r));
+        statement.WriteRow(row, r, measure);
+        csv.AddRow(row.Texts());
+    }
 }
 
 }  // namespace yunqi

@@ -50,7 +50,7 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
         return kStatementNothing;
     }
     WriteStatementOutputs(
-        o, grid1,
+        o, [&](CsvStream& csv) { WriteGridCsv(csv, grid1); },
         [&](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
             statement->WriteSheet(sheet, steps,
                                   {grid1, statement->TitleCaption(entry, o.Year), entry, k});

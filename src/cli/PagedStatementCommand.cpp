@@ -79,12 +79,12 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
         Say(report.texts.noRowsText);
         return kNothing;
     }
-    // One page holds the whole statement.
-    statement->ShowPage(grid1, 1, INT_MAX, EstimatedTextMeasure());
-    check();
-
+    // The CSV holds the statement as if one page held it all.
     WriteStatementOutputs(
-        o, grid1,
+        o,
+        [&](CsvStream& csv) {
+            WriteStatementCsv(csv, *statement, grid1, EstimatedTextMeasure());
+        },
         [&](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
             statement->WriteSheet(
                 sheet, steps,

@@ -89,17 +89,18 @@ QString EntryOfDepartment(DatabaseSession& session, const QString& dept) {
     return QString();
 }
 
-void WriteStatementOutputs(const StatementOptions& o, const FlexGrid& grid1,
+void WriteStatementOutputs(const StatementOptions& o, const CsvWriter& writeCsv,
                            const ExportFrame::SheetWriter& writeSheet,
                            const std::function<void()>& check) {
     if (!o.xlsx.isEmpty()) {
-        SheetModel sheet;
         ExportFrame::ExportSteps steps(nullptr, AppDialogs());
-        writeSheet(sheet, steps);
-        check();
-        WriteXlsx(sheet, o.xlsx);
+        StreamXlsx(o.xlsx, [&](SheetModel& sheet) { writeSheet(sheet, steps); }, check);
     }
-    if (!o.csv.isEmpty()) WriteOutputFile(o.csv, GridCsv(grid1).toUtf8(), Dash::IsStdout);
+    if (!o.csv.isEmpty()) {
+        CsvStream csv(o.csv, Dash::IsStdout);
+        writeCsv(csv);
+        csv.Commit();
+    }
 }
 
 }  // namespace yunqi

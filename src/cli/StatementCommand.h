@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "cli/CommandOutputs.h"
+#include "cli/GridCsv.h"
 #include "cli/StatementOptions.h"
 #include "db/DatabaseSession.h"
 #include "frame/FlexGrid.h"
@@ -44,10 +45,12 @@ void ThrowFaults(const DatabaseSession& session, const SqlLogWriter& log);
 // choose it; empty when the list has none.
 QString EntryOfDepartment(DatabaseSession& session, const QString& dept);
 
-// The outputs of a run: the workbook first (the likelier to fail, and a
-// failure then leaves the CSV target, standard output too, untouched), then
-// the grid as CSV. check runs between the sheet and the file.
-void WriteStatementOutputs(const StatementOptions& options, const FlexGrid& grid1,
+// The outputs of a run, each streamed as it is composed: the workbook first
+// (the likelier to fail, and a failure then leaves the CSV target, standard
+// output too, untouched), then the CSV. check runs once the sheet is
+// composed, before the workbook is made final.
+using CsvWriter = std::function<void(CsvStream& csv)>;
+void WriteStatementOutputs(const StatementOptions& options, const CsvWriter& writeCsv,
                            const ExportFrame::SheetWriter& writeSheet,
                            const std::function<void()>& check);
 

@@ -5,6 +5,7 @@
 #include "frame/ExportSteps.h"
 #include "frame/FeeItem.h"
 #include "frame/FlexGrid.h"
+#include "frame/GridRow.h"
 #include "frame/SheetModel.h"
 #include "frame/StatementConditions.h"
 #include "frame/TextMeasure.h"
@@ -31,9 +32,13 @@ class PagedStatement {
     // Computes the rows; true when there is at least one. Sets PageCount.
     virtual bool RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
                                int pageSize) = 0;
-    // Writes one page under the header (grid1 keeps its two header rows).
+    // Writes one page under the header (grid1 keeps its two header rows):
+    // each record of the page through WriteRow.
     virtual void ShowPage(FlexGrid& grid1, int page, int pageSize,
-                          const TextMeasure& measure) const = 0;
+                          const TextMeasure& measure) const;
+    // Record r (1 to UpperBound()) as the grid shows it, column 0 aside (the
+    // record's index); widths come from the header.
+    virtual void WriteRow(GridRow& row, int r, const TextMeasure& measure) const = 0;
     // The whole statement, all pages, on one sheet: the report's workbook.
     virtual void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                             const WorkbookContext& context) const = 0;

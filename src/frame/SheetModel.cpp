@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 #include <charconv>
+#include <stdexcept>
 #include <unordered_map>
 
 #include "core/RuntimeError.h"
@@ -28,16 +29,19 @@ double SheetModel::SerialOf(const QDate& date) { return QDate(1899, 12, 30).days
 SheetModel::Cell& SheetModel::At(int row, int col) {
     if (row < 1 || col < 1 || row > 1048576 || col > 16384)
         throw RuntimeError::SubscriptOutOfRange();
-    if (int(rows_.size()) < row) rows_.resize(row);
-    auto& r = rows_[row - 1];
+    if (row <= completed_) throw std::logic_error("sheet row already complete");
+    const std::size_t index = std::size_t(row - firstKept_);
+    if (rows_.size() <= index) rows_.resize(index + 1);
+    rowCount_ = std::max(rowCount_, row);
+    auto& r = rows_[index];
     if (int(r.size()) < col) r.resize(col);
     cols_ = std::max(cols_, col);
     return r[col - 1];
 }
 
 const SheetModel::Cell* SheetModel::Find(int row, int col) const {
-    if (row < 1 || row > int(rows_.size())) return nullptr;
-    const auto& r = rows_[row - 1];
+    if (row < firstKept_ || row - firstKept_ >= int(rows_.size())) return nullptr;
+    const auto& r = rows_[row - firstKept_];
     if (col < 1 || col > int(r.size())) return nullptr;
     return &r[col - 1];
 }
@@ -53,8 +57,7 @@ int SheetModel::Intern(const Style& style) {
     return index;
 }
 
-template <typename Change>
-void SheetModel::Restyle(const Area& a, Change change) {
+void SheetModel::Restyle(const Area& a, const StyleChange& change) {
     if (a.top == a.bottom && a.left == a.right) {
         Cell& cell = At(a.top, a.left);
         Style s = styles_[cell.style];
@@ -67,6 +70,7 @@ void SheetModel::Restyle(const Area& a, Change change) {
     for (int r = a.top; r <= a.bottom; ++r)
         for (int c = a.left; c <= a.right; ++c) {
             Cell& cell = At(r, c);
+            if (memo.size() <= cell.style) memo.resize(styles_.size(), -1);
             int& to = memo[cell.style];
             if (to < 0) {
                 Style s = styles_[cell.style];
@@ -75,6 +79,55 @@ void SheetModel::Restyle(const Area& a, Change change) {
             }
             cell.style = std::uint16_t(to);
         }
+}
+
+void SheetModel::Defer(const Area& area, StyleChange change) {
+    if (area.top <= completed_) throw std::logic_error("deferred range over complete rows");
+    deferred_.push_back({area, std::move(change), {}});
+}
+
+void SheetModel::ApplyDeferred(int row) {
+    for (Deferred& d : deferred_) {
+        if (row < d.area.top || row > d.area.bottom) continue;
+        for (int c = d.area.left; c <= d.area.right; ++c) {
+            Cell& cell = At(row, c);
+            if (d.memo.size() <= cell.style) d.memo.resize(styles_.size(), -1);
+            int& to = d.memo[cell.style];
+            if (to < 0) {
+                Style s = styles_[cell.style];
+                d.change(s);
+                to = Intern(s);
+            }
+            cell.style = std::uint16_t(to);
+        }
+    }
+}
+
+void SheetModel::CompleteRowsThrough(int row) {
+    for (int r = completed_ + 1; r <= row; ++r) {
+        ApplyDeferred(r);
+        if (sink_ && r - firstKept_ < int(rows_.size())) sink_->WriteRow(*this, r);
+        completed_ = r;
+        rowCount_ = std::max(rowCount_, r);
+        if (sink_) {
+            if (!rows_.empty()) rows_.pop_front();
+            firstKept_ = r + 1;
+        }
+    }
+}
+
+void SheetModel::Complete() {
+    int last = rowCount_;
+    for (const Deferred& d : deferred_) last = std::max(last, d.area.bottom);
+    CompleteRowsThrough(last);
+}
+
+template <typename Change>
+void SheetModel::Range::Restyle(Change change) const {
+    if (deferred_)
+        sheet_.Defer(area_, change);
+    else
+        sheet_.Restyle(area_, change);
 }
 
 namespace {
@@ -120,12 +173,11 @@ double ParseNumber(const QString& t) {
 
 void SheetModel::Assign(Cell& cell, const QString& text) {
     static const QRegularExpression isoDate(QStringLiteral(R"(^(\d{4})-(\d{1,2})-(\d{1,2})$)"));
-    cell.text = 0;
+    cell.text = QString();
     cell.number = 0;
     if (text.startsWith(QLatin1Char('\''))) {
         cell.type = ValueType::Text;
-        texts_.push_back(text.mid(1));
-        cell.text = std::uint32_t(texts_.size() - 1);
+        cell.text = text.mid(1);
         return;
     }
     if (text.isEmpty()) {
@@ -147,26 +199,28 @@ void SheetModel::Assign(Cell& cell, const QString& text) {
             }
         }
     cell.type = ValueType::Text;
-    texts_.push_back(text);
-    cell.text = std::uint32_t(texts_.size() - 1);
+    cell.text = text;
 }
 
 void SheetModel::Range::SetValue(const QString& text) const {
+    if (deferred_) throw std::logic_error("a value can't be deferred");
     for (int r = area_.top; r <= area_.bottom; ++r)
         for (int c = area_.left; c <= area_.right; ++c) sheet_.Assign(sheet_.At(r, c), text);
 }
 
 void SheetModel::Range::SetValue(double number) const {
+    if (deferred_) throw std::logic_error("a value can't be deferred");
     for (int r = area_.top; r <= area_.bottom; ++r)
         for (int c = area_.left; c <= area_.right; ++c) {
             Cell& cell = sheet_.At(r, c);
             cell.type = ValueType::Number;
             cell.number = number;
-            cell.text = 0;
+            cell.text = QString();
         }
 }
 
 void SheetModel::Range::SetMergeCells(bool merge) const {
+    if (deferred_) throw std::logic_error("a merge can't be deferred");
     auto& merges = sheet_.merges_;
     const Area a = area_;
     auto overlaps = [&](const Area& m) {
@@ -181,28 +235,28 @@ void SheetModel::Range::SetMergeCells(bool merge) const {
 }
 
 void SheetModel::Range::SetHorizontalAlignment(int alignment) const {
-    sheet_.Restyle(area_, [=](Style& s) { s.horizontalAlignment = alignment; });
+    Restyle([=](Style& s) { s.horizontalAlignment = alignment; });
 }
 void SheetModel::Range::SetInteriorColor(int bgr) const {
-    sheet_.Restyle(area_, [=](Style& s) { s.interiorColor = bgr; });
+    Restyle([=](Style& s) { s.interiorColor = bgr; });
 }
 void SheetModel::Range::SetNumberFormat(const QString& format) const {
-    sheet_.Restyle(area_, [&](Style& s) { s.numberFormat = format; });
+    Restyle([format](Style& s) { s.numberFormat = format; });
 }
 void SheetModel::Range::SetFontName(const QString& name) const {
-    sheet_.Restyle(area_, [&](Style& s) { s.fontName = name; });
+    Restyle([name](Style& s) { s.fontName = name; });
 }
 void SheetModel::Range::SetFontSize(double size) const {
-    sheet_.Restyle(area_, [=](Style& s) { s.fontSize = size; });
+    Restyle([=](Style& s) { s.fontSize = size; });
 }
 void SheetModel::Range::SetFontBold(bool bold) const {
-    sheet_.Restyle(area_, [=](Style& s) { s.bold = bold; });
+    Restyle([=](Style& s) { s.bold = bold; });
 }
 void SheetModel::Range::SetBordersLineStyle(int style) const {
-    sheet_.Restyle(area_, [=](Style& s) { s.borderLineStyle = style; });
+    Restyle([=](Style& s) { s.borderLineStyle = style; });
 }
 void SheetModel::Range::SetWrapText(bool wrap) const {
-    sheet_.Restyle(area_, [=](Style& s) { s.wrapText = wrap; });
+    Restyle([=](Style& s) { s.wrapText = wrap; });
 }
 
 void SheetModel::SetColumnWidth(int col, double width) {
@@ -217,7 +271,9 @@ void SheetModel::SetRowWrapText(int row, bool wrap) {
 }
 
 int SheetModel::UsedCols(int row) const {
-    return row >= 1 && row <= int(rows_.size()) ? int(rows_[row - 1].size()) : 0;
+    return row >= firstKept_ && row - firstKept_ < int(rows_.size())
+               ? int(rows_[row - firstKept_].size())
+               : 0;
 }
 
 SheetModel::Value SheetModel::ValueAt(int row, int col) const {
@@ -225,7 +281,7 @@ SheetModel::Value SheetModel::ValueAt(int row, int col) const {
     if (const Cell* c = Find(row, col)) {
         v.type = c->type;
         v.number = c->number;
-        if (c->type == ValueType::Text) v.text = texts_[c->text];
+        if (c->type == ValueType::Text) v.text = c->text;
     }
     return v;
 }
@@ -243,9 +299,5 @@ double SheetModel::ColumnWidth(int col) const {
     return col >= 1 && col <= int(widths_.size()) ? widths_[col - 1] : 0;
 }
 
-bool SheetModel::IsDateValue(int row, int col) const {
-    const Cell* c = Find(row, col);
-    return c && c->type == ValueType::Date;
-}
 
 }  // namespace yunqi

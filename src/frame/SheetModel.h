@@ -4,18 +4,34 @@
 #include <QHash>
 #include <QString>
 #include <cstdint>
+#include <deque>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
 namespace yunqi {
 
-// One worksheet with the semantics of the spreadsheet's object model, kept
-// compactly so that a statement of 100,000 rows fits: every cell is a value
-// and the index of an interned style. Rows and columns count from 1. Later
-// settings on a range overlay earlier ones cell by cell, as the spreadsheet
-// does; the writer reads the result.
+// One worksheet with the semantics of the spreadsheet's object model: every
+// cell is a value and the index of an interned style. Rows and columns count
+// from 1. Later settings on a range overlay earlier ones cell by cell, as the
+// spreadsheet does.
+//
+// Rows are written in sheet order. With a sink, a row is handed to it once it
+// is complete (CompleteRowsThrough, Complete) and then dropped, so a sheet of
+// any length needs memory for a few rows. Settings that the table takes once
+// it stands (number formats of a column band, fonts, borders) are declared
+// before the rows with Finally(): they apply to each row as it completes,
+// after the row's own settings, as if set at the end. Touching a row that is
+// complete is a programming error (std::logic_error). Without a sink every
+// row stays readable.
 class SheetModel {
   public:
+    // Takes each row once it is complete, in order; earlier rows are gone.
+    class RowSink {
+      public:
+        virtual ~RowSink() = default;
+        virtual void WriteRow(const SheetModel& sheet, int row) = 0;
+    };
     // Alignment constants of the object model.
     static constexpr int kAlignCenter = -4108;
     static constexpr int kAlignLeft = -4131;
@@ -64,23 +80,44 @@ class SheetModel {
 
       private:
         friend class SheetModel;
-        Range(SheetModel& sheet, Area area) : sheet_(sheet), area_(area) {}
+        Range(SheetModel& sheet, Area area, bool deferred = false)
+            : sheet_(sheet), area_(area), deferred_(deferred) {}
+        template <typename Change>
+        void Restyle(Change change) const;
         SheetModel& sheet_;
         Area area_;
+        bool deferred_;
     };
+
+    explicit SheetModel(RowSink* sink = nullptr) : sink_(sink) {}
 
     Range Cells(int row, int col) { return Range(*this, {row, col, row, col}); }
     Range RangeOf(int top, int left, int bottom, int right) {
         return Range(*this, {std::min(top, bottom), std::min(left, right), std::max(top, bottom),
                              std::max(left, right)});
     }
+    // A range whose style settings wait until each of its rows completes;
+    // values and merges can't be deferred.
+    Range Finally(int top, int left, int bottom, int right) {
+        return Range(*this,
+                     {std::min(top, bottom), std::min(left, right), std::max(top, bottom),
+                      std::max(left, right)},
+                     true);
+    }
+    // Rows 1 to row are final: deferred settings applied, handed to the sink.
+    void CompleteRowsThrough(int row);
+    // Every row written so far is final.
+    void Complete();
+    // The last row handed on; 0 before any.
+    int CompletedRows() const { return completed_; }
+
     // Columns(n).ColumnWidth, in character units.
     void SetColumnWidth(int col, double width);
     // Rows(n).WrapText: every cell of the row that is in use.
     void SetRowWrapText(int row, bool wrap);
 
     // Reading, for the writer and for tests.
-    int RowCount() const { return int(rows_.size()); }
+    int RowCount() const { return rowCount_; }
     int ColCount() const { return cols_; }
     int UsedCols(int row) const;  // cells held in the row
     Value ValueAt(int row, int col) const;
@@ -89,7 +126,6 @@ class SheetModel {
     const std::vector<Style>& Styles() const { return styles_; }
     const std::vector<Area>& Merges() const { return merges_; }
     double ColumnWidth(int col) const;  // 0: not set
-    bool IsDateValue(int row, int col) const;
 
     // The spreadsheet's serial day number of a date.
     static double SerialOf(const QDate& date);
@@ -97,22 +133,32 @@ class SheetModel {
   private:
     struct Cell {
         double number = 0;
-        std::uint32_t text = 0;  // index into texts_; 0 for none
+        QString text;
         std::uint16_t style = 0;
         ValueType type = ValueType::Empty;
+    };
+    using StyleChange = std::function<void(Style&)>;
+    struct Deferred {
+        Area area;
+        StyleChange change;
+        std::vector<int> memo;  // old style index to new, -1 unknown
     };
 
     Cell& At(int row, int col);
     const Cell* Find(int row, int col) const;
     int Intern(const Style& style);
     // Applies a change to the style of every cell of the area, one memo per call.
-    template <typename Change>
-    void Restyle(const Area& area, Change change);
+    void Restyle(const Area& area, const StyleChange& change);
+    void Defer(const Area& area, StyleChange change);
+    void ApplyDeferred(int row);
     void Assign(Cell& cell, const QString& text);
 
-    std::vector<std::vector<Cell>> rows_;  // index row - 1, col - 1
+    RowSink* sink_ = nullptr;
+    std::deque<std::vector<Cell>> rows_;  // the rows after completed_ (all, without a sink)
+    int firstKept_ = 1;                   // the sheet row of rows_[0]
+    int rowCount_ = 0;
+    int completed_ = 0;
     int cols_ = 0;
-    std::vector<QString> texts_{QString()};
     struct StyleHash {
         std::size_t operator()(const Style& s) const;
     };
@@ -120,6 +166,7 @@ class SheetModel {
     std::unordered_map<Style, int, StyleHash> styleIndex_{{Style{}, 0}};
     std::vector<Area> merges_;
     std::vector<double> widths_;
+    std::vector<Deferred> deferred_;
 };
 
 }  // namespace yunqi

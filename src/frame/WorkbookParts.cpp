@@ -88,6 +88,7 @@ void WriteTicketHeader(SheetModel& sheet, const WorkbookContext& context,
 int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r) {
     steps.Row(r);
     const int s = r + 5;
+    sheet.CompleteRowsThrough(s - 1);
     auto number = sheet.Cells(s, 1);
     number.SetValue(double(r));
     number.SetHorizontalAlignment(SheetModel::kAlignCenter);
@@ -95,13 +96,13 @@ int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r) {
 }
 
 void FinishTable(SheetModel& sheet, int lastRow, int c, int fontLastRow) {
-    auto head = sheet.RangeOf(1, 1, 1, c);
+    auto head = sheet.Finally(1, 1, 1, c);
     head.SetFontName(QStringLiteral("微软雅黑"));
     head.SetFontBold(true);
-    auto body = sheet.RangeOf(2, 1, fontLastRow ? fontLastRow : lastRow, c);
+    auto body = sheet.Finally(2, 1, fontLastRow ? fontLastRow : lastRow, c);
     body.SetFontName(QStringLiteral("微软雅黑"));
     body.SetFontSize(9);
-    sheet.RangeOf(4, 1, lastRow, c).SetBordersLineStyle(1);
+    sheet.Finally(4, 1, lastRow, c).SetBordersLineStyle(1);
 }
 
 void WriteSignatureLine(SheetModel& sheet, int row, const std::vector<SignatureText>& texts) {

@@ -42,13 +42,13 @@ int MergeFeeBands(SheetModel& sheet, const FeeItemList& items, int first);
 void WriteTicketHeader(SheetModel& sheet, const WorkbookContext& context,
                        const DetailHeaderPlan& plan, const FeeItemList& items);
 
-// The start of record r's sheet row (r + 5, returned): the progress step and
-// the record's index, centred, in column 1.
+// The start of record r's sheet row (r + 5, returned): the progress step, the
+// rows above complete, and the record's index, centred, in column 1.
 int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r);
 
 // Fonts and borders of the finished table: 微软雅黑, the title bold, size 9
 // from row 2 to lastRow (or to fontLastRow, when given), borders from row 4
-// to lastRow.
+// to lastRow. Declared before the rows: each row takes them as it completes.
 void FinishTable(SheetModel& sheet, int lastRow, int c, int fontLastRow = 0);
 
 // One text of the signature line; an alignment of 0 leaves the cell's own.

@@ -34,10 +34,8 @@ QString ExportToExcel(const QString& chosen, const ExportRequest& request, Expor
                       Dialogs& dialogs) {
     try {
         const QString file = ExportFileStem(chosen) + WorkbookExtension();
-        SheetModel sheet;
         ExportSteps steps(controls, dialogs);
-        request.writeSheet(sheet, steps);
-        WriteXlsx(sheet, file);
+        StreamXlsx(file, [&](SheetModel& sheet) { request.writeSheet(sheet, steps); });
         dialogs.MsgBox(request.successText, QStringLiteral("系统提示"), MsgIcon::Information);
         return file;
     } catch (const RuntimeError& e) {

@@ -1,17 +1,17 @@
 #include "frame/xlsx/XlsxWriter.h"
 
 #include <xlsxwriter.h>
-#include <zlib.h>
 
 #include <QDir>
 #include <QFile>
-#include <cstring>
-#include <functional>
+#include <memory>
+#include <utility>
 #include <map>
 #include <vector>
 
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
+#include "frame/xlsx/WorkbookCheck.h"
 
 namespace yunqi {
 
@@ -86,241 +86,39 @@ class Formats {
     std::map<int, lxw_format*> made_;
 };
 
-void WriteSheet(lxw_workbook* book, lxw_worksheet* ws, const SheetModel& sheet) {
-    Formats formats(book, sheet);
-    for (int c = 1; c <= sheet.ColCount(); ++c)
-        if (const double w = sheet.ColumnWidth(c); w > 0)
-            worksheet_set_column(ws, lxw_col_t(c - 1), lxw_col_t(c - 1), w, nullptr);
-
-    // Merges sorted by their last row: in one pass a merge is declared when
-    // its last row comes up, its top-left value having been written already.
-    std::multimap<int, SheetModel::Area> mergesByLastRow;
-    std::map<std::pair<int, int>, bool> inMerge;  // non-top-left cells of merges
-    for (const auto& m : sheet.Merges()) {
-        mergesByLastRow.emplace(m.bottom, m);
-        for (int r = m.top; r <= m.bottom; ++r)
-            for (int c = m.left; c <= m.right; ++c)
-                if (r != m.top || c != m.left) inMerge[{r, c}] = true;
-    }
-
-    QByteArray utf8;
-    for (int r = 1; r <= sheet.RowCount(); ++r) {
-        const lxw_row_t row = lxw_row_t(r - 1);
-        auto [first, last] = mergesByLastRow.equal_range(r);
-        if (first != last) {
-            // Step onto this row first, so that the earlier rows are closed
-            // and keep the values already written there.
-            const auto& m = first->second;
-            lxw_format* f = formats.For(sheet.StyleIndexAt(r, m.left), false);
-            worksheet_write_blank(ws, row, lxw_col_t(m.left - 1), f ? f : formats.Plain());
-        }
-        for (auto it = first; it != last; ++it) {
-            const auto& m = it->second;
-            // Writes to earlier rows are refused in this mode and the blanks of
-            // this row are overwritten below; only the declaration counts.
-            worksheet_merge_range(ws, lxw_row_t(m.top - 1), lxw_col_t(m.left - 1),
-                                  lxw_row_t(m.bottom - 1), lxw_col_t(m.right - 1), "",
-                                  formats.For(sheet.StyleIndexAt(m.top, m.left), false));
-        }
-        const int used = sheet.UsedCols(r);
-        for (int c = 1; c <= used; ++c) {
-            const lxw_col_t col = lxw_col_t(c - 1);
-            const int style = sheet.StyleIndexAt(r, c);
-            const SheetModel::Value v = sheet.ValueAt(r, c);
-            lxw_format* f = formats.For(style, v.type == SheetModel::ValueType::Date);
-            const bool hidden = !inMerge.empty() && inMerge.count({r, c});
-            lxw_error e = LXW_NO_ERROR;
-            if (hidden || v.type == SheetModel::ValueType::Empty ||
-                (v.type == SheetModel::ValueType::Text && v.text.isEmpty())) {
-                if (f) e = worksheet_write_blank(ws, row, col, f);
-            } else if (v.type == SheetModel::ValueType::Text) {
-                utf8 = v.text.toUtf8();
-                e = worksheet_write_string(ws, row, col, utf8.constData(), f);
-            } else {
-                e = worksheet_write_number(ws, row, col, v.number, f);
-            }
-            if (e != LXW_NO_ERROR) Fail(e, QStringLiteral("cell %1,%2").arg(r).arg(c));
-        }
-    }
-}
-
-// ---- The finished workbook, read back -------------------------------------------
-//
-// The library doesn't report failed writes of its temporary parts (a full
-// temporary folder, a file-size limit): the archive then holds a part cut
-// short, with a checksum that matches the cut bytes. So every part is
-// inflated against its recorded length and checksum, and every XML part must
-// end with the end tag of its root element, which no cut part does.
-
-quint32 Le32(const uchar* p) { return p[0] | (p[1] << 8) | (p[2] << 16) | (quint32(p[3]) << 24); }
-quint16 Le16(const uchar* p) { return quint16(p[0] | (p[1] << 8)); }
-
-[[noreturn]] void Incomplete(const QString& path, const QString& what) {
-    throw RuntimeError(ErrorCode::PathFileAccess,
-                       path + QStringLiteral(": the workbook came out incomplete (") + what +
-                           QStringLiteral("); the temporary folder may be full or a file-size "
-                                          "limit reached"));
-}
-
-struct Part {
-    QString name;
-    quint16 method = 0;
-    quint32 crc = 0;
-    quint32 packed = 0;
-    quint32 size = 0;
-    quint32 local = 0;
-};
-
-// Inflates (or copies) one part, feeding its bytes to consume; checks its
-// length and checksum.
-void ReadPart(const uchar* base, qint64 fileSize, const Part& part, const QString& path,
-              const std::function<void(const char*, qsizetype)>& consume) {
-    if (qint64(part.local) + 30 > fileSize || Le32(base + part.local) != 0x04034b50)
-        Incomplete(path, part.name + QStringLiteral(": no local header"));
-    const uchar* local = base + part.local;
-    const qint64 start = qint64(part.local) + 30 + Le16(local + 26) + Le16(local + 28);
-    if (start + qint64(part.packed) > fileSize)
-        Incomplete(path, part.name + QStringLiteral(": cut short"));
-    const uchar* data = base + start;
-    uLong crc = crc32(0, nullptr, 0);
-    qint64 total = 0;
-    if (part.method == 0) {
-        crc = crc32(crc, data, part.packed);
-        consume(reinterpret_cast<const char*>(data), part.packed);
-        total = part.packed;
-    } else if (part.method == 8) {
-        z_stream z{};
-        if (inflateInit2(&z, -MAX_WBITS) != Z_OK) Incomplete(path, QStringLiteral("zlib"));
-        z.next_in = const_cast<uchar*>(data);
-        z.avail_in = part.packed;
-        std::vector<uchar> out(1 << 18);
-        int status = Z_OK;
-        while (status == Z_OK) {
-            z.next_out = out.data();
-            z.avail_out = uInt(out.size());
-            status = inflate(&z, Z_NO_FLUSH);
-            const qsizetype got = qsizetype(out.size() - z.avail_out);
-            crc = crc32(crc, out.data(), uInt(got));
-            total += got;
-            if (got > 0) consume(reinterpret_cast<const char*>(out.data()), got);
-            if (status == Z_BUF_ERROR && z.avail_in == 0) break;
-        }
-        const bool ended = status == Z_STREAM_END && z.avail_in == 0;
-        inflateEnd(&z);
-        if (!ended) Incomplete(path, part.name + QStringLiteral(": damaged data"));
-    } else {
-        Incomplete(path, part.name + QStringLiteral(": unknown method"));
-    }
-    if (total != qint64(part.size) || crc != part.crc)
-        Incomplete(path, part.name + QStringLiteral(": length or checksum differs"));
-}
-
-// The first and the last bytes of an XML part as they come: complete when
-// the text ends with the end tag of the element it began with (blanks aside).
-// Every complete part does; a part cut anywhere before that tag's last
-// character doesn't, and no checksum can make up for it.
-class XmlEnds {
-  public:
-    void Feed(const char* data, qsizetype n) {
-        if (head_.size() < kKept) head_.append(data, std::min<qsizetype>(n, kKept - head_.size()));
-        tail_.append(data, n);
-        if (tail_.size() > 2 * kKept) tail_.remove(0, tail_.size() - kKept);
-    }
-    bool Complete() const {
-        // The root's name: the first tag that is no declaration or comment.
-        qsizetype at = 0;
-        for (;;) {
-            at = head_.indexOf('<', at);
-            if (at < 0 || at + 1 >= head_.size()) return false;
-            const char next = head_[at + 1];
-            if (next != '?' && next != '!') break;
-            ++at;
-        }
-        qsizetype stop = at + 1;
-        while (stop < head_.size() && !std::strchr(" \t\r\n/>", head_[stop])) ++stop;
-        if (stop >= head_.size() || stop == at + 1) return false;
-        const QByteArray endTag = "</" + head_.mid(at + 1, stop - at - 1) + '>';
-        return tail_.trimmed().endsWith(endTag);
-    }
-
-  private:
-    static constexpr qsizetype kKept = 512;
-    QByteArray head_, tail_;
-};
-
 }  // namespace
 
-void CheckWorkbookFile(const QString& file, const QString& path) {
-    QFile f(file);
-    if (!f.open(QIODevice::ReadOnly)) Incomplete(path, f.errorString());
-    const qint64 size = f.size();
-    if (size < 22) Incomplete(path, QStringLiteral("no archive"));
-    const uchar* base = f.map(0, size);
-    if (!base) Incomplete(path, f.errorString());
+struct XlsxWriter::State {
+    explicit State(const QString& target) : path(target), out(target) {}
+    QString path;
+    StagedOutput out;  // refuses a target that can't be written
+    QByteArray tmpdir;
+    lxw_workbook* book = nullptr;
+    lxw_worksheet* ws = nullptr;
+    std::unique_ptr<Formats> formats;
+    int widthsSet = 0;
+    QByteArray utf8;
 
-    // The end record, behind at most a 64 KB comment.
-    qint64 end = -1;
-    for (qint64 at = size - 22; at >= 0 && at >= size - 22 - 65535; --at)
-        if (Le32(base + at) == 0x06054b50) {
-            end = at;
-            break;
-        }
-    if (end < 0) Incomplete(path, QStringLiteral("no end record"));
-    const quint16 count = Le16(base + end + 10);
-    const quint32 directorySize = Le32(base + end + 12), directory = Le32(base + end + 16);
-    if (qint64(directory) + directorySize > end) Incomplete(path, QStringLiteral("directory"));
-
-    std::vector<Part> parts;
-    qint64 at = directory;
-    for (int i = 0; i < count; ++i) {
-        if (at + 46 > end || Le32(base + at) != 0x02014b50)
-            Incomplete(path, QStringLiteral("directory entry %1").arg(i));
-        const uchar* e = base + at;
-        Part part;
-        part.method = Le16(e + 10);
-        part.crc = Le32(e + 16);
-        part.packed = Le32(e + 20);
-        part.size = Le32(e + 24);
-        part.local = Le32(e + 42);
-        const quint16 nameLength = Le16(e + 28);
-        if (at + 46 + nameLength > end) Incomplete(path, QStringLiteral("directory"));
-        part.name = QString::fromUtf8(reinterpret_cast<const char*>(e + 46), nameLength);
-        parts.push_back(part);
-        at += 46 + nameLength + Le16(e + 30) + Le16(e + 32);
+    // Column widths as the sheet has them so far; the header sets them.
+    void SetWidths(const SheetModel& sheet) {
+        for (int c = widthsSet + 1; c <= sheet.ColCount(); ++c)
+            if (const double w = sheet.ColumnWidth(c); w > 0) {
+                worksheet_set_column(ws, lxw_col_t(c - 1), lxw_col_t(c - 1), w, nullptr);
+                widthsSet = c;
+            }
     }
+};
 
-    bool sheet = false, types = false, workbook = false;
-    for (const Part& part : parts) {
-        sheet = sheet || part.name.startsWith(QLatin1String("xl/worksheets/sheet"));
-        types = types || part.name == QLatin1String("[Content_Types].xml");
-        workbook = workbook || part.name == QLatin1String("xl/workbook.xml");
-        const bool xml =
-            part.name.endsWith(QLatin1String(".xml")) || part.name.endsWith(QLatin1String(".rels"));
-        if (!xml) {
-            ReadPart(base, size, part, path, [](const char*, qsizetype) {});
-            continue;
-        }
-        XmlEnds ends;
-        ReadPart(base, size, part, path,
-                 [&ends](const char* data, qsizetype n) { ends.Feed(data, n); });
-        if (!ends.Complete()) Incomplete(path, part.name + QStringLiteral(": cut short"));
-    }
-    if (!sheet || !types || !workbook) Incomplete(path, QStringLiteral("parts missing"));
-}
-
-void WriteXlsx(const SheetModel& sheet, const QString& path) {
-    // Refuses a read-only file, a folder or a missing folder before writing.
-    StagedOutput out(path);
-    const QByteArray tempName = QFile::encodeName(out.StagingPath());
+XlsxWriter::XlsxWriter(const QString& path) : d_(std::make_unique<State>(path)) {
+    const QByteArray tempName = QFile::encodeName(d_->out.StagingPath());
     // The library's temporary parts go where the system's temporary files go.
-    QByteArray tmpdir = QFile::encodeName(QDir::tempPath());
-
+    d_->tmpdir = QFile::encodeName(QDir::tempPath());
     lxw_workbook_options options{};
     options.constant_memory = LXW_TRUE;
     // (The library's default, tmpfile(3), ignores $TMPDIR.)
-    if (QDir(QDir::tempPath()).exists()) options.tmpdir = tmpdir.data();
-    lxw_workbook* book = workbook_new_opt(tempName.constData(), &options);
-    if (!book) throw RuntimeError(ErrorCode::PathFileAccess, path);
+    if (QDir(QDir::tempPath()).exists()) options.tmpdir = d_->tmpdir.data();
+    d_->book = workbook_new_opt(tempName.constData(), &options);
+    if (!d_->book) throw RuntimeError(ErrorCode::PathFileAccess, path);
     // SOURCE_DATE_EPOCH, where set, fixes the creation time, so that the same
     // statement gives the same bytes (batch runs compared with single ones).
     bool epochSet = false;
@@ -328,19 +126,95 @@ void WriteXlsx(const SheetModel& sheet, const QString& path) {
     if (epochSet) {
         lxw_doc_properties properties{};
         properties.created = time_t(epoch);
-        workbook_set_properties(book, &properties);
+        workbook_set_properties(d_->book, &properties);
     }
-    lxw_worksheet* ws = workbook_add_worksheet(book, nullptr);
-    try {
-        WriteSheet(book, ws, sheet);
-    } catch (...) {
-        workbook_close(book);
-        throw;  // out removes the temporary file
+    d_->ws = workbook_add_worksheet(d_->book, nullptr);
+}
+
+XlsxWriter::~XlsxWriter() {
+    // Unclosed: the library lets go of its parts; out removes the temporary file.
+    if (d_->book) workbook_close(d_->book);
+}
+
+void XlsxWriter::WriteRow(const SheetModel& sheet, int r) {
+    State& d = *d_;
+    if (!d.formats) d.formats = std::make_unique<Formats>(d.book, sheet);
+    d.SetWidths(sheet);
+    Formats& formats = *d.formats;
+    lxw_worksheet* ws = d.ws;
+    const lxw_row_t row = lxw_row_t(r - 1);
+
+    // The merges over this row. One is declared when its last row comes up,
+    // its top-left value having been written already; its other cells are blank.
+    std::vector<SheetModel::Area> over, ending;
+    for (const auto& m : sheet.Merges()) {
+        if (m.top <= r && r <= m.bottom) over.push_back(m);
+        if (m.bottom == r) ending.push_back(m);
     }
+    if (!ending.empty()) {
+        // Step onto this row first, so that the earlier rows are closed
+        // and keep the values already written there.
+        const auto& m = ending.front();
+        lxw_format* f = formats.For(sheet.StyleIndexAt(r, m.left), false);
+        worksheet_write_blank(ws, row, lxw_col_t(m.left - 1), f ? f : formats.Plain());
+    }
+    for (const auto& m : ending) {
+        // Writes to earlier rows are refused in this mode and the blanks of
+        // this row are overwritten below; only the declaration counts.
+        worksheet_merge_range(ws, lxw_row_t(m.top - 1), lxw_col_t(m.left - 1),
+                              lxw_row_t(m.bottom - 1), lxw_col_t(m.right - 1), "",
+                              formats.For(sheet.StyleIndexAt(m.top, m.left), false));
+    }
+    const auto hidden = [&over, r](int c) {
+        for (const auto& m : over)
+            if (m.left <= c && c <= m.right && (r != m.top || c != m.left)) return true;
+        return false;
+    };
+
+    const int used = sheet.UsedCols(r);
+    for (int c = 1; c <= used; ++c) {
+        const lxw_col_t col = lxw_col_t(c - 1);
+        const int style = sheet.StyleIndexAt(r, c);
+        const SheetModel::Value v = sheet.ValueAt(r, c);
+        lxw_format* f = formats.For(style, v.type == SheetModel::ValueType::Date);
+        lxw_error e = LXW_NO_ERROR;
+        if ((!over.empty() && hidden(c)) || v.type == SheetModel::ValueType::Empty ||
+            (v.type == SheetModel::ValueType::Text && v.text.isEmpty())) {
+            if (f) e = worksheet_write_blank(ws, row, col, f);
+        } else if (v.type == SheetModel::ValueType::Text) {
+            d.utf8 = v.text.toUtf8();
+            e = worksheet_write_string(ws, row, col, d.utf8.constData(), f);
+        } else {
+            e = worksheet_write_number(ws, row, col, v.number, f);
+        }
+        if (e != LXW_NO_ERROR) Fail(e, QStringLiteral("cell %1,%2").arg(r).arg(c));
+    }
+}
+
+void XlsxWriter::Close(const SheetModel& sheet) {
+    State& d = *d_;
+    d.SetWidths(sheet);
+    lxw_workbook* book = std::exchange(d.book, nullptr);
     const lxw_error closed = workbook_close(book);
-    if (closed != LXW_NO_ERROR) Fail(closed, path);
-    CheckWorkbookFile(out.StagingPath(), path);
-    out.Commit();
+    if (closed != LXW_NO_ERROR) Fail(closed, d.path);
+    CheckWorkbookFile(d.out.StagingPath(), d.path);
+    d.out.Commit();
+}
+
+void WriteXlsx(const SheetModel& sheet, const QString& path) {
+    XlsxWriter writer(path);
+    for (int r = 1; r <= sheet.RowCount(); ++r) writer.WriteRow(sheet, r);
+    writer.Close(sheet);
+}
+
+void StreamXlsx(const QString& path, const std::function<void(SheetModel&)>& compose,
+                const std::function<void()>& beforeClose) {
+    XlsxWriter writer(path);
+    SheetModel sheet(&writer);
+    compose(sheet);
+    sheet.Complete();
+    if (beforeClose) beforeClose();
+    writer.Close(sheet);
 }
 
 }  // namespace yunqi

@@ -1,25 +1,47 @@
 #pragma once
 
 #include <QString>
+#include <functional>
+#include <memory>
 
 #include "frame/SheetModel.h"
 
 namespace yunqi {
 
-// Writes the sheet as an .xlsx workbook in one pass, row by row, formats
-// shared between cells of one style. A read-only file, a folder or a missing
-// folder is refused before anything is written. The workbook is written
-// beside the target under a temporary name, read back with
-// CheckWorkbookFile, and renamed over the target only then; a device or FIFO
-// is written in place (see OutputFile). A failure leaves an existing file as
-// it was and no partial file. Throws RuntimeError (75 with the path and the
-// reason; 76 for a missing folder).
+// An .xlsx workbook of one sheet, written row by row as the sheet model
+// completes its rows (the library's constant-memory mode: strings inline,
+// each row once, in order). Formats are shared between cells of one style.
+//
+// A read-only file, a folder or a missing folder is refused when the writer
+// is made, before any work. The workbook goes beside the target under a
+// temporary name, is read back with CheckWorkbookFile on Close(), and only
+// then renamed over the target; a device or FIFO is written in place (see
+// OutputFile). Without Close(), or on a failure, an existing file stays as it
+// was and no partial file is left. Throws RuntimeError (75 with the path and
+// the reason; 76 for a missing folder).
+class XlsxWriter : public SheetModel::RowSink {
+  public:
+    explicit XlsxWriter(const QString& path);
+    ~XlsxWriter() override;
+    XlsxWriter(const XlsxWriter&) = delete;
+    XlsxWriter& operator=(const XlsxWriter&) = delete;
+
+    void WriteRow(const SheetModel& sheet, int row) override;
+    // The sheet's rows must all be complete.
+    void Close(const SheetModel& sheet);
+
+  private:
+    struct State;
+    std::unique_ptr<State> d_;
+};
+
+// A sheet kept whole (every row readable), written at once.
 void WriteXlsx(const SheetModel& sheet, const QString& path);
 
-// Reads back the archive at file: every part inflated against its recorded
-// length and checksum, every XML part ending with the end tag of its root,
-// the workbook, content types and a worksheet present. Throws RuntimeError
-// 75 naming path (the target the file stands for) and the first bad part.
-void CheckWorkbookFile(const QString& file, const QString& path);
+// The sheet that compose writes, streamed to path as its rows complete;
+// beforeClose, when given, runs once the last row is written and may still
+// throw to leave the target as it was.
+void StreamXlsx(const QString& path, const std::function<void(SheetModel&)>& compose,
+                const std::function<void()>& beforeClose = {});
 
 }  // namespace yunqi

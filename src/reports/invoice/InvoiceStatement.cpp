@@ -184,27 +184,24 @@ bool InvoiceStatement::RunStatistics(const StatementConditions& k, const FlexGri
     return true;
 }
 
-void InvoiceStatement::ShowPage(FlexGrid& grid, int page, int pageSize,
-                                const TextMeasure& measure) const {
-    Pager::FillPage(grid, page, pageSize, rows_.UpperBound(), [&](int g, int r) {
-        grid.SetColAlignment(0, FlexGrid::AlignCenterCenter);
-        const QString& date = rows_.DateText(r);
-        if (date.isEmpty() || date == QStringLiteral("其中")) {
-            const int n = feeColumnCount_;
-            grid.SetColAlignment(1, FlexGrid::AlignCenterCenter);
-            grid.SetTextMatrix(g, 1, date);
-            grid.SetTextMatrix(g, 6 + n, Format0_00(rows_.RowTotal(r)));
-            grid.SetTextMatrix(g, 7 + n, rows_.PayMethod(r));
-            return;
-        }
-        for (int c = 1; c <= 5; ++c) grid.SetColAlignment(c, FlexGrid::AlignCenterCenter);
-        grid.SetTextMatrix(g, 1, date);
-        grid.SetTextMatrix(g, 2, rows_.SpecialNo(r));
-        grid.SetTextMatrix(g, 3, rows_.OrdinaryNo(r));
-        grid.SetTextMatrix(g, 4, rows_.ElectronicNo(r));
-        grid.SetTextMatrix(g, 5, rows_.ReceiptNo(r));
-        DetailPage::WriteMoneyAndPayer(grid, g, rows_, r, 5, measure);
-    });
+void InvoiceStatement::WriteRow(GridRow& row, int r, const TextMeasure& measure) const {
+    row.SetColAlignment(0, FlexGrid::AlignCenterCenter);
+    const QString& date = rows_.DateText(r);
+    if (date.isEmpty() || date == QStringLiteral("其中")) {
+        const int n = feeColumnCount_;
+        row.SetColAlignment(1, FlexGrid::AlignCenterCenter);
+        row.SetText(1, date);
+        row.SetText(6 + n, Format0_00(rows_.RowTotal(r)));
+        row.SetText(7 + n, rows_.PayMethod(r));
+        return;
+    }
+    for (int c = 1; c <= 5; ++c) row.SetColAlignment(c, FlexGrid::AlignCenterCenter);
+    row.SetText(1, date);
+    row.SetText(2, rows_.SpecialNo(r));
+    row.SetText(3, rows_.OrdinaryNo(r));
+    row.SetText(4, rows_.ElectronicNo(r));
+    row.SetText(5, rows_.ReceiptNo(r));
+    DetailPage::WriteMoneyAndPayer(row, rows_, r, 5, measure);
 }
 
 void InvoiceStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,

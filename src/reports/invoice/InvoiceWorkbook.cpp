@@ -25,6 +25,11 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
     const int u = rows.UpperBound();
 
     WorkbookParts::WriteTicketHeader(sheet, in, statement.HeaderPlan(), statement.FeeItems());
+    // The money band's format and the table's fonts and borders, taken by each row as it completes.
+    auto money = sheet.Finally(6, 7, u + 5, n + 7);
+    money.SetNumberFormat(QStringLiteral("#0.00"));
+    money.SetHorizontalAlignment(SheetModel::kAlignRight);
+    WorkbookParts::FinishTable(sheet, u + 5, c);
     steps.HeaderWritten();
 
     for (int r = 1; r <= u; ++r) {
@@ -58,10 +63,6 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
         }
     }
 
-    auto money = sheet.RangeOf(6, 7, u + 5, n + 7);
-    money.SetNumberFormat(QStringLiteral("#0.00"));
-    money.SetHorizontalAlignment(SheetModel::kAlignRight);
-    WorkbookParts::FinishTable(sheet, u + 5, c);
     WorkbookParts::WriteSignatureLine(
         sheet, u + 6,
         {{2, QStringLiteral("收款人:")}, {7, QStringLiteral("经理:")}, {13, QStringLiteral("缴款人:")}});

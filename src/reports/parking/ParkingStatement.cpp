@@ -174,28 +174,24 @@ bool ParkingStatement::IsSummaryRow(int r) const {
     return range.isEmpty() || range == kOf || range == kTotal;
 }
 
-void ParkingStatement::ShowPage(FlexGrid& grid, int page, int pageSize,
-                                const TextMeasure&) const {
+void ParkingStatement::WriteRow(GridRow& row, int r, const TextMeasure&) const {
     const int n = feeColumnCount_;
-    Pager::FillPage(grid, page, pageSize, rows_.UpperBound(), [&](int g, int r) {
-        grid.SetColAlignment(0, FlexGrid::AlignCenterCenter);
-        if (IsSummaryRow(r)) {
-            // Amounts stay off the summary rows; the method stands right-aligned
-            // beside the total.
-            grid.SetColAlignment(1, FlexGrid::AlignCenterCenter);
-            grid.SetTextMatrix(g, 1, rows_.TicketNo(r));
-            grid.SetCol(n + 2);
-            grid.SetText(rows_.PayMethod(r));
-            grid.SetCellAlignment(FlexGrid::AlignRightCenter);
-            grid.SetTextMatrix(g, n + 3, Format0_00(rows_.RowTotal(r)));
-            return;
-        }
-        const int col = rows_.TicketKind(r) == kPaper ? 1 : 2;
-        grid.SetColAlignment(col, FlexGrid::AlignCenterCenter);
-        grid.SetTextMatrix(g, col, rows_.TicketNo(r));
-        for (int j = 1; j <= n; ++j) grid.SetTextMatrix(g, j + 2, Format0_00(rows_.FeeAmount(r, j)));
-        grid.SetTextMatrix(g, n + 3, Format0_00(rows_.RowTotal(r)));
-    });
+    row.SetColAlignment(0, FlexGrid::AlignCenterCenter);
+    if (IsSummaryRow(r)) {
+        // Amounts stay off the summary rows; the method stands right-aligned
+        // beside the total.
+        row.SetColAlignment(1, FlexGrid::AlignCenterCenter);
+        row.SetText(1, rows_.TicketNo(r));
+        row.SetText(n + 2, rows_.PayMethod(r));
+        row.SetCellAlignment(n + 2, FlexGrid::AlignRightCenter);
+        row.SetText(n + 3, Format0_00(rows_.RowTotal(r)));
+        return;
+    }
+    const int col = rows_.TicketKind(r) == kPaper ? 1 : 2;
+    row.SetColAlignment(col, FlexGrid::AlignCenterCenter);
+    row.SetText(col, rows_.TicketNo(r));
+    for (int j = 1; j <= n; ++j) row.SetText(j + 2, Format0_00(rows_.FeeAmount(r, j)));
+    row.SetText(n + 3, Format0_00(rows_.RowTotal(r)));
 }
 
 }  // namespace yunqi

@@ -26,8 +26,7 @@ class ParkingStatement : public TicketStatement {
     // More than 32,767 rows: Overflow, as the closing loops count in 16 bits.
     bool RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
                        int pageSize) override;
-    void ShowPage(FlexGrid& grid1, int page, int pageSize,
-                  const TextMeasure& measure) const override;
+    void WriteRow(GridRow& row, int r, const TextMeasure& measure) const override;
     // In ParkingWorkbook.cpp.
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;

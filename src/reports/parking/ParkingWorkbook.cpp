@@ -11,10 +11,16 @@ void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& s
     WorkbookParts::WriteTicketHeader(sheet, in, plan_, feeItems_);
     const int c = in.grid1.Cols();
 
-    steps.HeaderWritten();
-
     const int n = feeColumnCount_;
     const int u = rows_.UpperBound();
+    // The money band's format and the table's fonts and borders, taken by each row as it completes.
+    auto money = sheet.Finally(6, 4, u + 5, c);
+    money.SetNumberFormat(QStringLiteral("#0.00"));
+    money.SetHorizontalAlignment(SheetModel::kAlignRight);
+    // The signature row takes the body's font but no borders.
+    WorkbookParts::FinishTable(sheet, u + 5, c, u + 6);
+
+    steps.HeaderWritten();
     for (int r = 1; r <= u; ++r) {
         const int s = WorkbookParts::StartRecordRow(sheet, steps, r);
         if (IsSummaryRow(r)) {
@@ -39,11 +45,6 @@ void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& s
         sheet.Cells(s, c).SetValue(ValueRules::Format0_00(rows_.RowTotal(r)));
     }
 
-    auto money = sheet.RangeOf(6, 4, u + 5, c);
-    money.SetNumberFormat(QStringLiteral("#0.00"));
-    money.SetHorizontalAlignment(SheetModel::kAlignRight);
-    // The signature row takes the body's font but no borders.
-    WorkbookParts::FinishTable(sheet, u + 5, c, u + 6);
     WorkbookParts::WriteSignatureLine(sheet, u + 6,
                                       {{1, QStringLiteral("收款人:")},
                                        {2, QStringLiteral("经理:"), SheetModel::kAlignCenter},

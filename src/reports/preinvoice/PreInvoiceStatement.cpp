@@ -171,15 +171,12 @@ bool PreInvoiceStatement::Compute(const StatementConditions& k, const FlexGrid& 
     return true;
 }
 
-void PreInvoiceStatement::ShowPage(FlexGrid& grid, int page, int pageSize,
-                                   const TextMeasure& measure) const {
-    Pager::FillPage(grid, page, pageSize, rows_.UpperBound(), [&](int g, int r) {
-        for (int c = 1; c <= 3; ++c) grid.SetColAlignment(c, FlexGrid::AlignCenterCenter);
-        grid.SetTextMatrix(g, 1, rows_.DateText(r));
-        grid.SetTextMatrix(g, 2, rows_.SpecialNo(r));
-        grid.SetTextMatrix(g, 3, rows_.OrdinaryNo(r));
-        DetailPage::WriteMoneyAndPayer(grid, g, rows_, r, 3, measure);
-    });
+void PreInvoiceStatement::WriteRow(GridRow& row, int r, const TextMeasure& measure) const {
+    for (int c = 1; c <= 3; ++c) row.SetColAlignment(c, FlexGrid::AlignCenterCenter);
+    row.SetText(1, rows_.DateText(r));
+    row.SetText(2, rows_.SpecialNo(r));
+    row.SetText(3, rows_.OrdinaryNo(r));
+    DetailPage::WriteMoneyAndPayer(row, rows_, r, 3, measure);
 }
 
 void PreInvoiceStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,

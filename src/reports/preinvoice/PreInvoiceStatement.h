@@ -18,8 +18,7 @@ class PreInvoiceStatement : public TicketStatement {
                          FlexGrid& grid1) override;
     bool RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
                        int pageSize) override;
-    void ShowPage(FlexGrid& grid1, int page, int pageSize,
-                  const TextMeasure& measure) const override;
+    void WriteRow(GridRow& row, int r, const TextMeasure& measure) const override;
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;
 

@@ -16,6 +16,13 @@ void WritePreInvoiceSheet(const PreInvoiceStatement& statement, SheetModel& shee
     const int u = rows.UpperBound();
 
     WorkbookParts::WriteTicketHeader(sheet, in, statement.HeaderPlan(), statement.FeeItems());
+    // The money band's format and the table's fonts and borders, taken by each row as it completes.
+    auto money = sheet.Finally(6, 5, u + 5, n + 5);
+    money.SetNumberFormat(QStringLiteral("#0.00"));
+    money.SetHorizontalAlignment(SheetModel::kAlignRight);
+    WorkbookParts::FinishTable(sheet, u + 5, c);
+    // The total row is coloured only once the table stands.
+    sheet.Finally(u + 5, 1, u + 5, c).SetInteriorColor(kLightBlue);
     steps.HeaderWritten();
 
     for (int r = 1; r <= u; ++r) {
@@ -37,12 +44,6 @@ void WritePreInvoiceSheet(const PreInvoiceStatement& statement, SheetModel& shee
         sheet.SetRowWrapText(s, true);
     }
 
-    auto money = sheet.RangeOf(6, 5, u + 5, n + 5);
-    money.SetNumberFormat(QStringLiteral("#0.00"));
-    money.SetHorizontalAlignment(SheetModel::kAlignRight);
-    WorkbookParts::FinishTable(sheet, u + 5, c);
-    // The total row is coloured only once the table stands.
-    sheet.RangeOf(u + 5, 1, u + 5, c).SetInteriorColor(kLightBlue);
     WorkbookParts::WriteSignatureLine(
         sheet, u + 6,
         {{2, QStringLiteral("收款人:")}, {7, QStringLiteral("经理:")}, {13, QStringLiteral("缴款人:")}});

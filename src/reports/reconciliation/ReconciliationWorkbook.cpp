@@ -28,9 +28,19 @@ void WriteReconciliationSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps
     sheet.RangeOf(4, 9, 4, n + 9).SetMergeCells(true);
     sheet.RangeOf(4, c, 5, c).SetMergeCells(true);
     sheet.RangeOf(4, 1, 5, c).SetInteriorColor(WorkbookParts::kLightBlue);
+    // The money band's format and the table's fonts and borders, taken by each row as it completes.
+    auto money = sheet.Finally(6, 4, rows + 4, c - 1);
+    money.SetNumberFormat(QStringLiteral("#0.00"));
+    money.SetHorizontalAlignment(SheetModel::kAlignRight);
+    // The borders stop above the note line; its font is the table's.
+    WorkbookParts::FinishTable(sheet, rows + 3, c);
+    auto note = sheet.Finally(rows + 4, 1, rows + 4, c);
+    note.SetFontName(QStringLiteral("微软雅黑"));
+    note.SetFontSize(9);
 
     for (int r = 2; r < rows; ++r) {
         steps.Row(r - 1);
+        sheet.CompleteRowsThrough(r + 3);
         const bool closing = grid.TextMatrix(r, 1) == QStringLiteral("合计") ||
                              grid.TextMatrix(r, 2) == QStringLiteral("小计");
         // The last grid column, 备注, is never written.
@@ -52,14 +62,6 @@ void WriteReconciliationSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps
         }
     }
 
-    auto money = sheet.RangeOf(6, 4, rows + 4, c - 1);
-    money.SetNumberFormat(QStringLiteral("#0.00"));
-    money.SetHorizontalAlignment(SheetModel::kAlignRight);
-    // The borders stop above the note line; its font is the table's.
-    WorkbookParts::FinishTable(sheet, rows + 3, c);
-    auto note = sheet.RangeOf(rows + 4, 1, rows + 4, c);
-    note.SetFontName(QStringLiteral("微软雅黑"));
-    note.SetFontSize(9);
 
     // A fixed line: it states the rule, the 差额 column shows the outcome.
     sheet.Cells(rows + 4, 2)

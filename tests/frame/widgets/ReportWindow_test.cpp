@@ -55,6 +55,9 @@ class WatchedStatement : public PagedStatement {
         inner_->ShowPage(g, page, size, m);
         if (hooks_.onShowPage) hooks_.onShowPage();
     }
+    void WriteRow(GridRow& row, int r, const TextMeasure& m) const override {
+        inner_->WriteRow(row, r, m);
+    }
     void WriteSheet(SheetModel& s, ExportFrame::ExportSteps& st,
                     const WorkbookContext& c) const override {
         inner_->WriteSheet(s, st, c);

@@ -12,6 +12,7 @@
 #include <cstdio>
 
 #include "core/RuntimeError.h"
+#include "frame/xlsx/WorkbookCheck.h"
 #include "frame/xlsx/XlsxWriter.h"
 
 using namespace yunqi;
