@@ -24,8 +24,6 @@ struct DetailHeaderPlan {
     // The default header's second pass puts the second trailing column's
     // width on the first one.
     bool initWidthOnTotal = false;
-
-    int TrailingStart(int feeColumnCount) const { return int(leading.size()) + feeColumnCount; }
 };
 
 namespace DetailHeader {

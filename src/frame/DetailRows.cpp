@@ -29,15 +29,4 @@ const QString& DetailRows::NumberIf(int r, Kind k) const {
     return kind_[r] == k ? ticketNo_[r] : kEmpty;
 }
 
-void DetailRows::Reserve(int rows) {
-    dateText_.reserve(rows);
-    ticketNo_.reserve(rows);
-    payMethod_.reserve(rows);
-    payer_.reserve(rows);
-    kind_.reserve(rows);
-    flags_.reserve(rows);
-    rowTotal_.reserve(rows);
-    fees_.reserve(std::size_t(rows) * feeColumns_);
-}
-
 }  // namespace yunqi

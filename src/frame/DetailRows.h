@@ -51,8 +51,6 @@ public:
         flags_[r] = (voided ? kVoided : 0) | (replaced ? kReplaced : 0);
     }
 
-    void Reserve(int rows);
-
 private:
     static constexpr std::uint8_t kVoided = 1, kReplaced = 2;
     std::size_t Offset(int r, int j) const { return std::size_t(r) * feeColumns_ + (j - 1); }

@@ -16,37 +16,11 @@ FeeItemList ReadFeeItems(Recordset& rs);
 // The same, appended to items one by one, so that a failing fetch leaves the
 // items read before it.
 void ReadFeeItems(Recordset& rs, FeeItemList& items);
-// Runs an extraction statement and fills the split-ratio grid with the
-// default percentages of its parking items.
-FeeItemList LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2);
-// The same into items, emptied to element 0 once the statement is open and
-// filled one item at a time: after a failure it holds the items read before
-// it, and the split-ratio grid is untouched.
+// Runs an extraction statement into items, emptied to element 0 once the
+// statement is open and filled one item at a time: after a failure it holds
+// the items read before it, and the split-ratio grid is untouched; else the
+// grid takes the default percentages of its parking items.
 void LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2,
                   FeeItemList& items);
-// The money columns of the main statement, from position 10 or 11 on:
-// " ,Bi.name , Bi.tax" for an ordinary item, and for a parking item, per
-// matching row of the split-ratio grid, " ,Bi.nameKFS ,Bi.nameWY , Bi.tax".
-QString FeeColumnsSelect(const FeeItemList& items, const FlexGrid& grid2);
-// The extraction's select over the tickets, their lines, stock-in notes and
-// item settings, up to its Where.
-QString FeeItemSelect();
-
-// Pieces of the derived tables that sum or list an item's lines per ticket.
-// 金额 less 税额 of a line, a Null tax counting as 0.
-QString NetAmountSql();
-// " From 票据开票数据" joined to its ticket and the ticket's stock-in note.
-QString FeeLinesFrom();
-// " And 收费项目代号 in (code) And 开票部门编号 ='dept'".
-QString ItemLinesOf(const FeeItem& item, const QString& deptCode);
-// " LEFT Join (sub[i]) Bi On 票据.票据编号 = Bi.票据编号" for items 1 on; byNote
-// adds " And 票据.入库单编号 = Bi.入库单编号".
-QString JoinDerivedTables(const std::vector<QString>& sub, bool byNote);
-
-// The name without the characters a bare SQL alias can't hold: ( ) ） （ %.
-QString AliasSafeName(QString name);
-// "A Is Not Null Or B Is Not Null ...": a parking item is tested by its KFS
-// column; the names stand bare.
-QString PresenceCondition(const FeeItemList& items);
 
 }  // namespace yunqi

@@ -1,6 +1,7 @@
 #include "frame/FeeSubQuery.h"
 
 #include "frame/FeeItemReader.h"
+#include "frame/FeeSql.h"
 #include "frame/SplitRatios.h"
 
 namespace yunqi {

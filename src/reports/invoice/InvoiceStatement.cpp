@@ -4,6 +4,7 @@
 #include "frame/DetailPage.h"
 #include "frame/FeeColumnReader.h"
 #include "frame/FeeItemReader.h"
+#include "frame/FeeSql.h"
 #include "frame/FeeSubQuery.h"
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"

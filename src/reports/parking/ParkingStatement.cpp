@@ -3,8 +3,10 @@
 #include "core/MessageForms.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
+#include "reports/parking/ParkingWorkbook.h"
 #include "frame/FeeColumnReader.h"
 #include "frame/FeeItemReader.h"
+#include "frame/FeeSql.h"
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
 #include "frame/StatementTotals.h"
@@ -192,6 +194,11 @@ void ParkingStatement::WriteRow(GridRow& row, int r, const TextMeasure&) const {
     row.SetText(col, rows_.TicketNo(r));
     for (int j = 1; j <= n; ++j) row.SetText(j + 2, Format0_00(rows_.FeeAmount(r, j)));
     row.SetText(n + 3, Format0_00(rows_.RowTotal(r)));
+}
+
+void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                                  const WorkbookContext& context) const {
+    WriteParkingSheet(*this, sheet, steps, context);
 }
 
 }  // namespace yunqi

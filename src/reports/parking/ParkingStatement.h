@@ -27,7 +27,6 @@ class ParkingStatement : public TicketStatement {
     bool RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
                        int pageSize) override;
     void WriteRow(GridRow& row, int r, const TextMeasure& measure) const override;
-    // In ParkingWorkbook.cpp.
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;
 
@@ -35,7 +34,6 @@ class ParkingStatement : public TicketStatement {
     static QString FeeItemSql(const StatementConditions& conditions);
     QString StatisticsSql(const StatementConditions& conditions, const FlexGrid& grid2) const;
 
-  private:
     // A row of totals: "合计", "其中" or a further breakdown row.
     bool IsSummaryRow(int r) const;
 };

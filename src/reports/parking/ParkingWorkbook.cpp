@@ -1,18 +1,20 @@
+#include "reports/parking/ParkingWorkbook.h"
+
 #include "core/ValueRules.h"
 #include "frame/WorkbookParts.h"
 #include "reports/parking/ParkingStatement.h"
 
 namespace yunqi {
 
-// The whole statement, all pages, on one sheet: title block, the grid's two
-// header rows, every record, the signature line.
-void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
-                                  const WorkbookContext& in) const {
-    WorkbookParts::WriteTicketHeader(sheet, in, plan_, feeItems_);
+void WriteParkingSheet(const ParkingStatement& statement, SheetModel& sheet,
+                       ExportFrame::ExportSteps& steps, const WorkbookContext& in) {
+    constexpr auto kPaper = ParkingStatement::kPaper;
+    const DetailRows& rows = statement.Rows();
+    WorkbookParts::WriteTicketHeader(sheet, in, statement.HeaderPlan(), statement.FeeItems());
     const int c = in.grid1.Cols();
 
-    const int n = feeColumnCount_;
-    const int u = rows_.UpperBound();
+    const int n = statement.FeeColumnCount();
+    const int u = rows.UpperBound();
     // The money band's format and the table's fonts and borders, taken by each row as it completes.
     auto money = sheet.Finally(6, 4, u + 5, c);
     money.SetNumberFormat(QStringLiteral("#0.00"));
@@ -23,26 +25,26 @@ void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& s
     steps.HeaderWritten();
     for (int r = 1; r <= u; ++r) {
         const int s = WorkbookParts::StartRecordRow(sheet, steps, r);
-        if (IsSummaryRow(r)) {
+        if (statement.IsSummaryRow(r)) {
             auto label = sheet.Cells(s, 2);
-            label.SetValue(rows_.TicketNo(r));
+            label.SetValue(rows.TicketNo(r));
             label.SetHorizontalAlignment(SheetModel::kAlignCenter);
             auto method = sheet.Cells(s, c - 1);
-            method.SetValue(rows_.PayMethod(r));
+            method.SetValue(rows.PayMethod(r));
             method.SetHorizontalAlignment(SheetModel::kAlignRight);
             auto total = sheet.Cells(s, c);
-            total.SetValue(rows_.RowTotal(r));
+            total.SetValue(rows.RowTotal(r));
             total.SetHorizontalAlignment(SheetModel::kAlignRight);
             sheet.RangeOf(s, 1, s, c).SetInteriorColor(WorkbookParts::kLightBlue);
             continue;
         }
-        auto range = sheet.Cells(s, rows_.TicketKind(r) == kPaper ? 2 : 3);
+        auto range = sheet.Cells(s, rows.TicketKind(r) == kPaper ? 2 : 3);
         // The apostrophe keeps the numbers as text.
-        range.SetValue(QLatin1Char('\'') + rows_.TicketNo(r));
+        range.SetValue(QLatin1Char('\'') + rows.TicketNo(r));
         range.SetHorizontalAlignment(SheetModel::kAlignCenter);
         for (int j = 1; j <= n; ++j)
-            sheet.Cells(s, j + 3).SetValue(ValueRules::Format0_00(rows_.FeeAmount(r, j)));
-        sheet.Cells(s, c).SetValue(ValueRules::Format0_00(rows_.RowTotal(r)));
+            sheet.Cells(s, j + 3).SetValue(ValueRules::Format0_00(rows.FeeAmount(r, j)));
+        sheet.Cells(s, c).SetValue(ValueRules::Format0_00(rows.RowTotal(r)));
     }
 
     WorkbookParts::WriteSignatureLine(sheet, u + 6,

@@ -7,6 +7,7 @@
 #include "core/ValueRules.h"
 #include "frame/Conditions.h"
 #include "frame/FeeItemReader.h"
+#include "frame/FeeSql.h"
 #include "reports/reconciliation/ReconciliationWorkbook.h"
 
 namespace yunqi {
