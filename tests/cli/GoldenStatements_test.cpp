@@ -10,7 +10,7 @@
 using namespace yunqi;
 
 // The SQL texts each statement sends and the CSV it writes, for one small
-// ledger, compared byte for byte with the files under tests/fixtures/golden.
+// ledger, compared byte for byte with the files under tests/fixtures/golden/<report>.
 // YUNQI_UPDATE_GOLDEN=1 rewrites the files instead (review the diff!).
 namespace {
 
@@ -86,8 +86,8 @@ TEST_P(GoldenStatements, SqlTextsAndCsvAreExact) {
                                "--csv", csv, "--sql-log", log}),
               0);
     const QString golden = QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/") + command;
-    Compare(log, golden + ".sql");
-    Compare(csv, golden + ".csv");
+    Compare(log, golden + "/statement.sql");
+    Compare(csv, golden + "/statement.csv");
     if (const QByteArray keep = qgetenv("YUNQI_KEEP_LEDGER"); !keep.isEmpty())
         QFile::copy(db.Path(), QString::fromUtf8(keep));
 }
