@@ -1,24 +1,29 @@
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include "cli/StatementCli.h"
+#include "support/GoldenText.h"
 #include "support/TestDatabase.h"
+#include "support/ZipParts.h"
 
 using namespace yunqi;
 
-// The SQL texts each statement sends and the CSV it writes, for one small
-// ledger, compared byte for byte with the files under tests/fixtures/golden.
+// What each statement writes for one small ledger: the SQL texts it sends
+// and the CSV byte for byte, and the workbook's sheet and styles, one element
+// a line, with the files under tests/fixtures/golden/<report>.
 // YUNQI_UPDATE_GOLDEN=1 rewrites the files instead (review the diff!).
 namespace {
 
 // Department D1 in March 2024: an ordinary item 01 and a parking item 07 at
 // 33.3 %; paid, pre-invoiced, paid-later, voided, receipt and two-line tickets.
+// Both items are set up for the tax device of D1's site, so the
+// reconciliation has rows at two rates.
 void FillLedger(TestDatabase& db) {
     db.Exec("INSERT INTO 职能部门new VALUES ('D1','一部',NULL)");
     db.Exec("INSERT INTO 设置管理处 VALUES ('D1','GY01','云栖苑')");
+    db.Exec("INSERT INTO 税控盘收费项目设置 VALUES ('01',0.06,'GY01'),('07',0.05,'GY01')");
     db.Exec(
         "INSERT INTO 票据类型 VALUES ('01','增值税专用发票',0),('02','增值税普通发票',0),"
         "('04','收据',0),('09','定额发票',1)");
@@ -54,44 +59,115 @@ void FillLedger(TestDatabase& db) {
     db.AddLine("S9", "0007", "01", 10, "NULL");
 }
 
+enum class Output { SqlLog, Csv, Workbook };
+
+struct GoldenCase {
+    const char* name;
+    const char* report;
+    Output output;
+};
+
+void PrintTo(const GoldenCase& c, std::ostream* os) { *os << c.name; }
+
+const GoldenCase kCases[] = {
+    {"InvoiceSqlLog", "invoice", Output::SqlLog},
+    {"InvoiceCsv", "invoice", Output::Csv},
+    {"InvoiceWorkbook", "invoice", Output::Workbook},
+    {"PreInvoiceSqlLog", "preinvoice", Output::SqlLog},
+    {"PreInvoiceCsv", "preinvoice", Output::Csv},
+    {"PreInvoiceWorkbook", "preinvoice", Output::Workbook},
+    {"ParkingSqlLog", "parking", Output::SqlLog},
+    {"ParkingCsv", "parking", Output::Csv},
+    {"ParkingWorkbook", "parking", Output::Workbook},
+    {"ReconciliationSqlLog", "reconciliation", Output::SqlLog},
+    {"ReconciliationCsv", "reconciliation", Output::Csv},
+    {"ReconciliationWorkbook", "reconciliation", Output::Workbook},
+};
+
+// Run as reproducible builds run. The library still takes 0 for "now" in
+// docProps/core.xml, which is why that part isn't compared.
+class FixedCreationTime {
+  public:
+    FixedCreationTime()
+        : old_(qgetenv("SOURCE_DATE_EPOCH")), had_(qEnvironmentVariableIsSet("SOURCE_DATE_EPOCH")) {
+        qputenv("SOURCE_DATE_EPOCH", "0");
+    }
+    ~FixedCreationTime() {
+        if (had_)
+            qputenv("SOURCE_DATE_EPOCH", old_);
+        else
+            qunsetenv("SOURCE_DATE_EPOCH");
+    }
+
+  private:
+    QByteArray old_;
+    bool had_;
+};
+
 QByteArray ReadAll(const QString& path) {
     QFile f(path);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
-void Compare(const QString& produced, const QString& golden) {
-    const QByteArray actual = ReadAll(produced);
-    ASSERT_FALSE(actual.isEmpty()) << produced.toStdString();
-    if (qEnvironmentVariableIsSet("YUNQI_UPDATE_GOLDEN")) {
-        QFile out(golden);
-        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-        out.write(actual);
-        return;
-    }
-    EXPECT_EQ(QString::fromUtf8(actual).toStdString(),
-              QString::fromUtf8(ReadAll(golden)).toStdString())
-        << golden.toStdString();
-}
+class GoldenStatements : public ::testing::TestWithParam<GoldenCase> {};
 
-class GoldenStatements : public ::testing::TestWithParam<const char*> {};
-
-TEST_P(GoldenStatements, SqlTextsAndCsvAreExact) {
+TEST_P(GoldenStatements, MatchesTheFixture) {
+    const GoldenCase& c = GetParam();
     TestDatabase db;
     FillLedger(db);
     QTemporaryDir dir;
-    const QString command = GetParam();
-    const QString csv = dir.filePath("out.csv"), log = dir.filePath("sql.log");
-    ASSERT_EQ(RunStatementCli({command, "--database", db.Path(), "--dept", "D1", "--from",
-                               "2024-03-01", "--to", "2024-03-31", "--ratio", "07=66.7/33.3",
-                               "--csv", csv, "--sql-log", log}),
-              0);
-    const QString golden = QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/") + command;
-    Compare(log, golden + ".sql");
-    Compare(csv, golden + ".csv");
+    const QString report = QString::fromLatin1(c.report);
+    const QString csv = dir.filePath("out.csv"), log = dir.filePath("sql.log"),
+                  xlsx = dir.filePath("out.xlsx");
+    QStringList args{report, "--database", db.Path(), "--dept", "D1"};
+    // The reconciliation runs over months of a year, the others over a date window.
+    if (report == QLatin1String("reconciliation"))
+        args += QStringList{"--year", "2024", "--months", "03-03"};
+    else
+        args +=
+            QStringList{"--from", "2024-03-01", "--to", "2024-03-31", "--ratio", "07=66.7/33.3"};
+    args << "--csv" << csv << "--sql-log" << log << "--xlsx" << xlsx;
+    {
+        FixedCreationTime fixed;
+        ASSERT_EQ(RunStatementCli(args), 0);
+    }
+    const QString golden = QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/") + report + '/';
+
+    switch (c.output) {
+        case Output::SqlLog:
+            ExpectGolden(ReadAll(log), golden + "statement.sql");
+            break;
+        case Output::Csv:
+            ExpectGolden(ReadAll(csv), golden + "statement.csv");
+            break;
+        case Output::Workbook: {
+            QString problem;
+            const auto parts = ReadZipParts(xlsx, &problem);
+            ASSERT_FALSE(parts.empty()) << problem.toStdString();
+            for (const char* name : {"xl/worksheets/sheet1.xml", "xl/styles.xml"}) {
+                const auto part = parts.find(QString::fromLatin1(name));
+                ASSERT_NE(part, parts.end()) << name;
+                ExpectGolden(PrettyXml(part->second),
+                             golden + QString::fromLatin1(name).section('/', -1));
+            }
+            // Texts are written in the cells today; a shared-strings part, once
+            // there, is compared as well, and one that comes or goes fails.
+            const QString shared = golden + "sharedStrings.xml";
+            const auto strings = parts.find(QStringLiteral("xl/sharedStrings.xml"));
+            if (strings != parts.end())
+                ExpectGolden(PrettyXml(strings->second), shared);
+            else if (qEnvironmentVariableIsSet("YUNQI_UPDATE_GOLDEN"))
+                QFile::remove(shared);
+            else
+                EXPECT_FALSE(QFile::exists(shared)) << "the workbook holds no shared strings";
+            break;
+        }
+    }
     if (const QByteArray keep = qgetenv("YUNQI_KEEP_LEDGER"); !keep.isEmpty())
         QFile::copy(db.Path(), QString::fromUtf8(keep));
 }
 
-INSTANTIATE_TEST_SUITE_P(Reports, GoldenStatements, ::testing::Values("invoice", "preinvoice", "parking"));
+INSTANTIATE_TEST_SUITE_P(Reports, GoldenStatements, ::testing::ValuesIn(kCases),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

@@ -8,7 +8,7 @@ namespace {
 
 // A checked-in text, without the line end its file closes with.
 QString Golden(const char* name) {
-    QFile file(QStringLiteral(YUNQI_TEST_DIR "/reports/parking/golden/") + QLatin1String(name));
+    QFile file(QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/parking/") + QLatin1String(name));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
     QString text = QString::fromUtf8(file.readAll());
     if (text.endsWith(QLatin1Char('\n'))) text.chop(1);

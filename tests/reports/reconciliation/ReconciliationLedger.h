@@ -75,7 +75,7 @@ class ReconciliationLedger : public ::testing::Test {
 };
 
 inline QString Fixture(const QString& name) {
-    QFile f(QStringLiteral(YUNQI_TEST_DIR "/reports/reconciliation/") + name);
+    QFile f(QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/reconciliation/") + name);
     if (!f.open(QIODevice::ReadOnly)) return QString();
     return QString::fromUtf8(f.readAll());
 }
