@@ -1,11 +1,13 @@
 #include "core/OutputFile.h"
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <QDir>
 #include <QFile>
+#include <QtGlobal>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -13,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 
 #include "core/RuntimeError.h"
 
@@ -24,9 +27,44 @@ namespace {
 //
 // A fixed table of heap strings: the handler only loads pointers and calls
 // unlink(2), both safe in a signal handler.
+//
+// A file is created and registered, and a name freed, inside a TableChange:
+// the handled signals are blocked on that thread, and a handler running on
+// another thread waits for every change under way to end. Otherwise a signal
+// between mkstemp(3) and Register() would leave the file behind.
 
 constexpr int kSlots = 64;
 std::atomic<char*> registered[kSlots];
+std::atomic<int> changing{0};
+std::atomic<bool> ending{false};
+
+constexpr int kHandled[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+
+class TableChange {
+  public:
+    TableChange() {
+        sigset_t set;
+        sigemptyset(&set);
+        for (int signal : kHandled) sigaddset(&set, signal);
+        ::pthread_sigmask(SIG_BLOCK, &set, &old_);
+        changing.fetch_add(1);
+        if (ending.load()) {
+            // A handler on another thread is removing the files: nothing new
+            // is made, and the process ends before long.
+            changing.fetch_sub(1);
+            for (;;) ::pause();
+        }
+    }
+    ~TableChange() {
+        changing.fetch_sub(1);
+        ::pthread_sigmask(SIG_SETMASK, &old_, nullptr);
+    }
+    TableChange(const TableChange&) = delete;
+    TableChange& operator=(const TableChange&) = delete;
+
+  private:
+    sigset_t old_;
+};
 
 int Register(const QByteArray& path) {
     char* copy = strdup(path.constData());
@@ -41,6 +79,7 @@ int Register(const QByteArray& path) {
 
 void Unregister(int slot) {
     if (slot < 0) return;
+    TableChange change;
     std::free(registered[slot].exchange(nullptr));
 }
 
@@ -51,11 +90,30 @@ void UnlinkRegistered() {
 
 void OnSignal(int signal) {
     const int saved = errno;
+    ending.store(true);
+    // A file being made on another thread is registered first; a thread that
+    // hangs in open(2) does not keep the process alive for long.
+    for (int i = 0; changing.load() > 0 && i < 5000; ++i) {
+        const struct timespec tick {0, 1000000};
+        ::nanosleep(&tick, nullptr);
+    }
     UnlinkRegistered();
     // SA_RESETHAND put the default action back; it ends the process as soon as
     // the handler returns and the signal is unblocked.
     ::raise(signal);
     errno = saved;
+}
+
+// For the tests: YUNQI_TEST_SIGNAL_AFTER_TEMPORARY=SIGNAL:NAME, read by
+// InstallOutputCleanup(), sends SIGNAL to the process right after the
+// temporary file of a target called NAME (or "yunqi-output" for one staged in
+// the temporary folder) was made and before it is registered, the moment a
+// user's signal could otherwise slip in.
+int testSignal = 0;
+QByteArray testBase;
+
+void SignalForTests(const QByteArray& base) {
+    if (testSignal > 0 && base == testBase) ::kill(::getpid(), testSignal);
 }
 
 // ---- Failures ----------------------------------------------------------------
@@ -169,11 +227,15 @@ struct Temporary {
     void Create(const QByteArray& folder, const QByteArray& base, const Target& target) {
         // Room for the suffix within the usual 255-byte name limit.
         QByteArray pattern = folder + "/." + base.left(200) + ".XXXXXX";
-        const int made = ::mkstemp(pattern.data());
-        if (made < 0) FailErrno(target.path, errno);
-        name = pattern;
-        fd = made;
-        slot = Register(name);
+        {
+            TableChange change;
+            const int made = ::mkstemp(pattern.data());
+            if (made < 0) FailErrno(target.path, errno);
+            name = pattern;
+            fd = made;
+            SignalForTests(base);
+            slot = Register(name);
+        }
         // The target's permissions (and owner, where allowed), else the usual ones.
         const mode_t mode = target.exists ? (target.st.st_mode & 0777) : (0666 & ~CurrentUmask());
         ::fchmod(fd, mode);
@@ -400,7 +462,12 @@ void StagedOutput::Commit() {
 // ---- Signals ---------------------------------------------------------------------
 
 void InstallOutputCleanup() {
-    for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+    const QByteArray test = qgetenv("YUNQI_TEST_SIGNAL_AFTER_TEMPORARY");
+    if (const qsizetype colon = test.indexOf(':'); colon > 0) {
+        testSignal = test.left(colon).toInt();
+        testBase = test.mid(colon + 1);
+    }
+    for (int signal : kHandled) {
         struct sigaction old {};
         if (::sigaction(signal, nullptr, &old) == 0 && old.sa_handler == SIG_IGN) continue;
         struct sigaction action {};

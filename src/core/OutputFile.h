@@ -88,6 +88,8 @@ void WriteOutputFile(const QString& path, const QByteArray& bytes, Dash dash = D
 // removed when SIGINT, SIGTERM, SIGHUP or SIGPIPE ends the process (a signal
 // ignored at start stays ignored), and SIGXFSZ is ignored, so that a file-size
 // limit fails the write, which is told, instead of ending the process silently.
+// A temporary file is registered before any of these signals can act on it,
+// on whichever thread it comes.
 void InstallOutputCleanup();
 // Removes every registered temporary file now, for an end of the process that
 // skips the destructors.

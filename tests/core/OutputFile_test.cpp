@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 #include <csignal>
 #include <cstdio>
+#include <string>
 #include <thread>
 
 #include "core/RuntimeError.h"
@@ -189,5 +190,34 @@ TEST(OutputFileTest, SignalsRemoveTheTemporaryFiles) {
         EXPECT_TRUE(Hidden(dir.path()).isEmpty())
             << signal << Hidden(dir.path()).join(' ').toStdString();
         EXPECT_FALSE(QFile::exists(dir.filePath("db.sqlite")));
+    }
+}
+
+// While one thread makes a temporary file, a signal that another thread takes
+// waits until the file is registered, then removes it.
+TEST(OutputFileTest, ASignalOnAnotherThreadWaitsForTheTemporaryFile) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+        QTemporaryDir dir;
+        const QString target = dir.filePath("out.csv");
+        Write(target, "old");
+        EXPECT_EXIT(
+            {
+                // The one thread free to take the signal while the file is made.
+                std::thread idle([] {
+                    for (;;) ::pause();
+                });
+                const std::string hook = std::to_string(signal) + ":out.csv";
+                ::setenv("YUNQI_TEST_SIGNAL_AFTER_TEMPORARY", hook.c_str(), 1);
+                InstallOutputCleanup();
+                OutputFile out(target);
+                out.Write("half");
+                // Ended by the signal; SIGALRM only if it never comes.
+                ::alarm(60);
+                for (;;) ::pause();
+            },
+            ::testing::KilledBySignal(signal), "");
+        EXPECT_EQ(Read(target), "old") << signal;
+        EXPECT_TRUE(Hidden(dir.path()).isEmpty())
+            << signal << Hidden(dir.path()).join(' ').toStdString();
     }
 }

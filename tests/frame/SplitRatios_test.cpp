@@ -102,18 +102,32 @@ TEST(SplitRatiosRatioText, ACellThatIsNoNumberIsATypeMismatch) {
     }
 }
 
-TEST(SplitRatiosSum, NumericValuesMustAddUpToExactlyHundred) {
-    EXPECT_TRUE(SumIsHundred(Shares("60", "40"), 1));
-    EXPECT_TRUE(SumIsHundred(Shares("66.7", "33.3"), 1));
-    EXPECT_FALSE(SumIsHundred(Shares("60", "30"), 1));
-    // No tolerance.
-    EXPECT_FALSE(SumIsHundred(Shares("70", "29.9999999999999"), 1));
-}
-
-TEST(SplitRatiosSum, CellsReadByTheirLeadingNumber) {
-    EXPECT_TRUE(SumIsHundred(Shares("70%", "30"), 1));
-    EXPECT_TRUE(SumIsHundred(Shares("", "100"), 1));
-    EXPECT_TRUE(SumIsHundred(Shares("abc", "100"), 1));
-    EXPECT_FALSE(SumIsHundred(Shares("", ""), 1));
+TEST(SplitRatiosSum, TheTwoSharesMustAddUpToExactlyHundred) {
+    struct Case {
+        const char* name;
+        const char* developer;
+        const char* property;
+        bool accepted;
+    };
+    const Case cases[] = {
+        {"sixty and forty", "60", "40", true},
+        {"thirds to a tenth", "66.7", "33.3", true},
+        {"all to one side", "0", "100", true},
+        {"ten under", "60", "30", false},
+        {"ten over", "70", "40", false},
+        {"a cent over", "70", "30.01", false},
+        {"each a hundred", "100", "100", false},
+        // No tolerance either way.
+        {"a hair under", "70", "29.9999999999999", false},
+        {"a hair over", "70", "30.0000000000001", false},
+        // Cells are read by their leading number.
+        {"a percent sign", "70%", "30", true},
+        {"an empty cell", "", "100", true},
+        {"a word", "abc", "100", true},
+        {"both empty", "", "", false},
+        {"a percent sign over", "100%", "1", false},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(SumIsHundred(Shares(c.developer, c.property), 1), c.accepted) << c.name;
     EXPECT_EQ(SumMessage(), "分成比例总和必须等于100,请重新设置分成比例!");
 }
