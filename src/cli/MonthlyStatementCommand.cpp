@@ -10,7 +10,7 @@ namespace {
 int Run(const ReportDefinition& report, const StatementOptions& o, const SessionOpener& openSession,
         SqlLogWriter& log) {
     std::unique_ptr<DatabaseSession> session = OpenLoggedSession(openSession, o.database, log);
-    const auto check = [&session, &log] { ThrowFaults(*session, log); };
+    const auto check = [&log](const Trapped& trapped = {}) { ThrowFaults(trapped, log); };
 
     const QString entry = EntryOfDepartment(*session, o.dept);
     check();
@@ -36,14 +36,12 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
 
     FlexGrid grid1;
     statement->InitGridHeader(grid1);
-    statement->ExtractFeeItems(k, grid1);
-    check();
+    check(statement->ExtractFeeItems(k, grid1));
     if (statement->FeeItems().size() <= 1) {
         SayOnStderr(report.texts.noFeeItemsText);
         return kStatementNothing;
     }
-    statement->RunReconciliation(k, grid1);
-    check();
+    check(statement->RunReconciliation(k, grid1));
     // Like the window's export, nothing is written without a body row.
     if (grid1.Rows() <= 2) {
         SayOnStderr(QStringLiteral("no rows"));
@@ -55,7 +53,7 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
             statement->WriteSheet(sheet, steps,
                                   {grid1, statement->TitleCaption(entry, o.Year), entry, k});
         },
-        check);
+        [&] { check(); });
     return kStatementRows;
 }
 

@@ -44,7 +44,7 @@ bool ApplyRatios(const std::vector<RatioOption>& ratios, bool ifPresent, FlexGri
 int Run(const ReportDefinition& report, const StatementOptions& o, const SessionOpener& openSession,
         SqlLogWriter& log) {
     std::unique_ptr<DatabaseSession> session = OpenLoggedSession(openSession, o.database, log);
-    const auto check = [&session, &log] { ThrowFaults(*session, log); };
+    const auto check = [&log](const Trapped& trapped = {}) { ThrowFaults(trapped, log); };
 
     // The department as a click on its List1 entry would choose it.
     const QString entry = EntryOfDepartment(*session, o.dept);
@@ -65,17 +65,16 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
     FlexGrid grid1;
     FlexGrid grid2 = SplitRatios::NewGrid();
     statement->InitGridHeader(grid1);
-    statement->ExtractFeeItems(conditions, grid2, grid1);
-    check();
+    check(statement->ExtractFeeItems(conditions, grid2, grid1));
     if (statement->FeeItems().size() <= 1) {
         Say(report.texts.noFeeItemsText);
         return kNothing;
     }
     if (!ApplyRatios(o.ratios, o.ratioIfPresent, grid2)) return kBadArguments;
     statement->BuildGridHeader(grid1, grid2);
-    const bool rows = statement->RunStatistics(conditions, grid2, INT_MAX);
-    check();
-    if (!rows) {
+    const auto run = statement->RunStatistics(conditions, grid2, INT_MAX);
+    check(run.trapped);
+    if (!run.rows) {
         Say(report.texts.noRowsText);
         return kNothing;
     }
@@ -90,7 +89,7 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
                 sheet, steps,
                 {grid1, Conditions::TitleCaption(entry, report.texts.title), entry, conditions});
         },
-        check);
+        [&] { check(); });
     return kRows;
 }
 

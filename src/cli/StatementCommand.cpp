@@ -78,13 +78,16 @@ std::unique_ptr<DatabaseSession> OpenLoggedSession(const SessionOpener& openSess
     return session;
 }
 
-void ThrowFaults(const DatabaseSession& session, const SqlLogWriter& log) {
-    if (const auto& fault = session.FirstFault()) throw *fault;
+void ThrowFaults(const Trapped& trapped, const SqlLogWriter& log) {
+    if (trapped) throw *trapped;
     log.Check();
 }
 
 QString EntryOfDepartment(DatabaseSession& session, const QString& dept) {
-    for (const QString& e : Conditions::LoadDepartments(session))
+    Trapped trapped;
+    const QStringList entries = Conditions::LoadDepartments(session, &trapped);
+    if (trapped) throw *trapped;
+    for (const QString& e : entries)
         if (Conditions::DeptCodeOf(e) == dept) return e;
     return QString();
 }

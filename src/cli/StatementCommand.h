@@ -40,9 +40,9 @@ std::unique_ptr<DatabaseSession> OpenLoggedSession(const SessionOpener& openSess
                                                    const QString& database, SqlLogWriter& log);
 // A database fault is told as itself (exit 1), also where a routine's error
 // trap showed it and went on with what it had; so is a failed log write.
-void ThrowFaults(const DatabaseSession& session, const SqlLogWriter& log);
+void ThrowFaults(const Trapped& trapped, const SqlLogWriter& log);
 // The first List1 entry of the department code, as a click on it would
-// choose it; empty when the list has none.
+// choose it; empty when the list has none. A failed read of the list throws.
 QString EntryOfDepartment(DatabaseSession& session, const QString& dept);
 
 // The outputs of a run, each streamed as it is composed: the workbook first

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 #include <stdexcept>
 
 #include "core/ErrorCatalogue.h"
@@ -31,6 +32,10 @@ private:
     long number_;
     QString description_;
 };
+
+// What a routine's error trap caught and showed, if anything. The window has
+// shown it and goes on; the companion ends with it.
+using Trapped = std::optional<RuntimeError>;
 
 // Where an untrapped error ends up. Production shows it and ends the process
 // with a non-zero status; tests install a handler that records instead.

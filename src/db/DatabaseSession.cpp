@@ -61,8 +61,7 @@ void SetQueryTimeout(const QSqlQuery& query, int seconds) {
 DatabaseSession::DatabaseSession(QString connectionName, SqlDialect dialect, bool odbc)
     : connectionName_(std::move(connectionName)),
       dialect_(dialect),
-      odbc_(odbc),
-      faults_(std::make_shared<FaultRecord>()) {}
+      odbc_(odbc) {}
 
 DatabaseSession::~DatabaseSession() {
     {
@@ -140,11 +139,9 @@ Recordset DatabaseSession::Open(const QString& sql) {
         ok = query.exec(text);
     }
     if (!ok) {
-        const RuntimeError error = ErrorOf(query.lastError());
-        faults_->Note(error);
-        throw error;
+        throw ErrorOf(query.lastError());
     }
-    Recordset rs(std::move(query), faults_);
+    Recordset rs(std::move(query));
     if (!rs.AtEnd()) open_.push_back(rs.Watch());
     return rs;
 }

@@ -51,10 +51,6 @@ class DatabaseSession {
     // set on the connection, for every statement of the run.
     static constexpr int kBusyTimeoutMs = 5000;
 
-    // The first failure that any statement of this session met (its start or
-    // a read), kept also when a routine's error trap showed it and went on, so
-    // that a batch run can tell a database fault from an empty result.
-    const std::optional<RuntimeError>& FirstFault() const { return faults_->first; }
     // Receives every SQL text as assembled, before any dialect rewrite.
     void SetSqlLog(std::function<void(const QString&)> log) { log_ = std::move(log); }
 
@@ -67,7 +63,6 @@ class DatabaseSession {
     bool oneStatement_ = false;
     std::optional<int> commandTimeout_;
     std::function<void(const QString&)> log_;
-    std::shared_ptr<FaultRecord> faults_;
     std::vector<std::weak_ptr<Recordset::Cursor>> open_;
 };
 

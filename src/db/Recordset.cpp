@@ -29,8 +29,7 @@ RuntimeError DatabaseError(const QSqlError& error) {
 
 class Recordset::Cursor {
   public:
-    Cursor(QSqlQuery q, std::shared_ptr<FaultRecord> f)
-        : query(std::move(q)), faults(std::move(f)) {
+    explicit Cursor(QSqlQuery q) : query(std::move(q)) {
         const QSqlRecord record = query.record();
         names.reserve(record.count());
         for (int i = 0; i < record.count(); ++i) {
@@ -61,7 +60,6 @@ class Recordset::Cursor {
         if (query.next()) return true;
         if (query.lastError().type() != QSqlError::NoError) {
             const RuntimeError error = DatabaseError(query.lastError());
-            if (faults) faults->Note(error);
             query.finish();
             throw error;
         }
@@ -93,7 +91,6 @@ class Recordset::Cursor {
     }
 
     QSqlQuery query;
-    std::shared_ptr<FaultRecord> faults;
     QStringList names;
     bool atEnd = true;
     bool inMemory = false;
@@ -101,8 +98,7 @@ class Recordset::Cursor {
     std::deque<QVariantList> rows;
 };
 
-Recordset::Recordset(QSqlQuery query, std::shared_ptr<FaultRecord> faults)
-    : cursor_(std::make_shared<Cursor>(std::move(query), std::move(faults))) {}
+Recordset::Recordset(QSqlQuery query) : cursor_(std::make_shared<Cursor>(std::move(query))) {}
 
 Recordset::~Recordset() = default;
 

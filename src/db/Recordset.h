@@ -17,15 +17,6 @@ namespace yunqi {
 // else the provider's, with the driver's own text.
 RuntimeError DatabaseError(const QSqlError& error);
 
-// The first failure met by the statements of one session, shared with the
-// recordsets it opened, since a read can fail after its statement started.
-struct FaultRecord {
-    std::optional<RuntimeError> first;
-    void Note(const RuntimeError& error) {
-        if (!first) first = error;
-    }
-};
-
 // A forward-only, read-only result: fields by name and by position, Null as
 // an invalid QVariant. Reading it to its end releases the connection.
 class Recordset {
@@ -33,9 +24,9 @@ class Recordset {
     // The reading state, shared with the session that opened it.
     class Cursor;
 
-    // A read that fails (a damaged page met halfway) raises the driver's error
-    // and notes it in faults, when given; it never passes for the end.
-    explicit Recordset(QSqlQuery query, std::shared_ptr<FaultRecord> faults = nullptr);
+    // A read that fails (a damaged page met halfway) raises the driver's
+    // error; it never passes for the end.
+    explicit Recordset(QSqlQuery query);
     Recordset(Recordset&&) = default;
     Recordset& operator=(Recordset&&) = default;
     ~Recordset();

@@ -9,7 +9,7 @@ namespace yunqi {
 
 namespace Conditions {
 
-QStringList LoadDepartments(DatabaseSession& session) {
+QStringList LoadDepartments(DatabaseSession& session, Trapped* trapped) {
     QStringList entries;
     try {
         QString sql = QStringLiteral("Select 职能部门编号,职能部门名称, gyd_dh, gyd_name ");
@@ -30,6 +30,7 @@ QStringList LoadDepartments(DatabaseSession& session) {
         }
     } catch (const RuntimeError& e) {
         MessageForms::ShowReport(e.number(), e.description());
+        if (trapped) *trapped = e;
     }
     return entries;
 }

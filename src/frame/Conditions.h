@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <optional>
 
+#include "core/RuntimeError.h"
 #include "db/DatabaseSession.h"
 
 namespace yunqi {
@@ -16,7 +17,7 @@ namespace Conditions {
 // The entries of List1, in the order of the query: code, a blank, the site
 // name on one line, then the site code in "【】". A failure shows its message
 // and returns the entries read so far.
-QStringList LoadDepartments(DatabaseSession& session);
+QStringList LoadDepartments(DatabaseSession& session, Trapped* trapped = nullptr);
 // The codes of the types with 定额 0, each quoted, comma-joined. No error trap.
 QString LoadInvoiceTypes(DatabaseSession& session);
 

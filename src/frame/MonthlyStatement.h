@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "core/RuntimeError.h"
 #include "frame/ExportSteps.h"
 #include "frame/FeeItem.h"
 #include "frame/FlexGrid.h"
@@ -27,11 +28,12 @@ class MonthlyStatement {
     virtual QString TitleCaption(const QString& entry, const QString& year) const = 0;
     // Fills FeeItems for the department and the months and lays the header,
     // also with no item. A failing query shows its message and leaves the
-    // items read so far.
-    virtual void ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid1) = 0;
+    // items read so far; the error is returned.
+    virtual Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid1) = 0;
     // Appends every month's rows, its closing rows and the total under the
-    // two header rows of grid1. Errors without a trap raise RuntimeError.
-    virtual void RunReconciliation(const StatementConditions& conditions, FlexGrid& grid1) = 0;
+    // two header rows of grid1. Errors without a trap raise RuntimeError; the
+    // first that a trap caught (and showed) is returned.
+    virtual Trapped RunReconciliation(const StatementConditions& conditions, FlexGrid& grid1) = 0;
     // The grid as it stands, on one sheet.
     virtual void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                             const WorkbookContext& context) const = 0;

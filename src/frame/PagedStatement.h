@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "core/RuntimeError.h"
 #include "frame/ExportSteps.h"
 #include "frame/FeeItem.h"
 #include "frame/FlexGrid.h"
@@ -18,20 +19,28 @@ namespace yunqi {
 //   grid1: MSFlexGrid1, the statement grid; grid2: MSFlexGrid2, the split ratios.
 class PagedStatement {
   public:
+    // What a run gives: whether it found rows, and what its trap caught.
+    struct RunOutcome {
+        RunOutcome(bool found = false, Trapped caught = {}) : rows(found), trapped(std::move(caught)) {}
+        bool rows;
+        Trapped trapped;
+        operator bool() const { return rows; }
+    };
+
     virtual ~PagedStatement() = default;
 
     // The default header, before any fee item is known.
     virtual void InitGridHeader(FlexGrid& grid1) const = 0;
     // Finds the department's fee items in the window, fills FeeItems and the
     // split-ratio grid with the default percentages, and lays the header when
-    // any item was found.
-    virtual void ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                                 FlexGrid& grid1) = 0;
+    // any item was found. Returns what an error trap caught (and showed).
+    virtual Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
+                                    FlexGrid& grid1) = 0;
     // Lays the header from FeeItems and the percentages; sets FeeColumnCount.
     virtual void BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) = 0;
-    // Computes the rows; true when there is at least one. Sets PageCount.
-    virtual bool RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
-                               int pageSize) = 0;
+    // Computes the rows; rows when there is at least one. Sets PageCount.
+    virtual RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
+                                     int pageSize) = 0;
     // Writes one page under the header (grid1 keeps its two header rows):
     // each record of the page through WriteRow.
     virtual void ShowPage(FlexGrid& grid1, int page, int pageSize,

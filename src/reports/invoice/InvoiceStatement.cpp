@@ -81,9 +81,10 @@ QString InvoiceStatement::FeeItemSql(const StatementConditions& k) {
     return sql;
 }
 
-void InvoiceStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                                       FlexGrid& grid1) {
+Trapped InvoiceStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
+                                          FlexGrid& grid1) {
     LoadItems(FeeItemSql(conditions), grid2, grid1);
+    return {};
 }
 
 QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
@@ -120,7 +121,7 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
     return sql;
 }
 
-bool InvoiceStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
+PagedStatement::RunOutcome InvoiceStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
                                      int pageSize) {
     const QString sql = StatisticsSql(k, grid2);
     session_.SetCommandTimeout(0);

@@ -87,13 +87,15 @@ QString ParkingStatement::FeeItemSql(const StatementConditions& k) {
     return sql;
 }
 
-void ParkingStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                                       FlexGrid& grid1) {
+Trapped ParkingStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
+                                          FlexGrid& grid1) {
     try {
         LoadItems(FeeItemSql(conditions), grid2, grid1);
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description(), true);
+        return e;
     }
+    return {};
 }
 
 QString ParkingStatement::StatisticsSql(const StatementConditions& k,
@@ -115,7 +117,7 @@ QString ParkingStatement::StatisticsSql(const StatementConditions& k,
     return sql;
 }
 
-bool ParkingStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
+PagedStatement::RunOutcome ParkingStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
                                      int pageSize) {
     // The fields of a ticket by position; the money follows from position 6.
     enum { fNo = 0, fNote = 1, fPaid = 2, fMethod = 4, fOrder = 5 };

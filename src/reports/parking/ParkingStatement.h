@@ -21,11 +21,11 @@ class ParkingStatement : public TicketStatement {
     explicit ParkingStatement(DatabaseSession& session);
 
     // Has an error trap: a failure is shown and leaves the items read so far.
-    void ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                         FlexGrid& grid1) override;
+    Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
+                            FlexGrid& grid1) override;
     // More than 32,767 rows: Overflow, as the closing loops count in 16 bits.
-    bool RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
-                       int pageSize) override;
+    RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
+                             int pageSize) override;
     void WriteRow(GridRow& row, int r, const TextMeasure& measure) const override;
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;

@@ -87,13 +87,15 @@ QString PreInvoiceStatement::FeeItemSql(const StatementConditions& k) {
     return sql;
 }
 
-void PreInvoiceStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                                          FlexGrid& grid1) {
+Trapped PreInvoiceStatement::ExtractFeeItems(const StatementConditions& conditions,
+                                             FlexGrid& grid2, FlexGrid& grid1) {
     try {
         LoadItems(FeeItemSql(conditions), grid2, grid1);
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description());
+        return e;
     }
+    return {};
 }
 
 QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
@@ -130,13 +132,14 @@ QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
     return sql;
 }
 
-bool PreInvoiceStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
-                                        int pageSize) {
+PagedStatement::RunOutcome PreInvoiceStatement::RunStatistics(const StatementConditions& k,
+                                                               const FlexGrid& grid2,
+                                                               int pageSize) {
     try {
         return Compute(k, grid2, pageSize);
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description());
-        return false;
+        return {false, e};
     }
 }
 

@@ -14,10 +14,10 @@ class PreInvoiceStatement : public TicketStatement {
   public:
     explicit PreInvoiceStatement(DatabaseSession& session);
 
-    void ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                         FlexGrid& grid1) override;
-    bool RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
-                       int pageSize) override;
+    Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
+                            FlexGrid& grid1) override;
+    RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
+                             int pageSize) override;
     void WriteRow(GridRow& row, int r, const TextMeasure& measure) const override;
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;

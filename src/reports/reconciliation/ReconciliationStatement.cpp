@@ -219,8 +219,8 @@ QString ReconciliationStatement::FeeItemSql(const StatementConditions& k) {
     return sql;
 }
 
-void ReconciliationStatement::ExtractFeeItems(const StatementConditions& conditions,
-                                              FlexGrid& grid1) {
+Trapped ReconciliationStatement::ExtractFeeItems(const StatementConditions& conditions,
+                                                 FlexGrid& grid1) {
     feeItems_ = FeeItemList(1);
     try {
         session_.SetCommandTimeout(0);
@@ -229,7 +229,9 @@ void ReconciliationStatement::ExtractFeeItems(const StatementConditions& conditi
         BuildGridHeader(grid1);
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description());
+        return e;
     }
+    return {};
 }
 
 QString ReconciliationStatement::FeeCodeList() const {
@@ -369,7 +371,7 @@ QString ReconciliationStatement::UncollectedSql(const StatementConditions& k,
         QStringLiteral(" And 作废日期 is null"), feeCodeList, k);
 }
 
-void ReconciliationStatement::FillPreInvoiced(const StatementConditions& k, FlexGrid& grid,
+Trapped ReconciliationStatement::FillPreInvoiced(const StatementConditions& k, FlexGrid& grid,
                                               bool collected) {
     const int n = int(feeItems_.size()) - 1;
     const int column = collected ? CollectedColumn(n) : UncollectedColumn(n);
@@ -389,25 +391,28 @@ void ReconciliationStatement::FillPreInvoiced(const StatementConditions& k, Flex
         }
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description());
+        return e;
     }
+    return {};
 }
 
-void ReconciliationStatement::FillCollectedPreInvoiced(const StatementConditions& k,
-                                                       FlexGrid& grid1) {
-    FillPreInvoiced(k, grid1, true);
+Trapped ReconciliationStatement::FillCollectedPreInvoiced(const StatementConditions& k,
+                                                          FlexGrid& grid1) {
+    return FillPreInvoiced(k, grid1, true);
 }
 
-void ReconciliationStatement::FillUncollectedPreInvoiced(const StatementConditions& k,
-                                                         FlexGrid& grid1) {
-    FillPreInvoiced(k, grid1, false);
+Trapped ReconciliationStatement::FillUncollectedPreInvoiced(const StatementConditions& k,
+                                                            FlexGrid& grid1) {
+    return FillPreInvoiced(k, grid1, false);
 }
 
-void ReconciliationStatement::RunReconciliation(const StatementConditions& k, FlexGrid& grid) {
+Trapped ReconciliationStatement::RunReconciliation(const StatementConditions& k, FlexGrid& grid) {
     const int n = int(feeItems_.size()) - 1;
     grid.SetRows(2);
     FillMonthlyRows(k, grid);
-    FillCollectedPreInvoiced(k, grid);
-    FillUncollectedPreInvoiced(k, grid);
+    Trapped trapped = FillCollectedPreInvoiced(k, grid);
+    Trapped later = FillUncollectedPreInvoiced(k, grid);
+    if (!trapped) trapped = std::move(later);
 
     // The difference of each month, from the texts as they stand; the
     // comparison with 0 is exact.
@@ -435,6 +440,7 @@ void ReconciliationStatement::RunReconciliation(const StatementConditions& k, Fl
         }
     }
     grid.Touch();
+    return trapped;
 }
 
 void ReconciliationStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,

@@ -18,8 +18,8 @@ class ReconciliationStatement : public MonthlyStatement {
     void InitGridHeader(FlexGrid& grid1) const override;
     QString LoadInvoiceTypes() override;
     QString TitleCaption(const QString& entry, const QString& year) const override;
-    void ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid1) override;
-    void RunReconciliation(const StatementConditions& conditions, FlexGrid& grid1) override;
+    Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid1) override;
+    Trapped RunReconciliation(const StatementConditions& conditions, FlexGrid& grid1) override;
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;
     const FeeItemList& FeeItems() const override { return feeItems_; }
@@ -28,8 +28,8 @@ class ReconciliationStatement : public MonthlyStatement {
     void BuildGridHeader(FlexGrid& grid1) const;
     // The three steps of a run, each over every month, then the check.
     void FillMonthlyRows(const StatementConditions& conditions, FlexGrid& grid1);
-    void FillCollectedPreInvoiced(const StatementConditions& conditions, FlexGrid& grid1);
-    void FillUncollectedPreInvoiced(const StatementConditions& conditions, FlexGrid& grid1);
+    Trapped FillCollectedPreInvoiced(const StatementConditions& conditions, FlexGrid& grid1);
+    Trapped FillUncollectedPreInvoiced(const StatementConditions& conditions, FlexGrid& grid1);
 
     // The code lists of LoadInvoiceTypes, each quoted and comma-joined.
     const QString& SpecialTypeCodes() const { return special_; }
@@ -53,7 +53,7 @@ class ReconciliationStatement : public MonthlyStatement {
     static constexpr int kTotalColor = 0xFFC0C0;     // light blue
 
   private:
-    void FillPreInvoiced(const StatementConditions& conditions, FlexGrid& grid1, bool collected);
+    Trapped FillPreInvoiced(const StatementConditions& conditions, FlexGrid& grid1, bool collected);
 
     DatabaseSession& session_;
     FeeItemList feeItems_{FeeItem{}};

@@ -41,14 +41,14 @@ class WatchedStatement : public PagedStatement {
     WatchedStatement(std::unique_ptr<PagedStatement> inner, const Hooks& hooks)
         : inner_(std::move(inner)), hooks_(hooks) {}
     void InitGridHeader(FlexGrid& g) const override { inner_->InitGridHeader(g); }
-    void ExtractFeeItems(const StatementConditions& c, FlexGrid& g2, FlexGrid& g1) override {
-        inner_->ExtractFeeItems(c, g2, g1);
+    Trapped ExtractFeeItems(const StatementConditions& c, FlexGrid& g2, FlexGrid& g1) override {
+        return inner_->ExtractFeeItems(c, g2, g1);
     }
     void BuildGridHeader(FlexGrid& g1, const FlexGrid& g2) override {
         if (hooks_.onBuildHeader) hooks_.onBuildHeader();
         inner_->BuildGridHeader(g1, g2);
     }
-    bool RunStatistics(const StatementConditions& c, const FlexGrid& g2, int size) override {
+    RunOutcome RunStatistics(const StatementConditions& c, const FlexGrid& g2, int size) override {
         return inner_->RunStatistics(c, g2, size);
     }
     void ShowPage(FlexGrid& g, int page, int size, const TextMeasure& m) const override {
