@@ -5,15 +5,14 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
-#include <QRegularExpression>
 #include <QTextStream>
-#include <QThread>
 #include <cstdio>
-#include <optional>
 #include <unistd.h>
 
 #include "cli/BatchJobs.h"
+#include "cli/BatchOptions.h"
 #include "cli/GridCsv.h"
+#include "cli/StatementCli.h"
 #include "cli/StatementSession.h"
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
@@ -24,10 +23,7 @@ namespace yunqi {
 
 namespace {
 
-constexpr int kDone = 0, kSomeFailed = 1, kBadArguments = 2, kInterrupted = 130;
-const char kUsage[] =
-    "usage: yunqi-statement batch [--database FILE] --month YYYY-MM --out DIR [--dept CODE]... "
-    "[--report NAME]... [--ratio ITEMCODE=DEV/PROP]... [--csv] [--jobs N] [--force] [--quiet]\n";
+constexpr int kDone = 0, kSomeFailed = 1, kInterrupted = 130;
 const QString kSummaryHeader = QStringLiteral("dept,report,status,rows,seconds,file");
 
 void Say(const QString& text) {
@@ -35,99 +31,7 @@ void Say(const QString& text) {
 }
 
 int BadArguments(const QString& problem) {
-    Say(problem);
-    QTextStream(stderr) << kUsage;
-    return kBadArguments;
-}
-
-struct BatchOptions {
-    QString database;
-    QDate month;  // its first day
-    QString out;
-    QStringList depts;
-    QStringList reports;
-    QStringList ratios;
-    bool csv = false;
-    int jobs = 0;
-    bool force = false;
-    bool quiet = false;
-};
-
-std::optional<BatchOptions> Parse(const QStringList& args, QString& problem) {
-    BatchOptions o;
-    o.jobs = std::max(1, QThread::idealThreadCount());
-    bool haveMonth = false, haveJobs = false;
-    static const QRegularExpression monthShape(QStringLiteral("^(\\d{4})-(\\d{2})$"));
-    static const QRegularExpression ratioShape(QStringLiteral("^[^=]+=[^/]+/.+$"));
-    for (int i = 0; i < args.size(); ++i) {
-        const QString& a = args[i];
-        const bool flag = a == QLatin1String("--csv") || a == QLatin1String("--force") ||
-                          a == QLatin1String("--quiet");
-        if (flag) {
-            (a == QLatin1String("--csv") ? o.csv : a == QLatin1String("--force") ? o.force
-                                                                                  : o.quiet) = true;
-            continue;
-        }
-        if (!a.startsWith(QLatin1String("--"))) {
-            problem = QStringLiteral("unexpected argument ") + a;
-            return std::nullopt;
-        }
-        if (i + 1 >= args.size()) {
-            problem = a + QStringLiteral(" needs a value");
-            return std::nullopt;
-        }
-        const QString v = args[++i];
-        if (a == QLatin1String("--database") || a == QLatin1String("--out")) {
-            QString& target = a == QLatin1String("--database") ? o.database : o.out;
-            if (!target.isEmpty() || v.isEmpty()) {
-                problem = a + (v.isEmpty() ? QStringLiteral(" needs a value")
-                                           : QStringLiteral(" is given twice"));
-                return std::nullopt;
-            }
-            target = v;
-        } else if (a == QLatin1String("--month")) {
-            const auto m = monthShape.match(v);
-            const QDate first = m.hasMatch() ? QDate(m.captured(1).toInt(), m.captured(2).toInt(), 1)
-                                             : QDate();
-            if (haveMonth || !first.isValid()) {
-                problem = haveMonth ? QStringLiteral("--month is given twice")
-                                    : QStringLiteral("--month wants YYYY-MM: ") + v;
-                return std::nullopt;
-            }
-            o.month = first;
-            haveMonth = true;
-        } else if (a == QLatin1String("--dept")) {
-            o.depts << v;
-        } else if (a == QLatin1String("--report")) {
-            if (!FindReport(v)) {
-                problem = QStringLiteral("no report named ") + v;
-                return std::nullopt;
-            }
-            o.reports << v;
-        } else if (a == QLatin1String("--ratio")) {
-            if (!ratioShape.match(v).hasMatch()) {
-                problem = QStringLiteral("--ratio wants ITEMCODE=DEV/PROP: ") + v;
-                return std::nullopt;
-            }
-            o.ratios << v;
-        } else if (a == QLatin1String("--jobs")) {
-            bool ok = false;
-            o.jobs = v.toInt(&ok);
-            if (haveJobs || !ok || o.jobs < 1 || o.jobs > 256) {
-                problem = QStringLiteral("--jobs wants a number from 1 to 256: ") + v;
-                return std::nullopt;
-            }
-            haveJobs = true;
-        } else {
-            problem = QStringLiteral("unknown option ") + a;
-            return std::nullopt;
-        }
-    }
-    if (!haveMonth || o.out.isEmpty()) {
-        problem = !haveMonth ? QStringLiteral("--month is required") : QStringLiteral("--out is required");
-        return std::nullopt;
-    }
-    return o;
+    return CommandArgumentError(QStringLiteral("batch"), problem);
 }
 
 // The files a batch writes: summary.csv, and per department folder only the
@@ -176,7 +80,7 @@ QString FileNameOfCode(const QString& code) {
 
 int RunBatch(const QStringList& args) {
     QString problem;
-    const auto parsed = Parse(args, problem);
+    const auto parsed = ParseBatchOptions(args, problem);
     if (!parsed) return BadArguments(problem);
     const BatchOptions& o = *parsed;
 
@@ -190,13 +94,7 @@ int RunBatch(const QStringList& args) {
             e.description());
         return kSomeFailed;
     }
-    for (const QString& code : o.depts) {
-        const bool listed = std::any_of(entries.begin(), entries.end(), [&](const QString& e) {
-            return Conditions::DeptCodeOf(e) == code;
-        });
-        if (!listed) return BadArguments(QStringLiteral("no department with code ") + code +
-                                         QStringLiteral(" in the list"));
-    }
+    if (problem = UnlistedDepartment(o, entries); !problem.isEmpty()) return BadArguments(problem);
 
     QDir out(o.out);
     if (out.exists() && !o.force && !HoldsOnlyBatchFiles(out))

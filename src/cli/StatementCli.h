@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringList>
 
 namespace yunqi {
@@ -8,5 +9,12 @@ namespace yunqi {
 // Returns the process exit status: 0 rows, 3 no fee items or no rows,
 // 2 bad arguments, 1 database or other failure.
 int RunStatementCli(const QStringList& args);
+
+// The usage of one command, or of every command for an empty name.
+QString StatementUsage(const QString& command = QString());
+
+// A bad argument of a command: "yunqi-statement: COMMAND: PROBLEM", then the
+// command's usage, on standard error. Returns the exit status 2.
+int CommandArgumentError(const QString& command, const QString& problem);
 
 }  // namespace yunqi
