@@ -15,6 +15,10 @@
 #include "cli/StatementSession.h"
 #include "reports/Reports.h"
 
+#ifndef YUNQI_VERSION
+#error "YUNQI_VERSION comes from the project's version"
+#endif
+
 namespace yunqi {
 
 namespace {
@@ -61,6 +65,11 @@ int Usage(const QString& problem) {
     return kExitBadArguments;
 }
 
+int Print(const QString& text) {
+    QTextStream(stdout) << text;
+    return 0;
+}
+
 }  // namespace
 
 QString StatementUsage(const QString& command) {
@@ -76,7 +85,8 @@ QString StatementUsage(const QString& command) {
         usage += QStringLiteral("  ") + UsageLine(names.join(QLatin1Char('|')), *spec) +
                  QLatin1Char('\n');
     }
-    return usage;
+    return usage + QStringLiteral("  yunqi-statement COMMAND --help\n"
+                                  "  yunqi-statement --help|--version\n");
 }
 
 int CommandArgumentError(const QString& command, const QString& problem) {
@@ -88,11 +98,29 @@ int CommandArgumentError(const QString& command, const QString& problem) {
 int RunStatementCli(const QStringList& args) {
     if (args.isEmpty()) return Usage(QString());
     const QString& name = args.first();
+    if (name == QLatin1String("--help") || name == QLatin1String("-h") ||
+        name == QLatin1String("help")) {
+        const QStringList rest = args.mid(1);
+        if (rest.isEmpty()) return Print(StatementUsage());
+        // "help batch" is the usage of batch alone.
+        const bool named = name == QLatin1String("help");
+        if (named && rest.size() == 1)
+            return Find(rest[0]) ? Print(StatementUsage(rest[0]))
+                                 : Usage(QStringLiteral("unknown command: ") + rest[0]);
+        return Usage(QStringLiteral("unexpected argument ") + rest[named ? 1 : 0]);
+    }
+    if (name == QLatin1String("--version")) {
+        if (args.size() > 1) return Usage(QStringLiteral("unexpected argument ") + args[1]);
+        return Print(QStringLiteral("yunqi-statement " YUNQI_VERSION "\n"));
+    }
     const Command* command = Find(name);
     if (!command) return Usage(QStringLiteral("unknown command: ") + name);
+    const QStringList rest = args.mid(1);
+    // The command's own table tells where "--help" stands as an option.
+    if (ParseArgs(*command->spec, rest).help) return Print(StatementUsage(name));
     static ConsoleDialogs dialogs;
     SetAppDialogs(&dialogs);
-    return command->run(args.mid(1));
+    return command->run(rest);
 }
 
 }  // namespace yunqi

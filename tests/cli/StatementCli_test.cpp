@@ -1,11 +1,14 @@
 // Every command of yunqi-statement reads its arguments through one table: a
 // mistake reads the same in each, exit 2, the reason then that command's own
-// usage, once, on standard error.
+// usage, once, on standard error; --help and --version answer on standard
+// output.
 #include <gtest/gtest.h>
 
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include "cli/ToolProcess.h"
+#include "reports/Reports.h"
 
 using namespace yunqi;
 using namespace yunqi::test;
@@ -87,5 +90,41 @@ INSTANTIATE_TEST_SUITE_P(
                                          Mistake::MissingValue, Mistake::EmptyValue,
                                          Mistake::Stray, Mistake::BadShape, Mistake::Required)),
     RowName);
+
+TEST(StatementCliTest, HelpAndVersionAnswerOnStandardOutput) {
+    const ToolResult all = RunTool({"--help"});
+    EXPECT_EQ(all.status, 0);
+    EXPECT_TRUE(all.err.isEmpty());
+    EXPECT_TRUE(all.out.startsWith("usage:\n"));
+    for (const QStringList& same : {QStringList{"-h"}, QStringList{"help"}})
+        EXPECT_EQ(RunTool(same).out, all.out) << same.join(' ').toStdString();
+    // No arguments: the same usage, as a mistake.
+    const ToolResult none = RunTool({});
+    EXPECT_EQ(none.status, 2);
+    EXPECT_EQ(none.err, all.out);
+
+    // A command's --help is the usage its mistakes show, and a line of the whole usage.
+    for (const CommandRow& c : kCommands) {
+        const ToolResult help = RunTool(QStringList{c.command} + c.rest + QStringList{"-h"});
+        EXPECT_EQ(help.status, 0) << c.command;
+        EXPECT_EQ(RunTool({"help", c.command}).out, help.out);
+        const QString mistake = RunTool({c.command, "--bogus"}).Err();
+        EXPECT_EQ(mistake.section('\n', 1), QString::fromUtf8(help.out)) << c.command;
+        const QByteArray line = "usage: yunqi-statement " + QByteArray(c.command) + " ";
+        ASSERT_TRUE(help.out.startsWith(line)) << help.out.toStdString();
+        EXPECT_TRUE(all.out.contains(" " + help.out.mid(line.size()))) << c.command;
+    }
+    for (const ReportDefinition* report : AllReports())
+        EXPECT_TRUE(all.out.contains(report->command.toUtf8()));
+
+    const ToolResult version = RunTool({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_TRUE(QRegularExpression("^yunqi-statement \\d+\\.\\d+\\.\\d+\n$")
+                    .match(QString::fromUtf8(version.out))
+                    .hasMatch())
+        << version.out.toStdString();
+    EXPECT_EQ(RunTool({"--version", "x"}).status, 2);
+    EXPECT_EQ(RunTool({"help", "nonsense"}).status, 2);
+}
 
 }  // namespace
