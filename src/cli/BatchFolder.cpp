@@ -18,9 +18,9 @@ bool HoldsOnlyBatchFiles(const QDir& dir) {
          dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
         if (entry.isFile() && entry.fileName() == QLatin1String("summary.csv")) continue;
         if (!entry.isDir() || entry.isSymLink()) return false;
-        for (const QFileInfo& f : QDir(entry.filePath())
-                                      .entryInfoList(QDir::AllEntries | QDir::Hidden |
-                                                     QDir::NoDotAndDotDot))
+        for (const QFileInfo& f :
+             QDir(entry.filePath())
+                 .entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
             if (!f.isFile() || f.isSymLink() || !ours.contains(f.fileName())) return false;
     }
     return true;
@@ -31,8 +31,7 @@ bool HoldsOnlyBatchFiles(const QDir& dir) {
 QString ForeignFolderProblem(const QString& out, bool force) {
     const QDir dir(out);
     if (!dir.exists() || force || HoldsOnlyBatchFiles(dir)) return QString();
-    return out +
-           QStringLiteral(" holds files of something else; --force to write into it anyway");
+    return out + QStringLiteral(" holds files of something else; --force to write into it anyway");
 }
 
 bool MakeBatchFolders(const QString& path, const QStringList& folders) {

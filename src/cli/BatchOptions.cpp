@@ -73,7 +73,7 @@ std::optional<BatchOptions> ParseBatchOptions(const QStringList& args, QString& 
     if (!ReadRatios(o.ratios, problem)) return std::nullopt;
     o.csv = parsed.Has(QStringLiteral("--csv"));
     o.jobs = parsed.Has(QStringLiteral("--jobs")) ? parsed.Value(QStringLiteral("--jobs")).toInt()
-                                                   : std::max(1, QThread::idealThreadCount());
+                                                  : std::max(1, QThread::idealThreadCount());
     o.force = parsed.Has(QStringLiteral("--force"));
     o.quiet = parsed.Has(QStringLiteral("--quiet"));
     return o;

@@ -50,7 +50,8 @@ BatchPlan PlanBatch(const BatchOptions& o, const QStringList& entries) {
             job.report = report->command;
             job.label = code + QLatin1Char(' ') + Conditions::DepartmentOf(entry).trimmed() +
                         QLatin1Char(' ') + report->texts.caption;
-            job.relativeFile = folder + QLatin1Char('/') + report->command + QStringLiteral(".xlsx");
+            job.relativeFile =
+                folder + QLatin1Char('/') + report->command + QStringLiteral(".xlsx");
             job.args = StatementArgs(o, *report, code);
             job.args << QStringLiteral("--xlsx") << out.filePath(job.relativeFile);
             if (o.csv)

@@ -1,9 +1,10 @@
 #include "cli/BatchProgress.h"
 
+#include <unistd.h>
+
 #include <QLocale>
 #include <QTextStream>
 #include <cstdio>
-#include <unistd.h>
 
 namespace yunqi {
 
@@ -19,10 +20,10 @@ void BatchProgress::Finished(const BatchJob& job, int done) {
         BatchSay(job.dept + QLatin1Char(' ') + job.report + QStringLiteral(": ") + job.message);
     if (quiet_) return;
     static const QLocale grouping(QLocale::English);
-    const QString line = QStringLiteral("[%1/%2] %3 ").arg(done).arg(total_).arg(job.label) +
-                         (job.status == BatchJob::Status::Ok
-                              ? grouping.toString(job.rows) + QStringLiteral(" rows")
-                              : StatusText(job.status));
+    const QString line =
+        QStringLiteral("[%1/%2] %3 ").arg(done).arg(total_).arg(job.label) +
+        (job.status == BatchJob::Status::Ok ? grouping.toString(job.rows) + QStringLiteral(" rows")
+                                            : StatusText(job.status));
     QTextStream err(stderr);
     if (terminal_)
         err << "\r\033[K" << line << (done == total_ ? "\n" : "") << Qt::flush;

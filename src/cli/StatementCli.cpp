@@ -41,8 +41,7 @@ const std::vector<Command>& Commands() {
                                 }});
             else if (report->makeMonthly)
                 list.push_back({report->command, spec, [report](const QStringList& args) {
-                                    return RunMonthlyStatement(*report, args,
-                                                               OpenStatementSession);
+                                    return RunMonthlyStatement(*report, args, OpenStatementSession);
                                 }});
         }
         list.push_back({QStringLiteral("make-demo-db"), &MakeDemoDbSpec(), RunMakeDemoDb});
@@ -85,8 +84,9 @@ QString StatementUsage(const QString& command) {
         usage += QStringLiteral("  ") + UsageLine(names.join(QLatin1Char('|')), *spec) +
                  QLatin1Char('\n');
     }
-    return usage + QStringLiteral("  yunqi-statement COMMAND --help\n"
-                                  "  yunqi-statement --help|--version\n");
+    return usage + QStringLiteral(
+                       "  yunqi-statement COMMAND --help\n"
+                       "  yunqi-statement --help|--version\n");
 }
 
 int CommandArgumentError(const QString& command, const QString& problem) {

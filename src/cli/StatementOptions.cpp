@@ -108,8 +108,8 @@ std::optional<std::vector<RatioOption>> ReadRatios(const QStringList& values, QS
         const auto m = RatioShape().match(value);
         RatioOption r{m.captured(1), m.captured(2), m.captured(3)};
         if (items.contains(r.itemCode)) {
-            problem = QStringLiteral("--ratio for item ") + r.itemCode +
-                      QStringLiteral(" given twice");
+            problem =
+                QStringLiteral("--ratio for item ") + r.itemCode + QStringLiteral(" given twice");
             return std::nullopt;
         }
         items.insert(r.itemCode);

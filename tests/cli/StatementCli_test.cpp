@@ -23,6 +23,7 @@ struct CommandRow {
     QString option, good, bad, wants, required;
 };
 
+// clang-format off
 const CommandRow kCommands[] = {
     {"invoice", {"--dept", "01", "--to", "2024-12-31"}, "--from", "2024-01-01", "2024-02-30",
      "--from wants a date YYYY-MM-DD, not 2024-02-30", "--dept"},
@@ -37,6 +38,7 @@ const CommandRow kCommands[] = {
     {"make-demo-db", {"demo.sqlite"}, "--tickets", "10", "many",
      "--tickets wants a whole number, not many", "FILE"},
 };
+// clang-format on
 
 void PrintTo(const CommandRow& c, std::ostream* os) { *os << c.command; }
 
@@ -49,14 +51,21 @@ void PrintTo(Mistake m, std::ostream* os) { *os << kMistakes[int(m)]; }
 std::pair<QStringList, QString> Make(const CommandRow& c, Mistake m) {
     const QStringList given = c.rest + QStringList{c.option, c.good};
     switch (m) {
-    case Mistake::UnknownOption: return {given + QStringList{"--bogus"}, "unknown option --bogus"};
-    case Mistake::Repeated: return {given + QStringList{c.option, c.good}, c.option + " given twice"};
-    case Mistake::MissingValue: return {c.rest + QStringList{c.option}, c.option + " needs a value"};
-    case Mistake::EmptyValue:
-        return {c.rest + QStringList{c.option, ""}, c.option + " needs a value, not an empty text"};
-    case Mistake::Stray: return {given + QStringList{"stray"}, "unexpected argument stray"};
-    case Mistake::BadShape: return {c.rest + QStringList{c.option, c.bad}, c.wants};
-    case Mistake::Required: return {{}, c.required + " is required"};
+        case Mistake::UnknownOption:
+            return {given + QStringList{"--bogus"}, "unknown option --bogus"};
+        case Mistake::Repeated:
+            return {given + QStringList{c.option, c.good}, c.option + " given twice"};
+        case Mistake::MissingValue:
+            return {c.rest + QStringList{c.option}, c.option + " needs a value"};
+        case Mistake::EmptyValue:
+            return {c.rest + QStringList{c.option, ""},
+                    c.option + " needs a value, not an empty text"};
+        case Mistake::Stray:
+            return {given + QStringList{"stray"}, "unexpected argument stray"};
+        case Mistake::BadShape:
+            return {c.rest + QStringList{c.option, c.bad}, c.wants};
+        case Mistake::Required:
+            return {{}, c.required + " is required"};
     }
     return {};
 }
@@ -87,8 +96,8 @@ INSTANTIATE_TEST_SUITE_P(
     AllCommands, StatementCliMistakes,
     ::testing::Combine(::testing::ValuesIn(kCommands),
                        ::testing::Values(Mistake::UnknownOption, Mistake::Repeated,
-                                         Mistake::MissingValue, Mistake::EmptyValue,
-                                         Mistake::Stray, Mistake::BadShape, Mistake::Required)),
+                                         Mistake::MissingValue, Mistake::EmptyValue, Mistake::Stray,
+                                         Mistake::BadShape, Mistake::Required)),
     RowName);
 
 TEST(StatementCliTest, HelpAndVersionAnswerOnStandardOutput) {
