@@ -9,8 +9,4 @@ namespace yunqi {
 // 1 some failed, 2 bad arguments, 130 interrupted.
 int RunBatch(const QStringList& args);
 
-// A department code as a file name: characters a file name can't hold, and
-// "%", written as %XX of their UTF-8 bytes.
-QString FileNameOfCode(const QString& code);
-
 }  // namespace yunqi

@@ -43,6 +43,14 @@ class SignalCatcher {
 
 }  // namespace
 
+QString StatusText(BatchJob::Status s) {
+    switch (s) {
+    case BatchJob::Status::Ok: return QStringLiteral("ok");
+    case BatchJob::Status::Empty: return QStringLiteral("empty");
+    default: return QStringLiteral("failed");
+    }
+}
+
 int CsvRecords(const QByteArray& csv) {
     int records = 0;
     bool quoted = false, inRecord = false;

@@ -25,6 +25,9 @@ struct BatchJob {
     QString message;  // what the companion said on failure
 };
 
+// "ok", "empty" or "failed", as the summary and the progress say it.
+QString StatusText(BatchJob::Status status);
+
 // Runs the jobs, at most `parallel` at a time, and reports each finished one.
 // Returns false when interrupted (SIGINT, SIGTERM, SIGHUP): the running
 // companions are stopped, and they remove their temporary files themselves.

@@ -4,58 +4,55 @@
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <QSet>
 #include <QTextStream>
 
 #include "cli/DemoDatabase.h"
-#include "cli/StatementOptions.h"
+#include "cli/StatementCli.h"
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
 
 namespace yunqi {
 
+namespace {
+
+QString TicketsProblem(const QString& name, const QString& value) {
+    bool ok = false;
+    return value.toInt(&ok) >= 0 && ok ? QString()
+                                       : Wants(name, QStringLiteral("a whole number"), value);
+}
+
+QString SeedProblem(const QString& name, const QString& value) {
+    bool ok = false;
+    value.toULongLong(&ok);
+    return ok ? QString() : Wants(name, QStringLiteral("a whole number"), value);
+}
+
+}  // namespace
+
+const CommandSpec& MakeDemoDbSpec() {
+    using O = OptionSpec;
+    static const CommandSpec spec{{{"FILE", "FILE", O::Required | O::Positional},
+                                   {"--tickets", "N", 0, TicketsProblem},
+                                   {"--seed", "S", 0, SeedProblem},
+                                   {"--force", nullptr}}};
+    return spec;
+}
+
 int RunMakeDemoDb(const QStringList& args) {
     QTextStream err(stderr);
-    const auto bad = [&err](const QString& problem) {
-        err << "yunqi-statement: make-demo-db: " << problem << "\n" << StatementUsage();
-        return 2;
+    const auto bad = [](const QString& problem) {
+        return CommandArgumentError(QStringLiteral("make-demo-db"), problem);
     };
-    QString file;
-    bool fileGiven = false, force = false;
-    int tickets = 20000;
-    quint64 seed = 1;
-    QSet<QString> seen;
-    for (int i = 0; i < args.size(); ++i) {
-        const QString& a = args[i];
-        if (!a.startsWith(QLatin1String("--"))) {
-            if (fileGiven) return bad(QStringLiteral("unexpected argument ") + a);
-            if (a.isEmpty()) return bad(QStringLiteral("FILE is an empty text"));
-            file = a;
-            fileGiven = true;
-            continue;
-        }
-        if (a != QLatin1String("--tickets") && a != QLatin1String("--seed") &&
-            a != QLatin1String("--force"))
-            return bad(QStringLiteral("unknown option ") + a);
-        if (seen.contains(a)) return bad(a + QStringLiteral(" given twice"));
-        seen.insert(a);
-        if (a == QLatin1String("--force")) {
-            force = true;
-            continue;
-        }
-        if (i + 1 >= args.size() || args[i + 1].startsWith(QLatin1String("--")))
-            return bad(a + QStringLiteral(" needs a value"));
-        const QString& value = args[++i];
-        bool ok = false;
-        if (a == QLatin1String("--tickets")) {
-            tickets = value.toInt(&ok);
-            ok = ok && tickets >= 0;
-        } else {
-            seed = value.toULongLong(&ok);
-        }
-        if (!ok) return bad(a + QStringLiteral(" wants a whole number, not ") + value);
-    }
-    if (!fileGiven) return bad(QStringLiteral("FILE is required"));
+    const ParsedArgs parsed = ParseArgs(MakeDemoDbSpec(), args);
+    if (!parsed.problem.isEmpty()) return bad(parsed.problem);
+    const QString file = parsed.Value(QStringLiteral("FILE"));
+    const bool force = parsed.Has(QStringLiteral("--force"));
+    const int tickets = parsed.Has(QStringLiteral("--tickets"))
+                            ? parsed.Value(QStringLiteral("--tickets")).toInt()
+                            : 20000;
+    const quint64 seed = parsed.Has(QStringLiteral("--seed"))
+                             ? parsed.Value(QStringLiteral("--seed")).toULongLong()
+                             : 1;
     // A ledger is never replaced by demo data unless asked for.
     struct stat st {};
     if (!force && ::lstat(QFile::encodeName(file).constData(), &st) == 0)

@@ -21,18 +21,14 @@ void Say(const QString& text) { SayOnStderr(text); }
 // The percentages typed for a parking item, checked as the editor checks them.
 bool ApplyRatios(const std::vector<RatioOption>& ratios, bool ifPresent, FlexGrid& grid2) {
     for (const RatioOption& ratio : ratios) {
-        const QString code = QLatin1Char('\'') + ratio.itemCode + QLatin1Char('\'');
-        int row = -1;
-        for (int r = 1; r < grid2.Rows() && row < 0; ++r)
-            if (grid2.TextMatrix(r, SplitRatios::kCodeCol) == code) row = r;
+        const int row = SplitRatios::RowOfItem(grid2, ratio.itemCode);
         if (row < 0 && ifPresent) continue;
         if (row < 0) {
             Say(QStringLiteral("no parking item with code ") + ratio.itemCode +
                 QStringLiteral(" in this window"));
             return false;
         }
-        grid2.SetTextMatrix(row, SplitRatios::kDeveloperCol, ratio.developer);
-        grid2.SetTextMatrix(row, SplitRatios::kPropertyCol, ratio.property);
+        SplitRatios::SetShares(grid2, row, ratio.developer, ratio.property);
         if (!SplitRatios::SumIsHundred(grid2, row)) {
             Say(SplitRatios::SumMessage());
             return false;

@@ -3,6 +3,7 @@
 #include <QTextStream>
 
 #include "cli/GridCsv.h"
+#include "cli/StatementCli.h"
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
 #include "db/Settings.h"
@@ -21,7 +22,7 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
     const auto options = ParseStatementOptions(args, report.conditions, problem);
     if (!options) {
         SayOnStderr(problem);
-        QTextStream(stderr) << StatementUsage();
+        QTextStream(stderr) << StatementUsage(report.command);
         return kStatementBadArguments;
     }
     const StatementOptions& o = *options;
@@ -36,7 +37,7 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
     }
     if (const auto clash = OutputClash(outputs, inputs)) {
         SayOnStderr(*clash);
-        QTextStream(stderr) << StatementUsage();
+        QTextStream(stderr) << StatementUsage(report.command);
         return kStatementBadArguments;
     }
 

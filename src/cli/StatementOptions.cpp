@@ -8,37 +8,40 @@ namespace yunqi {
 
 namespace {
 
-enum class Takes { Both, DateWindow, YearMonths };
-
-struct OptionSpec {
-    const char* name;
-    Takes takes;
-};
-
-const OptionSpec kOptions[] = {
-    {"--database", Takes::Both},     {"--dept", Takes::Both},        {"--from", Takes::DateWindow},
-    {"--to", Takes::DateWindow},     {"--ratio", Takes::DateWindow}, {"--year", Takes::YearMonths},
-    {"--months", Takes::YearMonths}, {"--csv", Takes::Both},         {"--xlsx", Takes::Both},
-    {"--sql-log", Takes::Both},
-};
-
-const OptionSpec* Find(const QString& name) {
-    for (const OptionSpec& o : kOptions)
-        if (name == QLatin1String(o.name)) return &o;
-    return nullptr;
+const QRegularExpression& RatioShape() {
+    static const QRegularExpression shape(QStringLiteral("^([^=]+)=([^/]+)/(.+)$"));
+    return shape;
 }
 
-bool Accepts(const OptionSpec& o, ConditionsKind kind) {
-    return o.takes == Takes::Both ||
-           (o.takes == Takes::DateWindow) == (kind == ConditionsKind::DateWindow);
-}
+QDate Day(const QString& text) { return QDate::fromString(text, QStringLiteral("yyyy-MM-dd")); }
 
-std::optional<QDate> IsoDate(const QString& text) {
+QString DateProblem(const QString& name, const QString& value) {
     static const QRegularExpression shape(QStringLiteral("^\\d{4}-\\d{2}-\\d{2}$"));
-    if (!shape.match(text).hasMatch()) return std::nullopt;
-    const QDate d = QDate::fromString(text, QStringLiteral("yyyy-MM-dd"));
-    if (!d.isValid()) return std::nullopt;
-    return d;
+    const bool ok = shape.match(value).hasMatch() && Day(value).isValid();
+    return ok ? QString() : Wants(name, QStringLiteral("a date YYYY-MM-DD"), value);
+}
+
+QString YearProblem(const QString& name, const QString& value) {
+    static const QRegularExpression shape(QStringLiteral("^\\d{4}$"));
+    return shape.match(value).hasMatch() ? QString()
+                                         : Wants(name, QStringLiteral("a year YYYY"), value);
+}
+
+const QRegularExpression& MonthsShape() {
+    static const QRegularExpression shape(QStringLiteral("^(\\d{2})-(\\d{2})$"));
+    return shape;
+}
+
+bool Month(const QString& text) {
+    const int m = text.toInt();
+    return m >= 1 && m <= 12;
+}
+
+QString MonthsProblem(const QString& name, const QString& value) {
+    const auto m = MonthsShape().match(value);
+    return m.hasMatch() && Month(m.captured(1)) && Month(m.captured(2))
+               ? QString()
+               : Wants(name, QStringLiteral("MM-MM, two months 01 to 12"), value);
 }
 
 // The 物业 share is read back from the grid as a number (a text that is no
@@ -49,41 +52,70 @@ bool IsNumber(const QString& text) {
     return ok && std::isfinite(v);
 }
 
-std::optional<RatioOption> Ratio(const QString& text, QString& problem) {
-    static const QRegularExpression shape(QStringLiteral("^([^=]+)=([^/]+)/(.+)$"));
-    const auto m = shape.match(text);
-    if (!m.hasMatch()) {
-        problem = QStringLiteral("--ratio wants ITEMCODE=DEV/PROP, not ") + text;
-        return std::nullopt;
-    }
-    RatioOption r{m.captured(1), m.captured(2), m.captured(3)};
-    if (!IsNumber(r.property)) {
-        problem = QStringLiteral("--ratio ") + text + QStringLiteral(": the 物业 share ") +
-                  r.property + QStringLiteral(" is no number");
-        return std::nullopt;
-    }
-    return r;
+using O = OptionSpec;
+
+CommandSpec DateWindowSpec() {
+    return {{{"--database", "FILE"},
+             {"--dept", "CODE", O::Required},
+             {"--from", "YYYY-MM-DD", O::Required, DateProblem},
+             {"--to", "YYYY-MM-DD", O::Required, DateProblem},
+             {"--ratio", "ITEMCODE=DEV/PROP", O::Repeatable, RatioProblem},
+             // The batch passes its ratios to every department: an item a
+             // department's window lacks is no mistake there.
+             {"--ratio-if-present", nullptr, O::Repeatable | O::Hidden},
+             {"--csv", "PATH|-"},
+             {"--xlsx", "PATH"},
+             {"--sql-log", "PATH"}},
+            {QStringLiteral("--year"), QStringLiteral("--months")},
+            QStringLiteral(" belongs to the reconciliation; this command takes --from and --to")};
 }
 
-bool Month(const QString& text) {
-    const int m = text.toInt();
-    return m >= 1 && m <= 12;
+CommandSpec YearMonthsSpec() {
+    return {{{"--database", "FILE"},
+             {"--dept", "CODE", O::Required},
+             {"--year", "YYYY", O::Required, YearProblem},
+             {"--months", "MM-MM", O::Required, MonthsProblem},
+             {"--csv", "PATH|-"},
+             {"--xlsx", "PATH"},
+             {"--sql-log", "PATH"}},
+            {QStringLiteral("--from"), QStringLiteral("--to"), QStringLiteral("--ratio")},
+            QStringLiteral(" belongs to the date-window statements; this command takes --year and "
+                           "--months")};
 }
 
 }  // namespace
 
-QString StatementUsage() {
-    return QStringLiteral(
-        "usage:\n"
-        "  yunqi-statement invoice|preinvoice|parking [--database FILE] --dept CODE "
-        "--from YYYY-MM-DD --to YYYY-MM-DD [--ratio ITEMCODE=DEV/PROP]... [--csv PATH|-] "
-        "[--xlsx PATH] [--sql-log PATH]\n"
-        "  yunqi-statement reconciliation [--database FILE] --dept CODE --year YYYY "
-        "--months MM-MM [--csv PATH|-] [--xlsx PATH] [--sql-log PATH]\n"
-        "  yunqi-statement make-demo-db FILE [--tickets N] [--seed S] [--force]\n"
-        "  yunqi-statement batch [--database FILE] --month YYYY-MM --out DIR [--dept CODE]... "
-        "[--report NAME]... [--ratio ITEMCODE=DEV/PROP]... [--csv] [--jobs N] [--force] "
-        "[--quiet]\n");
+const CommandSpec& StatementSpec(ConditionsKind kind) {
+    static const CommandSpec window = DateWindowSpec(), months = YearMonthsSpec();
+    return kind == ConditionsKind::DateWindow ? window : months;
+}
+
+QString RatioProblem(const QString& name, const QString& value) {
+    const auto m = RatioShape().match(value);
+    if (!m.hasMatch()) return Wants(name, QStringLiteral("ITEMCODE=DEV/PROP"), value);
+    if (!IsNumber(m.captured(3)))
+        return name + QLatin1Char(' ') + value + QStringLiteral(": the 物业 share ") +
+               m.captured(3) + QStringLiteral(" is no number");
+    return QString();
+}
+
+std::optional<std::vector<RatioOption>> ReadRatios(const QStringList& values, QString& problem) {
+    std::vector<RatioOption> ratios;
+    QSet<QString> items;
+    for (const QString& value : values) {
+        if (problem = RatioProblem(QStringLiteral("--ratio"), value); !problem.isEmpty())
+            return std::nullopt;
+        const auto m = RatioShape().match(value);
+        RatioOption r{m.captured(1), m.captured(2), m.captured(3)};
+        if (items.contains(r.itemCode)) {
+            problem =
+                QStringLiteral("--ratio for item ") + r.itemCode + QStringLiteral(" given twice");
+            return std::nullopt;
+        }
+        items.insert(r.itemCode);
+        ratios.push_back(r);
+    }
+    return ratios;
 }
 
 std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, QString& problem) {
@@ -92,85 +124,30 @@ std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, Q
 
 std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, ConditionsKind kind,
                                                       QString& problem) {
-    static const QRegularExpression yearShape(QStringLiteral("^\\d{4}$"));
-    static const QRegularExpression monthsShape(QStringLiteral("^(\\d{2})-(\\d{2})$"));
-    StatementOptions o;
-    QSet<QString> seen;
-    QSet<QString> ratioItems;
-    auto fail = [&problem](const QString& text) {
-        problem = text;
-        return std::nullopt;
-    };
-    for (int i = 0; i < args.size(); ++i) {
-        const QString& name = args[i];
-        if (name == QLatin1String("--ratio-if-present") && kind == ConditionsKind::DateWindow) {
-            // The batch passes its ratios to every department: an item a
-            // department's window lacks is no mistake there.
-            o.ratioIfPresent = true;
-            continue;
-        }
-        if (!name.startsWith(QLatin1String("--")))
-            return fail(QStringLiteral("unexpected argument ") + name);
-        const OptionSpec* spec = Find(name);
-        if (!spec) return fail(QStringLiteral("unknown option ") + name);
-        if (!Accepts(*spec, kind))
-            return fail(name + (kind == ConditionsKind::DateWindow
-                                    ? QStringLiteral(" belongs to the reconciliation; this "
-                                                     "command takes --from and --to")
-                                    : QStringLiteral(" belongs to the date-window statements; "
-                                                     "this command takes --year and --months")));
-        // The next option is no value: "--csv --xlsx x" lacks the CSV path.
-        if (i + 1 >= args.size() || Find(args[i + 1]))
-            return fail(name + QStringLiteral(" needs a value"));
-        const QString value = args[++i];
-        if (value.isEmpty())
-            return fail(name + QStringLiteral(" needs a value, not an empty text"));
-        if (name != QLatin1String("--ratio") && seen.contains(name))
-            return fail(name + QStringLiteral(" given twice"));
-        seen.insert(name);
+    const ParsedArgs parsed = ParseArgs(StatementSpec(kind), args);
+    // The command line answers --help before a command runs; here it is no option.
+    if (parsed.help) problem = QStringLiteral("unexpected argument --help");
+    if (!parsed.problem.isEmpty()) problem = parsed.problem;
+    if (parsed.help || !parsed.problem.isEmpty()) return std::nullopt;
 
-        if (name == QLatin1String("--database")) {
-            o.database = value;
-        } else if (name == QLatin1String("--dept")) {
-            o.dept = value;
-        } else if (name == QLatin1String("--from") || name == QLatin1String("--to")) {
-            const auto d = IsoDate(value);
-            if (!d) return fail(name + QStringLiteral(" wants a date YYYY-MM-DD, not ") + value);
-            (name == QLatin1String("--from") ? o.from : o.to) = *d;
-        } else if (name == QLatin1String("--ratio")) {
-            const auto r = Ratio(value, problem);
-            if (!r) return std::nullopt;
-            if (ratioItems.contains(r->itemCode))
-                return fail(QStringLiteral("--ratio for item ") + r->itemCode +
-                            QStringLiteral(" given twice"));
-            ratioItems.insert(r->itemCode);
-            o.ratios.push_back(*r);
-        } else if (name == QLatin1String("--year")) {
-            if (!yearShape.match(value).hasMatch())
-                return fail(QStringLiteral("--year wants a year YYYY, not ") + value);
-            o.Year = value;
-        } else if (name == QLatin1String("--months")) {
-            const auto m = monthsShape.match(value);
-            if (!m.hasMatch() || !Month(m.captured(1)) || !Month(m.captured(2)))
-                return fail(QStringLiteral("--months wants MM-MM, two months 01 to 12, not ") +
-                            value);
-            o.FromMonth = m.captured(1);
-            o.ToMonth = m.captured(2);
-        } else if (name == QLatin1String("--csv")) {
-            o.csv = value;
-        } else if (name == QLatin1String("--xlsx")) {
-            o.xlsx = value;
-        } else if (name == QLatin1String("--sql-log")) {
-            o.sqlLog = value;
-        }
-    }
-    if (o.dept.isEmpty()) return fail(QStringLiteral("--dept is required"));
+    StatementOptions o;
+    o.database = parsed.Value(QStringLiteral("--database"));
+    o.dept = parsed.Value(QStringLiteral("--dept"));
+    o.csv = parsed.Value(QStringLiteral("--csv"));
+    o.xlsx = parsed.Value(QStringLiteral("--xlsx"));
+    o.sqlLog = parsed.Value(QStringLiteral("--sql-log"));
     if (kind == ConditionsKind::DateWindow) {
-        if (!o.from.isValid()) return fail(QStringLiteral("--from is required"));
-        if (!o.to.isValid()) return fail(QStringLiteral("--to is required"));
+        o.from = Day(parsed.Value(QStringLiteral("--from")));
+        o.to = Day(parsed.Value(QStringLiteral("--to")));
+        o.ratioIfPresent = parsed.Has(QStringLiteral("--ratio-if-present"));
+        const auto ratios = ReadRatios(parsed.Values(QStringLiteral("--ratio")), problem);
+        if (!ratios) return std::nullopt;
+        o.ratios = *ratios;
     } else {
-        if (o.Year.isEmpty()) return fail(QStringLiteral("--year is required"));
-        if (o.FromMonth.isEmpty()) return fail(QStringLiteral("--months is required"));
+        o.Year = parsed.Value(QStringLiteral("--year"));
+        const auto m = MonthsShape().match(parsed.Value(QStringLiteral("--months")));
+        o.FromMonth = m.captured(1);
+        o.ToMonth = m.captured(2);
     }
     return o;
 }

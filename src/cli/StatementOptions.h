@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "cli/CommandLine.h"
 #include "frame/ReportDefinition.h"
 
 namespace yunqi {
@@ -38,23 +39,26 @@ struct StatementOptions {
     QString sqlLog;
 };
 
+// The option table of the commands of a shape.
+const CommandSpec& StatementSpec(ConditionsKind kind);
+
 // Parses the arguments after the command name for a command of the given
 // shape. On a problem returns nothing and sets problem to a one-line reason
-// that names the option: a missing or empty value, an unknown option or one
-// of the other shape, an unexpected argument, an option given twice (a
-// --ratio twice for one item), a value of the wrong shape (a date that is no
-// YYYY-MM-DD day, a year that is no YYYY, months that are not MM-MM with
-// months 01 to 12, a --ratio that is not ITEMCODE=DEV/PROP or whose 物业
-// share is no number), a required option missing. Checks that need the
-// ledger (the department, the order of dates or months, the sum of a ratio)
-// are the command's, with the window's messages.
+// that names the option (see ParseArgs), besides: an option of the other
+// shape, a --ratio twice for one item, a value of the wrong shape (a date
+// that is no YYYY-MM-DD day, a year that is no YYYY, months that are not
+// MM-MM with months 01 to 12, a --ratio that is not ITEMCODE=DEV/PROP or
+// whose 物业 share is no number). Checks that need the ledger (the
+// department, the order of dates or months, the sum of a ratio) are the
+// command's, with the window's messages.
 std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, ConditionsKind kind,
                                                       QString& problem);
 // The date-window shape.
 std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, QString& problem);
 
-// yunqi-statement's usage, every command, one line each (the text printed
-// after an argument error).
-QString StatementUsage();
+// The check of one --ratio value, shared with the batch that passes it on.
+QString RatioProblem(const QString& name, const QString& value);
+// The --ratio values read, at most one for an item.
+std::optional<std::vector<RatioOption>> ReadRatios(const QStringList& values, QString& problem);
 
 }  // namespace yunqi

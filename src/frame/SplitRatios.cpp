@@ -71,6 +71,16 @@ std::vector<int> RowsOf(const FlexGrid& grid, const QString& itemCode) {
     return rows;
 }
 
+int RowOfItem(const FlexGrid& grid, const QString& code) {
+    const std::vector<int> rows = RowsOf(grid, QLatin1Char('\'') + code + QLatin1Char('\''));
+    return rows.empty() ? -1 : rows.front();
+}
+
+void SetShares(FlexGrid& grid, int row, const QString& developer, const QString& property) {
+    grid.SetTextMatrix(row, kDeveloperCol, developer);
+    grid.SetTextMatrix(row, kPropertyCol, property);
+}
+
 bool SumIsHundred(const FlexGrid& grid, int row) {
     return ValueRules::Val(grid.TextMatrix(row, kPropertyCol)) +
                ValueRules::Val(grid.TextMatrix(row, kDeveloperCol)) ==

@@ -27,6 +27,10 @@ void Fill(FlexGrid& grid, const FeeItemList& items);
 QString RatioText(const FlexGrid& grid, int row);
 // The rows of the grid that belong to an item (its quoted code in column 4).
 std::vector<int> RowsOf(const FlexGrid& grid, const QString& itemCode);
+// The first row of the item whose code, without its quotes, is code; -1 if none.
+int RowOfItem(const FlexGrid& grid, const QString& code);
+// The two percentages of a row, as the editor takes them.
+void SetShares(FlexGrid& grid, int row, const QString& developer, const QString& property);
 // The editor's rule: the two shares of a row add up to exactly 100.
 bool SumIsHundred(const FlexGrid& grid, int row);
 QString SumMessage();
