@@ -38,7 +38,9 @@ int RunBatch(const QStringList& args) {
     QStringList entries;
     try {
         auto session = OpenStatementSession(o.database);
-        entries = Conditions::LoadDepartments(*session);
+        Trapped trapped;
+        entries = Conditions::LoadDepartments(*session, &trapped);
+        if (trapped) throw *trapped;
     } catch (const RuntimeError& e) {
         BatchSay(QStringLiteral("error ") + QString::number(e.number()) + QStringLiteral(": ") +
                  e.description());
