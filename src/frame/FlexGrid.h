@@ -42,7 +42,6 @@ public:
     int FixedRows() const { return fixedRows_; }
     void SetFixedRows(int n) { fixedRows_ = n; }
     int FixedCols() const { return fixedCols_; }
-    void SetFixedCols(int n) { fixedCols_ = n; }
 
     int Row() const { return row_; }
     void SetRow(int row);
@@ -65,9 +64,6 @@ public:
     int FixedAlignment(int col) const;
     void SetFixedAlignment(int col, int alignment);
 
-    // Back colour of the current cell.
-    int CellBackColor() const { return CellBackColorAt(row_, col_); }
-    void SetCellBackColor(int bgr) { SetCellBackColorAt(row_, col_, bgr); }
     int CellBackColorAt(int row, int col) const;
     void SetCellBackColorAt(int row, int col, int bgr);
     // Alignment of the current cell; -1 until set, the column's then applies.

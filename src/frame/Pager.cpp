@@ -74,7 +74,6 @@ void FillPage(FlexGrid& grid, int page, int pageSize, int lastRecord,
         if (++written == pageSize) break;
     }
     grid.SetVisible(true);
-    grid.Touch();
 }
 
 }  // namespace Pager

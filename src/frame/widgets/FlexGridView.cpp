@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QScrollBar>
+#include <algorithm>
 
 #include "frame/widgets/WindowLayout.h"
 
@@ -9,39 +10,35 @@ namespace yunqi {
 
 namespace {
 
-QColor ColorOf(int bgr) { return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF); }
-
-// The grid control's test for its general alignment: the text reads as a
-// number as a whole, blanks around it allowed.
-bool IsNumber(const QString& text) {
-    bool ok = false;
-    text.trimmed().toDouble(&ok);
-    return ok;
-}
-
 // The grid with nothing to draw yet.
 const FlexGrid& EmptyGrid() {
     static const FlexGrid grid(0, 0, 0, 0);
     return grid;
 }
 
-}  // namespace
-
-Qt::Alignment FlexGridView::AlignmentOf(int code, const QString& text) {
-    if (code == FlexGrid::AlignGeneral)
-        return (IsNumber(text) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
-    const Qt::Alignment h = code <= FlexGrid::AlignLeftBottom     ? Qt::AlignLeft
-                            : code <= FlexGrid::AlignCenterBottom ? Qt::AlignHCenter
-                                                                  : Qt::AlignRight;
-    const Qt::Alignment v = (code % 3 == 0)   ? Qt::AlignTop
-                            : (code % 3 == 1) ? Qt::AlignVCenter
-                                              : Qt::AlignBottom;
-    return h | v;
+// Rows of the grid's standard height take the header's default size, so only
+// the rows of another height are sized one by one.
+void PrepareRowHeader(QTableView* view) {
+    view->verticalHeader()->hide();
+    view->verticalHeader()->setDefaultSectionSize(Pixels(FlexGrid::kStandardRowHeight));
 }
 
+// The height a row is drawn at: the header keeps rows no lower than its font.
+int DrawnHeight(const QTableView* view, int twips) {
+    const QHeaderView* rows = view->verticalHeader();
+    return std::clamp(Pixels(twips), rows->minimumSectionSize(), rows->maximumSectionSize());
+}
+
+}  // namespace
+
 FlexGridView::FlexGridView(QWidget* parent)
-    : QTableWidget(parent), grid_(&EmptyGrid()), fixed_(new QTableView(this)) {
-    verticalHeader()->hide();
+    : QTableView(parent),
+      grid_(&EmptyGrid()),
+      model_(new FlexGridModel(EmptyGrid(), FlexGridModel::Rows::All, this)),
+      fixedModel_(new FlexGridModel(EmptyGrid(), FlexGridModel::Rows::FixedOnly, this)),
+      fixed_(new QTableView(this)) {
+    setModel(model_);
+    PrepareRowHeader(this);
     // The header only keeps the room the fixed rows are drawn in.
     horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     horizontalHeader()->setSectionsClickable(false);
@@ -51,9 +48,9 @@ FlexGridView::FlexGridView(QWidget* parent)
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
 
     fixed_->setObjectName(QStringLiteral("FixedRows"));
-    fixed_->setModel(model());
+    fixed_->setModel(fixedModel_);
     fixed_->horizontalHeader()->hide();
-    fixed_->verticalHeader()->hide();
+    PrepareRowHeader(fixed_);
     fixed_->setFrameShape(QFrame::NoFrame);
     fixed_->setFocusPolicy(Qt::NoFocus);
     fixed_->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -66,14 +63,16 @@ FlexGridView::FlexGridView(QWidget* parent)
             &QScrollBar::setValue);
     connect(fixed_->horizontalScrollBar(), &QScrollBar::valueChanged, horizontalScrollBar(),
             &QScrollBar::setValue);
-    connect(this, &QTableWidget::cellClicked, this, &FlexGridView::CellClicked);
-    connect(fixed_, &QTableView::clicked, this,
-            [this](const QModelIndex& i) { emit CellClicked(i.row(), i.column()); });
+    for (QTableView* view : {static_cast<QTableView*>(this), fixed_})
+        connect(view, &QTableView::clicked, this,
+                [this](const QModelIndex& i) { emit CellClicked(i.row(), i.column()); });
     Refresh();
 }
 
 void FlexGridView::SetGrid(const FlexGrid& grid) {
     grid_ = &grid;
+    model_->SetGrid(grid);
+    fixedModel_->SetGrid(grid);
     Refresh();
 }
 
@@ -84,41 +83,35 @@ int FlexGridView::FixedHeight() const {
     return height;
 }
 
+void FlexGridView::SizeRows(QTableView* view, int hidden) const {
+    const int rows = view->model()->rowCount();
+    for (int r = 0; r < rows; ++r) {
+        const bool hide = r < hidden;
+        if (view->isRowHidden(r) != hide) view->setRowHidden(r, hide);
+        if (hide) continue;
+        const int height = DrawnHeight(view, grid_->RowHeight(r));
+        if (view->rowHeight(r) != height) view->setRowHeight(r, height);
+    }
+}
+
 void FlexGridView::Refresh() {
     const FlexGrid& grid = *grid_;
     setUpdatesEnabled(false);
     clearSpans();
     fixed_->clearSpans();
-    setRowCount(grid.Rows());
-    setColumnCount(grid.Cols());
+    const QColor fixedBack = palette().color(QPalette::Button);
+    for (FlexGridModel* model : {model_, fixedModel_}) {
+        model->SetFixedBackground(fixedBack);
+        model->Update();
+    }
     setWordWrap(grid.WordWrap());
     fixed_->setWordWrap(grid.WordWrap());
-    const QColor fixedBack = palette().color(QPalette::Button);
     for (int c = 0; c < grid.Cols(); ++c) {
         setColumnWidth(c, Pixels(grid.ColWidth(c)));
         fixed_->setColumnWidth(c, Pixels(grid.ColWidth(c)));
     }
-    for (int r = 0; r < grid.Rows(); ++r) {
-        const bool fixedRow = r < grid.FixedRows();
-        setRowHeight(r, Pixels(grid.RowHeight(r)));
-        fixed_->setRowHeight(r, Pixels(grid.RowHeight(r)));
-        setRowHidden(r, fixedRow);
-        fixed_->setRowHidden(r, !fixedRow);
-        for (int c = 0; c < grid.Cols(); ++c) {
-            auto* cell = item(r, c);
-            if (!cell) setItem(r, c, cell = new QTableWidgetItem);
-            const QString& text = grid.TextMatrix(r, c);
-            cell->setText(text);
-            // A cell's own alignment, where one was set, before its column's.
-            const int own = fixedRow ? -1 : grid.CellAlignmentAt(r, c);
-            cell->setTextAlignment(AlignmentOf(
-                own >= 0 ? own : fixedRow ? grid.FixedAlignment(c) : grid.ColAlignment(c), text));
-            const int back = grid.CellBackColorAt(r, c);
-            cell->setBackground(back >= 0                          ? QBrush(ColorOf(back))
-                                : fixedRow || c < grid.FixedCols() ? QBrush(fixedBack)
-                                                                   : QBrush());
-        }
-    }
+    SizeRows(this, grid.FixedRows());
+    SizeRows(fixed_, 0);
     for (const auto& s : grid.MergedSpans()) {
         if (s.row < grid.FixedRows())
             fixed_->setSpan(s.row, s.col, s.rowSpan, s.colSpan);
@@ -131,10 +124,18 @@ void FlexGridView::Refresh() {
     fixed_->setVisible(header > 0);
     updateGeometries();
     setUpdatesEnabled(true);
+    // Hidden while the grid says so; shown again only if the grid hid it.
+    if (!grid.Visible() && !isHidden()) {
+        hide();
+        hiddenByGrid_ = true;
+    } else if (grid.Visible() && hiddenByGrid_) {
+        show();
+        hiddenByGrid_ = false;
+    }
 }
 
 void FlexGridView::updateGeometries() {
-    QTableWidget::updateGeometries();
+    QTableView::updateGeometries();
     // Over the header's room, as wide as the body's viewport.
     fixed_->setGeometry(horizontalHeader()->geometry());
     fixed_->horizontalScrollBar()->setValue(horizontalScrollBar()->value());
@@ -142,11 +143,11 @@ void FlexGridView::updateGeometries() {
 }
 
 QRect FlexGridView::CellRect(int row, int col) const {
-    if (row < 0 || col < 0 || row >= rowCount() || col >= columnCount()) return QRect();
-    const QModelIndex index = model()->index(row, col);
-    const bool fixedRow = row < grid_->FixedRows();
-    const QAbstractItemView* view = fixedRow ? static_cast<const QAbstractItemView*>(fixed_) : this;
-    const QRect r = view->visualRect(index);
+    if (row < 0 || col < 0 || row >= model_->rowCount() || col >= model_->columnCount())
+        return QRect();
+    const bool fixedRow = row < fixedModel_->rowCount();
+    const QTableView* view = fixedRow ? fixed_ : this;
+    const QRect r = view->visualRect(view->model()->index(row, col));
     return QRect(view->viewport()->mapTo(this, r.topLeft()), r.size());
 }
 

@@ -1,28 +1,29 @@
 #pragma once
 
 #include <QTableView>
-#include <QTableWidget>
 
 #include "frame/FlexGrid.h"
+#include "frame/widgets/FlexGridModel.h"
 
 namespace yunqi {
 
-// Draws a FlexGrid model as the grid control does: widths and heights in
-// twips at 15 twips a pixel, alignments (the general one puts numbers right
-// and text left), back colours, word wrap, and the fixed rows shaded, merged
-// as the model's merge rules say and held at the top while the body scrolls.
+// Draws a FlexGrid as the grid control does: widths and heights in twips at
+// 15 twips a pixel, alignments (the general one puts numbers right and text
+// left), back colours, word wrap, and the fixed rows shaded, merged as the
+// grid's merge rules say and held at the top while the body scrolls.
 //
-// The fixed rows are a second view over the same items laid over the space
+// Both views read the grid through item models, so a long page costs only
+// the rows on screen. The fixed rows are a second view laid over the space
 // the horizontal header keeps free; it scrolls sideways with the body. The
 // body hides those rows, so every row a user sees appears once.
-class FlexGridView : public QTableWidget {
+class FlexGridView : public QTableView {
     Q_OBJECT
   public:
     explicit FlexGridView(QWidget* parent = nullptr);
 
-    // The model drawn; it must outlive the view. Refresh() redraws from it.
+    // The grid drawn; it must outlive the view. Refresh() redraws from it
+    // once it was written.
     void SetGrid(const FlexGrid& grid);
-    const FlexGrid& Model() const { return *grid_; }
     void Refresh();
 
     // Where a cell is drawn, in this widget's coordinates, as now scrolled.
@@ -31,9 +32,6 @@ class FlexGridView : public QTableWidget {
     std::pair<int, int> CellAt(const QPoint& at) const;
     // The view of the fixed rows.
     QTableView* FixedRowsView() const { return fixed_; }
-
-    // The alignment drawn for a code of the grid control and a cell's text.
-    static Qt::Alignment AlignmentOf(int code, const QString& text);
 
   signals:
     // A click on any cell, the fixed rows included.
@@ -44,9 +42,16 @@ class FlexGridView : public QTableWidget {
 
   private:
     int FixedHeight() const;
+    // Sizes a view's rows as the grid says; the body's first `hidden` rows
+    // are drawn by the view of the fixed rows instead.
+    void SizeRows(QTableView* view, int hidden) const;
 
-    const FlexGrid* grid_ = nullptr;
+    const FlexGrid* grid_;
+    FlexGridModel* model_;
+    FlexGridModel* fixedModel_;
     QTableView* fixed_;
+    // Whether the grid's Visible hid the view, so that only the grid shows it again.
+    bool hiddenByGrid_ = false;
 };
 
 }  // namespace yunqi

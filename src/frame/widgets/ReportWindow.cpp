@@ -177,8 +177,6 @@ void ReportWindow::ShowBusyPanel(const QString& text) {
 
 void ReportWindow::HideBusyPanel() { picture5_->hide(); }
 
-bool ReportWindow::BusyPanelVisible() const { return !picture5_->isHidden(); }
-
 void ReportWindow::Unload() { CloseChildWindow(this); }
 
 void ReportWindow::ClickCommand2() {

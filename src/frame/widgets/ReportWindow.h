@@ -100,7 +100,6 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     void RestorePointer();
     void ShowBusyPanel(const QString& text);
     void HideBusyPanel();
-    bool BusyPanelVisible() const;
 
     // Command1: unloads the window, its MDI frame with it.
     void Unload();

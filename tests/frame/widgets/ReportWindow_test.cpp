@@ -294,7 +294,7 @@ TEST_F(InvoiceWindowTest, SharesTypedWithEnterAndTheSumRule) {
     Type(editor, "30");
     EXPECT_FALSE(editor->isVisible());
     EXPECT_EQ(dialogs.texts().size(), 1);
-    EXPECT_EQ(grid2->item(1, 2)->text(), "70");
+    EXPECT_EQ(grid2->model()->index(1, 2).data().toString(), "70");
 }
 
 TEST_F(InvoiceWindowTest, ATallerWindowShowsTheEndOfTheList) {
@@ -383,10 +383,10 @@ TEST_F(InvoiceWindowTest, NumbersRightTextLeftAtTheGeneralAlignment) {
     ASSERT_EQ(g.ColAlignment(money), FlexGrid::AlignGeneral);
     ASSERT_EQ(g.ColAlignment(method), FlexGrid::AlignGeneral);
     EXPECT_EQ(g.TextMatrix(2, money), "100.00");
-    EXPECT_EQ(grid1->item(2, money)->textAlignment(), int(Qt::AlignRight | Qt::AlignVCenter));
-    EXPECT_EQ(grid1->item(2, total)->textAlignment(), int(Qt::AlignRight | Qt::AlignVCenter));
+    EXPECT_EQ(grid1->model()->index(2, money).data(Qt::TextAlignmentRole).toInt(), int(Qt::AlignRight | Qt::AlignVCenter));
+    EXPECT_EQ(grid1->model()->index(2, total).data(Qt::TextAlignmentRole).toInt(), int(Qt::AlignRight | Qt::AlignVCenter));
     EXPECT_EQ(g.TextMatrix(2, method), "现金");
-    EXPECT_EQ(grid1->item(2, method)->textAlignment(), int(Qt::AlignLeft | Qt::AlignVCenter));
+    EXPECT_EQ(grid1->model()->index(2, method).data(Qt::TextAlignmentRole).toInt(), int(Qt::AlignLeft | Qt::AlignVCenter));
 }
 
 TEST_F(InvoiceWindowTest, TextsOfTheLabelsButtonsAndStatusPanels) {
