@@ -75,7 +75,6 @@ void Init(FlexGrid& grid, const DetailHeaderPlan& plan) {
         // second keeps the one of the first pass.
         grid.SetColWidth(first, plan.trailing[1].width);
     }
-    grid.Touch();
 }
 
 int Build(FlexGrid& grid, const DetailHeaderPlan& plan, const FeeItemList& items,
@@ -121,7 +120,6 @@ int Build(FlexGrid& grid, const DetailHeaderPlan& plan, const FeeItemList& items
         c = tax + 1;
     }
     WriteTrailing(grid, plan, 1, trailing, false);
-    grid.Touch();
     return n;
 }
 

@@ -34,7 +34,6 @@ void FlexGrid::SetRows(int rows) {
     }
     rows_ = rows;
     if (row_ >= rows_) row_ = rows_ > 0 ? rows_ - 1 : 0;
-    ++revision_;
 }
 
 void FlexGrid::SetCols(int cols) {
@@ -57,7 +56,6 @@ void FlexGrid::SetCols(int cols) {
     mergeCol_.resize(cols, 0);
     cols_ = cols;
     if (col_ >= cols_) col_ = cols_ > 0 ? cols_ - 1 : 0;
-    ++revision_;
 }
 
 void FlexGrid::CheckCell(int row, int col) const {

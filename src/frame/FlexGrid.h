@@ -88,10 +88,6 @@ public:
     // MergeRow, then equal neighbours down a column marked MergeCol.
     std::vector<Span> MergedSpans() const;
 
-    // Counts how often the rows were rebuilt; lets a view repaint once per fill.
-    unsigned Revision() const { return revision_; }
-    void Touch() { ++revision_; }
-
 private:
     void CheckCell(int row, int col) const;
     std::size_t Index(int row, int col) const { return std::size_t(row) * cols_ + col; }
@@ -107,7 +103,6 @@ private:
     int mergeCells_ = MergeNever;
     bool wordWrap_ = false;
     bool visible_ = true;
-    unsigned revision_ = 0;
 };
 
 }  // namespace yunqi

@@ -45,7 +45,6 @@ void Fill(FlexGrid& grid, const FeeItemList& items) {
         grid.SetTextMatrix(row, kPropertyCol, QStringLiteral("30"));
         grid.SetTextMatrix(row, kCodeCol, items[i].ItemCode);
     }
-    grid.Touch();
 }
 
 namespace {

@@ -148,7 +148,6 @@ void LayHeader(FlexGrid& grid, const FeeItemList& items) {
     }
     grid.SetMergeRow(0, true);
     for (int c : {0, 1, 2, DifferenceColumn(n), n + 12}) grid.SetMergeCol(c, true);
-    grid.Touch();
 }
 
 }  // namespace
@@ -439,7 +438,6 @@ Trapped ReconciliationStatement::RunReconciliation(const StatementConditions& k,
             grid.SetCellBackColorAt(r, c, kTotalColor);
         }
     }
-    grid.Touch();
     return trapped;
 }
 
