@@ -7,24 +7,17 @@
 #include "core/ValueRules.h"
 #include "frame/Conditions.h"
 #include "frame/FeeItemReader.h"
-#include "frame/FeeSql.h"
+#include "reports/reconciliation/ReconciliationColumns.h"
 #include "reports/reconciliation/ReconciliationWorkbook.h"
 
 namespace yunqi {
 
 using namespace ValueRules;
+using namespace ReconciliationColumns;
 
 namespace {
 
-const QString kSubtotal = QStringLiteral("小计");
-const QString kTotal = QStringLiteral("合计");
 const QString kZero = QStringLiteral("0.00");
-
-// Columns with n fee items: 3 to 7 invoices and receipts, 8 to n+7 the items.
-int FinanceColumn(int n) { return n + 8; }
-int CollectedColumn(int n) { return n + 9; }
-int UncollectedColumn(int n) { return n + 10; }
-int DifferenceColumn(int n) { return n + 11; }
 
 int AddRow(FlexGrid& grid) {
     grid.SetRows(grid.Rows() + 1);
@@ -44,121 +37,7 @@ std::vector<QString> MonthKeys(const StatementConditions& k) {
     return keys;
 }
 
-// What the invoice sums and the fee-item sums share after their head.
-QString Joins() {
-    return QStringLiteral(" From 票据开票数据") +
-           QStringLiteral(
-               " Inner Join 票据  on 票据开票数据.入库单编号  =票据.入库单编号 and "
-               "票据开票数据.票据编号 = 票据.票据编号") +
-           QStringLiteral(
-               " Inner Join 票据入库单 on 票据开票数据.入库单编号 =票据入库单.入库单编号") +
-           QStringLiteral(
-               " Inner Join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号") +
-           QStringLiteral(" Inner Join 税控盘收费项目设置 on 收费项目代号=dh");
-}
-
-// One invoice sum per rate of the month: SpecialQuery, OrdinaryQuery, ReceiptQuery.
-QString InvoiceSql(const QString& head, const QString& voided, const QString& typeCodes,
-                   const QString& feeCodeList, const StatementConditions& k, const QString& month) {
-    return head + Joins() + QStringLiteral(" Where CONVERT(char(6),开票日期,112) ='") + month +
-           QStringLiteral("'") + QStringLiteral(" And 收费项目代号 in (") + feeCodeList +
-           QStringLiteral(")") + voided + QStringLiteral(" And 开票部门编号 ='") + k.DeptCode +
-           QStringLiteral("'") + QStringLiteral(" And 税控盘收费项目设置.管理处 ='") + k.SiteCode +
-           QStringLiteral("'") + QStringLiteral(" And 票据类型代号 IN (") + typeCodes +
-           QStringLiteral(")") + QStringLiteral(" group by 税控盘收费项目设置.税率");
-}
-
-// What finance took in for one item: paid this month, invoiced then or before.
-QString ItemSql(const FeeItem& item, const StatementConditions& k, const QString& month) {
-    return QStringLiteral("Select SUM(票据开票数据.金额) as ") + item.ItemName +
-           QStringLiteral(", 税控盘收费项目设置.税率") + Joins() +
-           QStringLiteral(" Where ((CONVERT(char(6),开票日期,112) ='") + month +
-           QStringLiteral("' And CONVERT(char(6),收款日期,112) ='") + month + QStringLiteral("')") +
-           QStringLiteral(" Or (CONVERT(char(6),收款日期 ,112) ='") + month +
-           QStringLiteral("' And CONVERT(char(6),开票日期,112) < CONVERT(char(6),收款日期,112)))") +
-           QStringLiteral(" And 收费项目代号 in (") + item.ItemCode + QStringLiteral(")") +
-           QStringLiteral(" And 作废日期 is null and 收款日期 is not null") +
-           QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'") +
-           QStringLiteral(" And 税控盘收费项目设置.管理处 ='") + k.SiteCode + QStringLiteral("'") +
-           QStringLiteral(" And 票据类型代号 IN (") + k.InvoiceTypeList + QStringLiteral(")") +
-           QStringLiteral(" group by 税控盘收费项目设置.税率");
-}
-
-// The pre-invoiced sums share everything after their head and their month test.
-QString PreInvoicedSql(const QString& head, const QString& where, const QString& voided,
-                       const QString& feeCodeList, const StatementConditions& k) {
-    return head + QStringLiteral(" From 票据开票数据") +
-           QStringLiteral(
-               " Inner Join 票据  on 票据开票数据.入库单编号  =票据.入库单编号 and "
-               "票据开票数据.票据编号  =票据.票据编号") +
-           QStringLiteral(
-               " Inner Join 票据入库单 on 票据开票数据.入库单编号 =票据入库单.入库单编号") +
-           QStringLiteral(
-               " Inner Join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号") +
-           where + voided + QStringLiteral(" And 收费项目代号 in (") + feeCodeList +
-           QStringLiteral(")") + QStringLiteral(" And 开票部门编号 ='") + k.DeptCode +
-           QStringLiteral("'") + QStringLiteral(" And 票据类型代号 IN (") + k.InvoiceTypeList +
-           QStringLiteral(")");
-}
-
-struct HeaderColumn {
-    QString top, bottom;
-    int width;
-};
-
-void WriteHeaderColumn(FlexGrid& grid, int c, const HeaderColumn& h) {
-    grid.SetTextMatrix(0, c, h.top);
-    grid.SetTextMatrix(1, c, h.bottom);
-    grid.SetColWidth(c, h.width);
-}
-
-// The header of n items; n = 0 is the default header, with "财务交账" over "小计" alone.
-void LayHeader(FlexGrid& grid, const FeeItemList& items) {
-    const int n = int(items.size()) - 1;
-    const int cols = n + 13;
-    grid.SetRows(2);
-    grid.SetCols(cols);
-    grid.SetFixedRows(2);
-    grid.SetRow(0);
-    grid.SetMergeCells(FlexGrid::MergeRestrictColumns);
-    static const HeaderColumn leading[] = {
-        {QStringLiteral("序"), QStringLiteral("序"), 500},
-        {QStringLiteral("开票年月"), QStringLiteral("开票年月"), 900},
-        {QStringLiteral("税率"), QStringLiteral("税率"), 600},
-        {QStringLiteral("增值税专用发票"), QStringLiteral("金额"), 1300},
-        {QStringLiteral("增值税专用发票"), QStringLiteral("税额"), 1200},
-        {QStringLiteral("增值税普通发票"), QStringLiteral("金额"), 1300},
-        {QStringLiteral("增值税普通发票"), QStringLiteral("税额"), 1200},
-        {QStringLiteral("收据"), QStringLiteral("金额"), 1200},
-    };
-    for (int c = 0; c < 8; ++c) WriteHeaderColumn(grid, c, leading[c]);
-    const QString finance = QStringLiteral("财务交账");
-    for (int i = 1; i <= n; ++i) WriteHeaderColumn(grid, i + 7, {finance, items[i].ItemName, 1200});
-    const HeaderColumn trailing[] = {
-        {finance, kSubtotal, 1200},
-        {QStringLiteral("当月收预开票"), QStringLiteral("金额"), 1200},
-        {QStringLiteral("当月未收预开"), QStringLiteral("金额"), 1200},
-        {QStringLiteral("核对结果"), QStringLiteral("差额"), 1200},
-        {QStringLiteral("备注"), QStringLiteral("备注"), 1600},
-    };
-    for (int j = 0; j < 5; ++j) WriteHeaderColumn(grid, FinanceColumn(n) + j, trailing[j]);
-    for (int c = 0; c < cols; ++c) {
-        grid.SetFixedAlignment(c, FlexGrid::AlignCenterCenter);
-        grid.SetMergeCol(c, false);
-    }
-    grid.SetMergeRow(0, true);
-    for (int c : {0, 1, 2, DifferenceColumn(n), n + 12}) grid.SetMergeCol(c, true);
-}
-
 }  // namespace
-
-void ReconciliationStatement::InitGridHeader(FlexGrid& grid1) const {
-    LayHeader(grid1, FeeItemList(1));
-}
-
-void ReconciliationStatement::BuildGridHeader(FlexGrid& grid1) const {
-    LayHeader(grid1, feeItems_);
-}
 
 QString ReconciliationStatement::LoadInvoiceTypes() {
     Recordset rs = session_.Open(QStringLiteral("Select * From 票据类型 ") +
@@ -195,29 +74,6 @@ QString ReconciliationStatement::TitleCaption(const QString& entry, const QStrin
            QStringLiteral("】票据核对表");
 }
 
-QString ReconciliationStatement::FeeItemSql(const StatementConditions& k) {
-    QString sql = QStringLiteral(
-        "Select distinct 收费项目代号, 税控盘收费项目设置.税率,XM , 收费类别,显示名称");
-    sql += QStringLiteral(" From 票据");
-    sql += QStringLiteral(
-        " inner join 票据开票数据 on 票据.票据编号  =票据开票数据.票据编号 And 票据.入库单编号 = "
-        "票据开票数据.入库单编号");
-    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
-    sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
-    sql += QStringLiteral(" inner join setupsfxm on 收费项目代号=dh");
-    sql +=
-        QStringLiteral(" Inner Join 税控盘收费项目设置 ON setupsfxm.dh = 税控盘收费项目设置.DH ");
-    sql += QStringLiteral(" where CONVERT(char(6),开票日期,112) between '") + k.Year + k.FromMonth +
-           QStringLiteral("' and '") + k.Year + k.ToMonth + QStringLiteral("'");
-    sql += QStringLiteral(" and 作废日期 is null ");
-    sql += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
-    sql += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
-    sql += QStringLiteral(" And 税控盘收费项目设置.管理处 ='") + k.SiteCode + QStringLiteral("'");
-    sql += QStringLiteral(" group by  税控盘收费项目设置.税率,收费项目代号,xm,收费类别,显示名称");
-    sql += QStringLiteral(" order by 收费项目代号");
-    return sql;
-}
-
 Trapped ReconciliationStatement::ExtractFeeItems(const StatementConditions& conditions,
                                                  FlexGrid& grid1) {
     feeItems_ = FeeItemList(1);
@@ -231,70 +87,6 @@ Trapped ReconciliationStatement::ExtractFeeItems(const StatementConditions& cond
         return e;
     }
     return {};
-}
-
-QString ReconciliationStatement::FeeCodeList() const {
-    QString list;
-    for (std::size_t i = 1; i < feeItems_.size(); ++i) {
-        if (i > 1) list += QLatin1Char(',');
-        list += feeItems_[i].ItemCode;
-    }
-    return list;
-}
-
-QString ReconciliationStatement::MonthSql(const StatementConditions& k,
-                                          const QString& month) const {
-    const QString codes = FeeCodeList();
-    const int n = int(feeItems_.size()) - 1;
-    const QString voided = QStringLiteral(" And 作废日期 is null");
-    QString sql = QStringLiteral(
-        "Select Distinct CASE WHEN A.税率 IS NULL THEN 100 else A.税率 END AS S税率 ,");
-    sql += QStringLiteral(
-        " A1.专用发票, A1.专发税额, A2.普通发票, A2.普发税额, CASE WHEN A.税率 IS not NULL THEN "
-        "NULL ELSE A3.收据 End As S收据 ");
-    for (int i = 1; i <= n; ++i) {
-        const QString& c = feeItems_[i].ItemName;
-        const QString b = QStringLiteral("B") + QString::number(i);
-        if (feeItems_[i].TaxRate == 0)
-            sql += QStringLiteral(" , CASE WHEN (A.税率 IS not NULL And A.税率>0) THEN 0 ELSE ") +
-                   b + QLatin1Char('.') + c + QStringLiteral(" END AS ") + c;
-        else
-            sql += QStringLiteral(" ,") + b + QLatin1Char('.') + c;
-    }
-    sql += QStringLiteral(" From 税控盘收费项目设置 A");
-    sql +=
-        QStringLiteral(" LEFT Join (") +
-        InvoiceSql(QStringLiteral("Select SUM(票据开票数据.金额) as 专用发票, SUM(Case When "
-                                  "票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End) as "
-                                  "专发税额, 税控盘收费项目设置.税率"),
-                   voided, special_, codes, k, month) +
-        QStringLiteral(") A1 On A.税率=A1.税率");
-    sql +=
-        QStringLiteral(" LEFT Join (") +
-        InvoiceSql(QStringLiteral("Select SUM(票据开票数据.金额) as 普通发票,  SUM(Case When "
-                                  "票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End) as "
-                                  "普发税额, 税控盘收费项目设置.税率"),
-                   voided, ordinary_, codes, k, month) +
-        QStringLiteral(") A2 On A.税率=A2.税率");
-    sql += QStringLiteral(" LEFT Join (") +
-           InvoiceSql(
-               QStringLiteral("Select SUM(票据开票数据.金额) as 收据, 税控盘收费项目设置.税率 "),
-               voided + QLatin1Char(' '), receipt_, codes, k, month) +
-           QStringLiteral(") A3 On (A.税率=A3.税率 Or A3.税率 Is Null)");
-    for (int i = 1; i <= n; ++i) {
-        const QString b = QStringLiteral("B") + QString::number(i);
-        sql += QStringLiteral(" LEFT Join (") + ItemSql(feeItems_[i], k, month) +
-               QStringLiteral(") ") + b;
-        if (feeItems_[i].TaxRate == 0)
-            sql += QStringLiteral(" On (A.税率= ") + b + QStringLiteral(".税率 Or ") + b +
-                   QStringLiteral(".税率 Is Null)");
-        else
-            sql += QStringLiteral(" On A.税率= ") + b + QStringLiteral(".税率");
-    }
-    sql += QStringLiteral(
-        " Where (专用发票 Is Not Null Or 普通发票 Is Not Null Or A3.收据 Is Not Null)");
-    sql += QStringLiteral(" order by  S税率");
-    return sql;
 }
 
 void ReconciliationStatement::FillMonthlyRows(const StatementConditions& k, FlexGrid& grid) {
@@ -349,25 +141,6 @@ void ReconciliationStatement::FillMonthlyRows(const StatementConditions& k, Flex
             grid.SetCellBackColorAt(r, c, kSubtotalColor);
         }
     }
-}
-
-QString ReconciliationStatement::CollectedSql(const StatementConditions& k,
-                                              const QString& feeCodeList, const QString& month) {
-    return PreInvoicedSql(
-        QStringLiteral("Select SUM(票据开票数据.金额) 当月收预开"),
-        QStringLiteral(" Where CONVERT(char(6),收款日期 ,112) ='") + month +
-            QStringLiteral("' And CONVERT(char(6),开票日期,112) < CONVERT(char(6),收款日期,112)"),
-        QStringLiteral(" And 作废日期 is null and 收款日期 is not null"), feeCodeList, k);
-}
-
-QString ReconciliationStatement::UncollectedSql(const StatementConditions& k,
-                                                const QString& feeCodeList, const QString& month) {
-    return PreInvoicedSql(
-        QStringLiteral("Select SUM(票据开票数据.金额) 当月未收预开票"),
-        QStringLiteral(" Where CONVERT(char(6),开票日期 ,112) ='") + month +
-            QStringLiteral("' And (收款日期 Is Null Or CONVERT(char(6),收款日期,112) > "
-                           "CONVERT(char(6),开票日期,112))"),
-        QStringLiteral(" And 作废日期 is null"), feeCodeList, k);
 }
 
 Trapped ReconciliationStatement::FillPreInvoiced(const StatementConditions& k, FlexGrid& grid,
