@@ -13,10 +13,10 @@
 #include <QTextStream>
 #include <clocale>
 
+#include "db/EmbeddedSchema.h"
 #include "frame/SplitRatios.h"
 #include "frame/xlsx/XlsxWriter.h"
 #include "reports/invoice/InvoiceStatement.h"
-#include "db/EmbeddedSchema.h"
 
 using namespace yunqi;
 

@@ -50,8 +50,9 @@ QString RowsLedger(const QString& folder, int rows) {
                    "datetime('2024-01-01 08:00:00', '+' || i || ' seconds'), 300, '现金', '01' "
                    "FROM k")
                    .arg(rows - 2));
-        q.exec(QStringLiteral("INSERT INTO 票据开票数据 SELECT 'P1', 票据编号, dh, 100, 4.76 "
-                              "FROM 票据 CROSS JOIN setupsfxm WHERE 收费类别 Like '%停车%'"));
+        q.exec(
+            QStringLiteral("INSERT INTO 票据开票数据 SELECT 'P1', 票据编号, dh, 100, 4.76 "
+                           "FROM 票据 CROSS JOIN setupsfxm WHERE 收费类别 Like '%停车%'"));
         con.close();
     }
     QSqlDatabase::removeDatabase("rows");
@@ -93,8 +94,9 @@ int main(int argc, char** argv) {
     ExportFrame::ExportSteps steps(nullptr, dialogs);
     QTemporaryDir folder;
     StreamXlsx(folder.filePath("parking.xlsx"), [&](SheetModel& sheet) {
-        statement.WriteSheet(sheet, steps, {grid1, QStringLiteral("【云栖苑】停车费明细表"),
-                                            QStringLiteral("01 云栖苑【GY01】"), k});
+        statement.WriteSheet(sheet, steps,
+                             {grid1, QStringLiteral("【云栖苑】停车费明细表"),
+                              QStringLiteral("01 云栖苑【GY01】"), k});
     });
     out << QString::asprintf("peak with a page shown and the workbook written: %.1f MiB\n",
                              StatusMiB("VmHWM:"));

@@ -67,8 +67,8 @@ int main(int argc, char** argv) {
                                  made.seconds);
         if (made.status != 0) return 1;
     }
-    const QStringList invoice{"invoice", "--database", ledger, "--dept", "01",
-                              "--from", "2024-01-01", "--to", "2024-12-31"};
+    const QStringList invoice{"invoice", "--database", ledger, "--dept",    "01",
+                              "--from",  "2024-01-01", "--to", "2024-12-31"};
     const QString csv = dir.filePath("invoice.csv"), xlsx = dir.filePath("invoice.xlsx");
     const struct {
         const char* name;
@@ -84,7 +84,8 @@ int main(int argc, char** argv) {
         const Run run = Companion(invoice + c.outputs);
         out << QString::asprintf("invoice 01 2024, %-10s: exit %d, %.2f s, peak %.0f MB", c.name,
                                  run.status, run.seconds, run.peakMb);
-        if (QFileInfo::exists(csv)) out << QString::asprintf(", csv %lld bytes", QFileInfo(csv).size());
+        if (QFileInfo::exists(csv))
+            out << QString::asprintf(", csv %lld bytes", QFileInfo(csv).size());
         if (QFileInfo::exists(xlsx))
             out << QString::asprintf(", xlsx %lld bytes", QFileInfo(xlsx).size());
         out << "\n";

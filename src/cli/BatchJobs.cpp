@@ -1,5 +1,7 @@
 #include "cli/BatchJobs.h"
 
+#include <unistd.h>
+
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
@@ -7,7 +9,6 @@
 #include <QSocketNotifier>
 #include <csignal>
 #include <memory>
-#include <unistd.h>
 
 namespace yunqi {
 
@@ -45,9 +46,12 @@ class SignalCatcher {
 
 QString StatusText(BatchJob::Status s) {
     switch (s) {
-    case BatchJob::Status::Ok: return QStringLiteral("ok");
-    case BatchJob::Status::Empty: return QStringLiteral("empty");
-    default: return QStringLiteral("failed");
+        case BatchJob::Status::Ok:
+            return QStringLiteral("ok");
+        case BatchJob::Status::Empty:
+            return QStringLiteral("empty");
+        default:
+            return QStringLiteral("failed");
     }
 }
 
@@ -83,32 +87,32 @@ bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& prog
             auto clock = std::make_shared<QElapsedTimer>();
             clock->start();
             auto complete = [&, i, clock](int code, QProcess::ExitStatus how) {
-                    BatchJob& job = jobs[i];
-                    QProcess& p = *processes[i];
-                    job.seconds = clock->nsecsElapsed() / 1e9;
-                    QByteArray csv = p.readAllStandardOutput();
-                    const QByteArray err = p.readAllStandardError();
-                    if (how == QProcess::NormalExit && code == 0) {
-                        if (!job.csvPath.isEmpty()) {
-                            QFile f(job.csvPath);
-                            csv = f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-                        }
-                        job.status = BatchJob::Status::Ok;
-                        job.rows = CsvRecords(csv) - 2;  // the two header rows
-                    } else if (how == QProcess::NormalExit && code == 3) {
-                        job.status = BatchJob::Status::Empty;
-                    } else {
-                        job.status = BatchJob::Status::Failed;
-                        job.message = QString::fromUtf8(err).trimmed();
-                        if (job.message.isEmpty())
-                            job.message = how == QProcess::CrashExit
-                                              ? QStringLiteral("the companion ended abnormally")
-                                              : QStringLiteral("exit status %1").arg(code);
+                BatchJob& job = jobs[i];
+                QProcess& p = *processes[i];
+                job.seconds = clock->nsecsElapsed() / 1e9;
+                QByteArray csv = p.readAllStandardOutput();
+                const QByteArray err = p.readAllStandardError();
+                if (how == QProcess::NormalExit && code == 0) {
+                    if (!job.csvPath.isEmpty()) {
+                        QFile f(job.csvPath);
+                        csv = f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
                     }
-                    --running;
-                    if (!interrupted) finished(job, ++done);
-                    startMore();
-                    if (running == 0 && (interrupted || next == jobs.size())) loop.quit();
+                    job.status = BatchJob::Status::Ok;
+                    job.rows = CsvRecords(csv) - 2;  // the two header rows
+                } else if (how == QProcess::NormalExit && code == 3) {
+                    job.status = BatchJob::Status::Empty;
+                } else {
+                    job.status = BatchJob::Status::Failed;
+                    job.message = QString::fromUtf8(err).trimmed();
+                    if (job.message.isEmpty())
+                        job.message = how == QProcess::CrashExit
+                                          ? QStringLiteral("the companion ended abnormally")
+                                          : QStringLiteral("exit status %1").arg(code);
+                }
+                --running;
+                if (!interrupted) finished(job, ++done);
+                startMore();
+                if (running == 0 && (interrupted || next == jobs.size())) loop.quit();
             };
             QObject::connect(process.get(), &QProcess::finished, &loop, complete);
             QObject::connect(process.get(), &QProcess::errorOccurred, &loop,

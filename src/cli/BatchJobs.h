@@ -11,12 +11,12 @@ namespace yunqi {
 // that its files are exactly what the single command writes, through the same
 // safe-write path, on a database session of its own.
 struct BatchJob {
-    QString dept;       // department code
-    QString label;      // "02 云栖苑 停车费明细表", for the progress line
-    QString report;     // command name
+    QString dept;          // department code
+    QString label;         // "02 云栖苑 停车费明细表", for the progress line
+    QString report;        // command name
     QString relativeFile;  // the workbook, relative to the output folder
-    QStringList args;   // the companion's arguments
-    QString csvPath;    // where the CSV goes ("" for standard output)
+    QStringList args;      // the companion's arguments
+    QString csvPath;       // where the CSV goes ("" for standard output)
 
     // Filled in by the run.
     enum class Status { Pending, Ok, Empty, Failed } status = Status::Pending;

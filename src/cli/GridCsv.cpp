@@ -60,10 +60,10 @@ void WriteGridCsv(CsvStream& csv, const FlexGrid& grid, int firstRow) {
     for (int r = firstRow; r < grid.Rows(); ++r) csv.AddRow(GridRowTexts(grid, r));
 }
 
-void WriteStatementCsv(CsvStream& csv, const PagedStatement& statement, const FlexGrid& grid1,
-                       const TextMeasure& measure) {
-    for (int r = 0; r < 2; ++r) csv.AddRow(GridRowTexts(grid1, r));
-    TextRow row(grid1);
+void WriteStatementCsv(CsvStream& csv, const PagedStatement& statement,
+                       const FlexGrid& statementGrid, const TextMeasure& measure) {
+    for (int r = 0; r < 2; ++r) csv.AddRow(GridRowTexts(statementGrid, r));
+    TextRow row(statementGrid);
     for (int r = 1; r <= statement.UpperBound(); ++r) {
         row.Clear();
         row.SetText(0, QString::number(r));

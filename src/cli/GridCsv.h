@@ -32,9 +32,9 @@ class CsvStream {
 
 // The grid's rows from firstRow on.
 void WriteGridCsv(CsvStream& csv, const FlexGrid& grid, int firstRow = 0);
-// The statement as one page of the grid would hold it: grid1's two header
+// The statement as one page of the grid would hold it: statementGrid's two header
 // rows, then every record.
-void WriteStatementCsv(CsvStream& csv, const PagedStatement& statement, const FlexGrid& grid1,
-                       const TextMeasure& measure);
+void WriteStatementCsv(CsvStream& csv, const PagedStatement& statement,
+                       const FlexGrid& statementGrid, const TextMeasure& measure);
 
 }  // namespace yunqi

@@ -34,24 +34,24 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
     k.ToMonth = o.ToMonth;
     check();
 
-    FlexGrid grid1;
-    statement->InitGridHeader(grid1);
-    check(statement->ExtractFeeItems(k, grid1));
+    FlexGrid statementGrid;
+    statement->InitGridHeader(statementGrid);
+    check(statement->ExtractFeeItems(k, statementGrid));
     if (statement->FeeItems().size() <= 1) {
         SayOnStderr(report.texts.noFeeItemsText);
         return kStatementNothing;
     }
-    check(statement->RunReconciliation(k, grid1));
+    check(statement->RunReconciliation(k, statementGrid));
     // Like the window's export, nothing is written without a body row.
-    if (grid1.Rows() <= 2) {
+    if (statementGrid.Rows() <= 2) {
         SayOnStderr(QStringLiteral("no rows"));
         return kStatementNothing;
     }
     WriteStatementOutputs(
-        o, [&](CsvStream& csv) { WriteGridCsv(csv, grid1); },
+        o, [&](CsvStream& csv) { WriteGridCsv(csv, statementGrid); },
         [&](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
-            statement->WriteSheet(sheet, steps,
-                                  {grid1, statement->TitleCaption(entry, o.Year), entry, k});
+            statement->WriteSheet(
+                sheet, steps, {statementGrid, statement->TitleCaption(entry, o.Year), entry, k});
         },
         [&] { check(); });
     return kStatementRows;

@@ -19,17 +19,17 @@ constexpr int kRows = kStatementRows, kNothing = kStatementNothing,
 void Say(const QString& text) { SayOnStderr(text); }
 
 // The percentages typed for a parking item, checked as the editor checks them.
-bool ApplyRatios(const std::vector<RatioOption>& ratios, bool ifPresent, FlexGrid& grid2) {
-    for (const RatioOption& ratio : ratios) {
-        const int row = SplitRatios::RowOfItem(grid2, ratio.itemCode);
+bool ApplyRatios(const std::vector<RatioOption>& typed, bool ifPresent, FlexGrid& ratios) {
+    for (const RatioOption& ratio : typed) {
+        const int row = SplitRatios::RowOfItem(ratios, ratio.itemCode);
         if (row < 0 && ifPresent) continue;
         if (row < 0) {
             Say(QStringLiteral("no parking item with code ") + ratio.itemCode +
                 QStringLiteral(" in this window"));
             return false;
         }
-        SplitRatios::SetShares(grid2, row, ratio.developer, ratio.property);
-        if (!SplitRatios::SumIsHundred(grid2, row)) {
+        SplitRatios::SetShares(ratios, row, ratio.developer, ratio.property);
+        if (!SplitRatios::SumIsHundred(ratios, row)) {
             Say(SplitRatios::SumMessage());
             return false;
         }
@@ -58,17 +58,17 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
     check();
 
     std::unique_ptr<PagedStatement> statement = report.makePaged(*session);
-    FlexGrid grid1;
-    FlexGrid grid2 = SplitRatios::NewGrid();
-    statement->InitGridHeader(grid1);
-    check(statement->ExtractFeeItems(conditions, grid2, grid1));
+    FlexGrid statementGrid;
+    FlexGrid ratios = SplitRatios::NewGrid();
+    statement->InitGridHeader(statementGrid);
+    check(statement->ExtractFeeItems(conditions, ratios, statementGrid));
     if (statement->FeeItems().size() <= 1) {
         Say(report.texts.noFeeItemsText);
         return kNothing;
     }
-    if (!ApplyRatios(o.ratios, o.ratioIfPresent, grid2)) return kBadArguments;
-    statement->BuildGridHeader(grid1, grid2);
-    const auto run = statement->RunStatistics(conditions, grid2, INT_MAX);
+    if (!ApplyRatios(o.ratios, o.ratioIfPresent, ratios)) return kBadArguments;
+    statement->BuildGridHeader(statementGrid, ratios);
+    const auto run = statement->RunStatistics(conditions, ratios, INT_MAX);
     check(run.trapped);
     if (!run.rows) {
         Say(report.texts.noRowsText);
@@ -78,12 +78,13 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
     WriteStatementOutputs(
         o,
         [&](CsvStream& csv) {
-            WriteStatementCsv(csv, *statement, grid1, EstimatedTextMeasure());
+            WriteStatementCsv(csv, *statement, statementGrid, EstimatedTextMeasure());
         },
         [&](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
             statement->WriteSheet(
                 sheet, steps,
-                {grid1, Conditions::TitleCaption(entry, report.texts.title), entry, conditions});
+                {statementGrid, Conditions::TitleCaption(entry, report.texts.title), entry,
+                 conditions});
         },
         [&] { check(); });
     return kRows;

@@ -98,7 +98,8 @@ void WriteStatementOutputs(const StatementOptions& o, const CsvWriter& writeCsv,
                            const std::function<void()>& check) {
     if (!o.xlsx.isEmpty()) {
         ExportFrame::ExportSteps steps(nullptr, AppDialogs());
-        StreamXlsx(o.xlsx, [&](SheetModel& sheet) { writeSheet(sheet, steps); }, check);
+        StreamXlsx(
+            o.xlsx, [&](SheetModel& sheet) { writeSheet(sheet, steps); }, check);
     }
     if (!o.csv.isEmpty()) {
         CsvStream csv(o.csv, Dash::IsStdout);

@@ -94,7 +94,7 @@ void OnSignal(int signal) {
     // A file being made on another thread is registered first; a thread that
     // hangs in open(2) does not keep the process alive for long.
     for (int i = 0; changing.load() > 0 && i < 5000; ++i) {
-        const struct timespec tick {0, 1000000};
+        const struct timespec tick { 0, 1000000 };
         ::nanosleep(&tick, nullptr);
     }
     UnlinkRegistered();

@@ -11,7 +11,7 @@ namespace yunqi {
 // A run-time error: number and description, as the platform reports them.
 // Routines without an error trap let it travel to the top-level handler.
 class RuntimeError : public std::runtime_error {
-public:
+  public:
     // A driver's or server's own number and text.
     RuntimeError(long number, QString description);
     // A catalogued error with its text; a detail follows it after ": ".
@@ -28,7 +28,7 @@ public:
     static RuntimeError TypeMismatch();          // 13
     static RuntimeError InvalidUseOfNull();      // 94
 
-private:
+  private:
     long number_;
     QString description_;
 };

@@ -59,9 +59,7 @@ void SetQueryTimeout(const QSqlQuery& query, int seconds) {
 }  // namespace
 
 DatabaseSession::DatabaseSession(QString connectionName, SqlDialect dialect, bool odbc)
-    : connectionName_(std::move(connectionName)),
-      dialect_(dialect),
-      odbc_(odbc) {}
+    : connectionName_(std::move(connectionName)), dialect_(dialect), odbc_(odbc) {}
 
 DatabaseSession::~DatabaseSession() {
     {
@@ -72,8 +70,7 @@ DatabaseSession::~DatabaseSession() {
 }
 
 std::unique_ptr<DatabaseSession> DatabaseSession::OpenEmbedded(const QString& file) {
-    if (!QFileInfo(file).isFile())
-        throw RuntimeError(ErrorCode::CannotOpenDatabaseFile, file);
+    if (!QFileInfo(file).isFile()) throw RuntimeError(ErrorCode::CannotOpenDatabaseFile, file);
     const QString name = NewConnectionName();
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);

@@ -45,7 +45,6 @@ class DatabaseSession {
     void SetOneStatementAtATime(bool one) { oneStatement_ = one; }
     bool OneStatementAtATime() const { return oneStatement_; }
 
-
     // How long a statement waits for a lock that another program holds on a
     // SQLite ledger before it fails with "database is locked": one time-out,
     // set on the connection, for every statement of the run.

@@ -10,13 +10,9 @@ namespace yunqi {
 
 namespace {
 
-RuntimeError NoCurrentRecord() {
-    return RuntimeError(ErrorCode::NoCurrentRecord);
-}
+RuntimeError NoCurrentRecord() { return RuntimeError(ErrorCode::NoCurrentRecord); }
 
-RuntimeError ItemNotFound() {
-    return RuntimeError(ErrorCode::ItemNotFound);
-}
+RuntimeError ItemNotFound() { return RuntimeError(ErrorCode::ItemNotFound); }
 
 }  // namespace
 

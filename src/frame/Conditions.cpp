@@ -1,9 +1,9 @@
 #include "frame/Conditions.h"
 
 #include "core/Dialogs.h"
+#include "core/MessageForms.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
-#include "core/MessageForms.h"
 
 namespace yunqi {
 

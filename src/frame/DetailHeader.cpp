@@ -1,7 +1,7 @@
 #include "frame/DetailHeader.h"
 
-#include "frame/SplitRatios.h"
 #include "core/ValueRules.h"
+#include "frame/SplitRatios.h"
 
 namespace yunqi {
 
@@ -78,7 +78,7 @@ void Init(FlexGrid& grid, const DetailHeaderPlan& plan) {
 }
 
 int Build(FlexGrid& grid, const DetailHeaderPlan& plan, const FeeItemList& items,
-          const FlexGrid& grid2) {
+          const FlexGrid& ratios) {
     const int n = FeeColumnCountOf(items);
     const int first = int(plan.leading.size());
     const int trailing = first + n;
@@ -100,13 +100,13 @@ int Build(FlexGrid& grid, const DetailHeaderPlan& plan, const FeeItemList& items
     for (std::size_t i = 1; i < items.size(); ++i) {
         const FeeItem& item = items[i];
         if (item.IsParking()) {
-            for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
+            for (int r : SplitRatios::RowsOf(ratios, item.ItemCode)) {
                 grid.SetTextMatrix(1, c,
                                    QStringLiteral("开发商") +
-                                       grid2.TextMatrix(r, SplitRatios::kDeveloperCol) + '%');
+                                       ratios.TextMatrix(r, SplitRatios::kDeveloperCol) + '%');
                 grid.SetTextMatrix(
                     1, c + 1,
-                    QStringLiteral("物业") + grid2.TextMatrix(r, SplitRatios::kPropertyCol) + '%');
+                    QStringLiteral("物业") + ratios.TextMatrix(r, SplitRatios::kPropertyCol) + '%');
             }
         } else {
             grid.SetTextMatrix(1, c, QStringLiteral("金额"));

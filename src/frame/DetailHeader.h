@@ -34,11 +34,11 @@ std::vector<DetailHeaderPlan::Column> TicketLeading(std::vector<DetailHeaderPlan
 std::vector<DetailHeaderPlan::Column> TicketTrailing();
 
 // The default header, before any fee item is known.
-void Init(FlexGrid& grid1, const DetailHeaderPlan& plan);
+void Init(FlexGrid& statementGrid, const DetailHeaderPlan& plan);
 // The header of the items, with the percentages of MSFlexGrid2. Returns
 // FeeColumnCount.
-int Build(FlexGrid& grid1, const DetailHeaderPlan& plan, const FeeItemList& items,
-          const FlexGrid& grid2);
+int Build(FlexGrid& statementGrid, const DetailHeaderPlan& plan, const FeeItemList& items,
+          const FlexGrid& ratios);
 // "税额" + rate in percent + "%": 0.05 gives 税额5%.
 QString TaxHeading(double taxRate);
 

@@ -11,7 +11,7 @@ namespace yunqi {
 // its kind instead of four number fields, and the money of all rows in one
 // flat array. Index 0 exists and is never used; rows are 1 to UpperBound().
 class DetailRows {
-public:
+  public:
     enum class Kind : std::uint8_t { None, Special, Ordinary, Electronic, Receipt };
 
     explicit DetailRows(int feeColumnCount = 0);
@@ -37,7 +37,9 @@ public:
     double FeeAmount(int r, int j) const { return fees_[Offset(r, j)]; }
     void SetFeeAmount(int r, int j, double v) { fees_[Offset(r, j)] = v; }
     // The row's money columns 1 to FeeColumnCount() as one span, index 0 for column 1.
-    std::span<double> Fees(int r) { return {fees_.data() + Offset(r, 1), std::size_t(feeColumns_)}; }
+    std::span<double> Fees(int r) {
+        return {fees_.data() + Offset(r, 1), std::size_t(feeColumns_)};
+    }
 
     const QString& PayMethod(int r) const { return payMethod_[r]; }
     void SetPayMethod(int r, QString text) { payMethod_[r] = std::move(text); }
@@ -51,7 +53,7 @@ public:
         flags_[r] = (voided ? kVoided : 0) | (replaced ? kReplaced : 0);
     }
 
-private:
+  private:
     static constexpr std::uint8_t kVoided = 1, kReplaced = 2;
     std::size_t Offset(int r, int j) const { return std::size_t(r) * feeColumns_ + (j - 1); }
     const QString& NumberIf(int r, Kind k) const;

@@ -1,7 +1,7 @@
 #include "frame/FeeItemReader.h"
 
-#include "frame/FeeSql.h"
 #include "core/ValueRules.h"
+#include "frame/FeeSql.h"
 #include "frame/SplitRatios.h"
 
 namespace yunqi {
@@ -30,13 +30,13 @@ void ReadFeeItems(Recordset& rs, FeeItemList& items) {
     }
 }
 
-void LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2,
+void LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& ratios,
                   FeeItemList& items) {
     session.SetCommandTimeout(0);
     Recordset rs = session.Open(sql);
     items.assign(1, FeeItem{});
     ReadFeeItems(rs, items);
-    SplitRatios::Fill(grid2, items);
+    SplitRatios::Fill(ratios, items);
 }
 
 }  // namespace yunqi

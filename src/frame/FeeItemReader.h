@@ -3,10 +3,10 @@
 #include <QString>
 #include <vector>
 
-#include "frame/FeeItem.h"
-#include "frame/FlexGrid.h"
 #include "db/DatabaseSession.h"
 #include "db/Recordset.h"
+#include "frame/FeeItem.h"
+#include "frame/FlexGrid.h"
 
 namespace yunqi {
 
@@ -20,7 +20,7 @@ void ReadFeeItems(Recordset& rs, FeeItemList& items);
 // statement is open and filled one item at a time: after a failure it holds
 // the items read before it, and the split-ratio grid is untouched; else the
 // grid takes the default percentages of its parking items.
-void LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& grid2,
+void LoadFeeItems(DatabaseSession& session, const QString& sql, FlexGrid& ratios,
                   FeeItemList& items);
 
 }  // namespace yunqi

@@ -13,7 +13,7 @@ namespace yunqi {
 // The money columns of the main statement, from position 10 or 11 on:
 // " ,Bi.name , Bi.tax" for an ordinary item, and for a parking item, per
 // matching row of the split-ratio grid, " ,Bi.nameKFS ,Bi.nameWY , Bi.tax".
-QString FeeColumnsSelect(const FeeItemList& items, const FlexGrid& grid2);
+QString FeeColumnsSelect(const FeeItemList& items, const FlexGrid& ratios);
 // The extraction's select over the tickets, their lines, stock-in notes and
 // item settings, up to its Where.
 QString FeeItemSelect();

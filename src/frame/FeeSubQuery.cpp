@@ -8,14 +8,14 @@ namespace yunqi {
 
 namespace FeeSubQuery {
 
-QString Head(const FeeItem& item, const FlexGrid& grid2, const Form& form) {
+QString Head(const FeeItem& item, const FlexGrid& ratios, const Form& form) {
     QString s;
     if (!item.IsParking()) {
         s = form.ordinary + QStringLiteral(" as ") + item.ItemName + form.ordinaryTax +
             item.TaxAlias + form.keys;
     } else {
-        for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
-            s = form.scaled + QStringLiteral(" * ") + SplitRatios::RatioText(grid2, r) +
+        for (int r : SplitRatios::RowsOf(ratios, item.ItemCode)) {
+            s = form.scaled + QStringLiteral(" * ") + SplitRatios::RatioText(ratios, r) +
                 QStringLiteral(" as ") + item.ItemName + QStringLiteral("WY") + QStringLiteral(",");
             s += form.whole + QStringLiteral(" As ") + item.ItemName + QStringLiteral("KFS") +
                  QStringLiteral(",");
@@ -27,8 +27,9 @@ QString Head(const FeeItem& item, const FlexGrid& grid2, const Form& form) {
     return s;
 }
 
-QString Filter(const FeeItem& item, const StatementConditions& k) {
-    return ItemLinesOf(item, k.DeptCode) + QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
+QString Filter(const FeeItem& item, const StatementConditions& conditions) {
+    return ItemLinesOf(item, conditions.DeptCode) + QStringLiteral(" And 票据类型代号 In (") +
+           conditions.InvoiceTypeList + QStringLiteral(")");
 }
 
 }  // namespace FeeSubQuery

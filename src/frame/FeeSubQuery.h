@@ -24,7 +24,7 @@ struct Form {
 
 // The select list and " From 票据开票数据" with its joins; a parking item's
 // shares per matching row of the split-ratio grid, the last one standing.
-QString Head(const FeeItem& item, const FlexGrid& grid2, const Form& form);
+QString Head(const FeeItem& item, const FlexGrid& ratios, const Form& form);
 // " And 收费项目代号 in (...) And 开票部门编号 ='...' And 票据类型代号 In (...)".
 QString Filter(const FeeItem& item, const StatementConditions& conditions);
 

@@ -9,7 +9,7 @@ namespace yunqi {
 // colours and the merge marks. Free of widgets; a view draws it.
 // Lengths are twips, colours blue-green-red numbers (-1 for none).
 class FlexGrid {
-public:
+  public:
     // Alignment codes of the grid control.
     enum Alignment {
         AlignLeftTop = 0,
@@ -24,7 +24,13 @@ public:
         AlignGeneral = 9,
     };
     // MergeCells modes.
-    enum MergeMode { MergeNever = 0, MergeFree = 1, MergeRestrictRows = 2, MergeRestrictColumns = 3, MergeRestrictAll = 4 };
+    enum MergeMode {
+        MergeNever = 0,
+        MergeFree = 1,
+        MergeRestrictRows = 2,
+        MergeRestrictColumns = 3,
+        MergeRestrictAll = 4
+    };
 
     static constexpr int kStandardRowHeight = 300;
     static constexpr int kStandardColWidth = 960;
@@ -88,7 +94,7 @@ public:
     // MergeRow, then equal neighbours down a column marked MergeCol.
     std::vector<Span> MergedSpans() const;
 
-private:
+  private:
     void CheckCell(int row, int col) const;
     std::size_t Index(int row, int col) const { return std::size_t(row) * cols_ + col; }
 

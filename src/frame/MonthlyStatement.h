@@ -13,14 +13,14 @@
 namespace yunqi {
 
 // A statement of a year and a range of months, without pages: its figures
-// live only in the cells of grid1 (MSFlexGrid1), and each later step reads
+// live only in the cells of statementGrid (MSFlexGrid1), and each later step reads
 // the cell texts back. The window and the companion share it.
 class MonthlyStatement {
   public:
     virtual ~MonthlyStatement() = default;
 
     // The header before any fee item is known.
-    virtual void InitGridHeader(FlexGrid& grid1) const = 0;
+    virtual void InitGridHeader(FlexGrid& statementGrid) const = 0;
     // Reads the invoice types (no error trap) and returns InvoiceTypeList;
     // keeps whatever finer lists the statement needs.
     virtual QString LoadInvoiceTypes() = 0;
@@ -29,11 +29,13 @@ class MonthlyStatement {
     // Fills FeeItems for the department and the months and lays the header,
     // also with no item. A failing query shows its message and leaves the
     // items read so far; the error is returned.
-    virtual Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid1) = 0;
+    virtual Trapped ExtractFeeItems(const StatementConditions& conditions,
+                                    FlexGrid& statementGrid) = 0;
     // Appends every month's rows, its closing rows and the total under the
-    // two header rows of grid1. Errors without a trap raise RuntimeError; the
+    // two header rows of statementGrid. Errors without a trap raise RuntimeError; the
     // first that a trap caught (and showed) is returned.
-    virtual Trapped RunReconciliation(const StatementConditions& conditions, FlexGrid& grid1) = 0;
+    virtual Trapped RunReconciliation(const StatementConditions& conditions,
+                                      FlexGrid& statementGrid) = 0;
     // The grid as it stands, on one sheet.
     virtual void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                             const WorkbookContext& context) const = 0;

@@ -4,10 +4,10 @@
 
 namespace yunqi {
 
-void PagedStatement::ShowPage(FlexGrid& grid1, int page, int pageSize,
+void PagedStatement::ShowPage(FlexGrid& statementGrid, int page, int pageSize,
                               const TextMeasure& measure) const {
-    Pager::FillPage(grid1, page, pageSize, UpperBound(), [&](int g, int r) {
-        FlexGridRow row(grid1, g);
+    Pager::FillPage(statementGrid, page, pageSize, UpperBound(), [&](int g, int r) {
+        FlexGridRow row(statementGrid, g);
         WriteRow(row, r, measure);
     });
 }

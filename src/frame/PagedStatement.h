@@ -16,12 +16,13 @@ namespace yunqi {
 
 // A statement shown page by page: what a report window with a pager asks of
 // its report. The window moves data between its controls and this object.
-//   grid1: MSFlexGrid1, the statement grid; grid2: MSFlexGrid2, the split ratios.
+//   statementGrid: MSFlexGrid1, the statement grid; ratios: MSFlexGrid2, the split ratios.
 class PagedStatement {
   public:
     // What a run gives: whether it found rows, and what its trap caught.
     struct RunOutcome {
-        RunOutcome(bool found = false, Trapped caught = {}) : rows(found), trapped(std::move(caught)) {}
+        RunOutcome(bool found = false, Trapped caught = {})
+            : rows(found), trapped(std::move(caught)) {}
         bool rows;
         Trapped trapped;
         operator bool() const { return rows; }
@@ -30,20 +31,20 @@ class PagedStatement {
     virtual ~PagedStatement() = default;
 
     // The default header, before any fee item is known.
-    virtual void InitGridHeader(FlexGrid& grid1) const = 0;
+    virtual void InitGridHeader(FlexGrid& statementGrid) const = 0;
     // Finds the department's fee items in the window, fills FeeItems and the
     // split-ratio grid with the default percentages, and lays the header when
     // any item was found. Returns what an error trap caught (and showed).
-    virtual Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                                    FlexGrid& grid1) = 0;
+    virtual Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& ratios,
+                                    FlexGrid& statementGrid) = 0;
     // Lays the header from FeeItems and the percentages; sets FeeColumnCount.
-    virtual void BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) = 0;
+    virtual void BuildGridHeader(FlexGrid& statementGrid, const FlexGrid& ratios) = 0;
     // Computes the rows; rows when there is at least one. Sets PageCount.
-    virtual RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
+    virtual RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& ratios,
                                      int pageSize) = 0;
-    // Writes one page under the header (grid1 keeps its two header rows):
+    // Writes one page under the header (statementGrid keeps its two header rows):
     // each record of the page through WriteRow.
-    virtual void ShowPage(FlexGrid& grid1, int page, int pageSize,
+    virtual void ShowPage(FlexGrid& statementGrid, int page, int pageSize,
                           const TextMeasure& measure) const;
     // Record r (1 to UpperBound()) as the grid shows it, column 0 aside (the
     // record's index); widths come from the header.

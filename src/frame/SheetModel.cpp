@@ -49,8 +49,7 @@ const SheetModel::Cell* SheetModel::Find(int row, int col) const {
 int SheetModel::Intern(const Style& style) {
     const auto it = styleIndex_.find(style);
     if (it != styleIndex_.end()) return it->second;
-    if (styles_.size() > 0xFFFF)
-        throw RuntimeError(ErrorCode::TooManyCellFormats);
+    if (styles_.size() > 0xFFFF) throw RuntimeError(ErrorCode::TooManyCellFormats);
     styles_.push_back(style);
     const int index = int(styles_.size()) - 1;
     styleIndex_.emplace(style, index);
@@ -298,6 +297,5 @@ const SheetModel::Style& SheetModel::StyleAt(int row, int col) const {
 double SheetModel::ColumnWidth(int col) const {
     return col >= 1 && col <= int(widths_.size()) ? widths_[col - 1] : 0;
 }
-
 
 }  // namespace yunqi

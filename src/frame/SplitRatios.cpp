@@ -86,9 +86,7 @@ bool SumIsHundred(const FlexGrid& grid, int row) {
            100;
 }
 
-QString SumMessage() {
-    return QStringLiteral("分成比例总和必须等于100,请重新设置分成比例!");
-}
+QString SumMessage() { return QStringLiteral("分成比例总和必须等于100,请重新设置分成比例!"); }
 
 }  // namespace SplitRatios
 

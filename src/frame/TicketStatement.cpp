@@ -4,9 +4,9 @@
 
 namespace yunqi {
 
-void TicketStatement::LoadItems(const QString& sql, FlexGrid& grid2, FlexGrid& grid1) {
-    LoadFeeItems(session_, sql, grid2, feeItems_);
-    if (feeItems_.size() > 1) BuildGridHeader(grid1, grid2);
+void TicketStatement::LoadItems(const QString& sql, FlexGrid& ratios, FlexGrid& statementGrid) {
+    LoadFeeItems(session_, sql, ratios, feeItems_);
+    if (feeItems_.size() > 1) BuildGridHeader(statementGrid, ratios);
 }
 
 }  // namespace yunqi

@@ -16,9 +16,11 @@ class TicketStatement : public PagedStatement {
     TicketStatement(DatabaseSession& session, const DetailHeaderPlan& plan)
         : session_(session), plan_(plan) {}
 
-    void InitGridHeader(FlexGrid& grid1) const override { DetailHeader::Init(grid1, plan_); }
-    void BuildGridHeader(FlexGrid& grid1, const FlexGrid& grid2) override {
-        feeColumnCount_ = DetailHeader::Build(grid1, plan_, feeItems_, grid2);
+    void InitGridHeader(FlexGrid& statementGrid) const override {
+        DetailHeader::Init(statementGrid, plan_);
+    }
+    void BuildGridHeader(FlexGrid& statementGrid, const FlexGrid& ratios) override {
+        feeColumnCount_ = DetailHeader::Build(statementGrid, plan_, feeItems_, ratios);
     }
 
     const FeeItemList& FeeItems() const override { return feeItems_; }
@@ -33,7 +35,7 @@ class TicketStatement : public PagedStatement {
     // defaults and, when an item was found, lays the header. A failure leaves
     // the items read before it (or, if the statement did not open, those of
     // the last extraction).
-    void LoadItems(const QString& sql, FlexGrid& grid2, FlexGrid& grid1);
+    void LoadItems(const QString& sql, FlexGrid& ratios, FlexGrid& statementGrid);
 
     DatabaseSession& session_;
     const DetailHeaderPlan& plan_;

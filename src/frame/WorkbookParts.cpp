@@ -65,7 +65,8 @@ void MergePlanColumns(SheetModel& sheet, const std::vector<DetailHeaderPlan::Col
             continue;
         }
         std::size_t end = i + 1;
-        while (end < columns.size() && !columns[end].mergeDown && columns[end].top == columns[i].top)
+        while (end < columns.size() && !columns[end].mergeDown &&
+               columns[end].top == columns[i].top)
             ++end;
         sheet.RangeOf(4, col, 4, first + int(end) - 1).SetMergeCells(true);
         i = end;
@@ -76,9 +77,9 @@ void MergePlanColumns(SheetModel& sheet, const std::vector<DetailHeaderPlan::Col
 
 void WriteTicketHeader(SheetModel& sheet, const WorkbookContext& context,
                        const DetailHeaderPlan& plan, const FeeItemList& items) {
-    const int c = context.grid1.Cols();
+    const int c = context.statementGrid.Cols();
     WriteTitleBlock(sheet, c, context);
-    CopyGridHeader(sheet, context.grid1);
+    CopyGridHeader(sheet, context.statementGrid);
     MergePlanColumns(sheet, plan.leading, 1);
     const int last = MergeFeeBands(sheet, items, int(plan.leading.size()));
     MergePlanColumns(sheet, plan.trailing, last + 1);

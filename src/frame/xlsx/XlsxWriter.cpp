@@ -4,9 +4,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <map>
 #include <memory>
 #include <utility>
-#include <map>
 #include <vector>
 
 #include "core/OutputFile.h"
@@ -19,7 +19,8 @@ namespace {
 
 // Path/File access error, with the library's own words.
 [[noreturn]] void Fail(lxw_error error, const QString& what) {
-    throw RuntimeError(long(ErrorCode::PathFileAccess), what + QStringLiteral(": ") + QString::fromUtf8(lxw_strerror(error)));
+    throw RuntimeError(long(ErrorCode::PathFileAccess),
+                       what + QStringLiteral(": ") + QString::fromUtf8(lxw_strerror(error)));
 }
 
 uint8_t AlignOf(int alignment) {

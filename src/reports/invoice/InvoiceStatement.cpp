@@ -1,5 +1,6 @@
 #include "reports/invoice/InvoiceStatement.h"
 
+#include "core/ValueRules.h"
 #include "frame/DetailHeader.h"
 #include "frame/DetailPage.h"
 #include "frame/FeeColumnReader.h"
@@ -9,7 +10,6 @@
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
 #include "frame/StatementTotals.h"
-#include "core/ValueRules.h"
 #include "reports/invoice/InvoiceWorkbook.h"
 
 namespace yunqi {
@@ -46,7 +46,8 @@ QString DateClause(const QString& d1, const QString& d2) {
 // Each line of an item as it stands, with the ticket's two keys.
 const FeeSubQuery::Form& LineForm() {
     static const QString net = QStringLiteral(
-        "票据开票数据.金额 - (Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End)");
+        "票据开票数据.金额 - (Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 "
+        "End)");
     static const FeeSubQuery::Form form{
         QStringLiteral("Select  ") + net,
         QStringLiteral(" , 票据开票数据.税额 as "),
@@ -70,26 +71,26 @@ DetailRows::Kind KindOf(const QString& typeName) {
 
 InvoiceStatement::InvoiceStatement(DatabaseSession& session) : TicketStatement(session, Plan()) {}
 
-QString InvoiceStatement::FeeItemSql(const StatementConditions& k) {
-    const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
+QString InvoiceStatement::FeeItemSql(const StatementConditions& conditions) {
+    const QString d1 = FormatYmd(conditions.From), d2 = FormatYmd(conditions.To);
     QString sql = FeeItemSelect();
     sql += QStringLiteral(" Where  (作废日期 Is Null Or 作废日期 Is Not Null)");
     sql += DateClause(d1, d2);
-    sql += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+    sql += QStringLiteral(" And 开票部门编号 ='") + conditions.DeptCode + QStringLiteral("'");
     sql += QStringLiteral(" group by  setupsfxm.税率,收费项目代号,xm,收费类别,显示名称");
     sql += QStringLiteral(" order by 收费项目代号");
     return sql;
 }
 
-Trapped InvoiceStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                                          FlexGrid& grid1) {
-    LoadItems(FeeItemSql(conditions), grid2, grid1);
+Trapped InvoiceStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& ratios,
+                                          FlexGrid& statementGrid) {
+    LoadItems(FeeItemSql(conditions), ratios, statementGrid);
     return {};
 }
 
-QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
-                                        const FlexGrid& grid2) const {
-    const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
+QString InvoiceStatement::StatisticsSql(const StatementConditions& conditions,
+                                        const FlexGrid& ratios) const {
+    const QString d1 = FormatYmd(conditions.From), d2 = FormatYmd(conditions.To);
     const QString dateClause = DateClause(d1, d2);
     const int count = int(feeItems_.size()) - 1;
 
@@ -98,32 +99,34 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& k,
     for (int i = 1; i <= count; ++i) {
         const FeeItem& item = feeItems_[i];
         QString& s = sub[i];
-        s = FeeSubQuery::Head(item, grid2, LineForm());
+        s = FeeSubQuery::Head(item, ratios, LineForm());
         s += QStringLiteral(" Where  (作废日期 Is Null Or 作废日期 Is Not Null)");
         s += dateClause;
-        s += FeeSubQuery::Filter(item, k);
+        s += FeeSubQuery::Filter(item, conditions);
     }
 
     // Stage two: the tickets with the items' lines beside them.
     QString sql = QStringLiteral(
         "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
         "票据.金额, 收款方式, 付款人, 地址, 票据.被换票票据编号 ");
-    sql += FeeColumnsSelect(feeItems_, grid2);
+    sql += FeeColumnsSelect(feeItems_, ratios);
     sql += QStringLiteral(" From 票据");
     sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
     sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
     sql += JoinDerivedTables(sub, true);
-    sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
-    sql += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
+    sql +=
+        QStringLiteral(" Where 票据.开票部门编号 ='") + conditions.DeptCode + QStringLiteral("'");
+    sql +=
+        QStringLiteral(" And 票据类型代号 In (") + conditions.InvoiceTypeList + QStringLiteral(")");
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
     sql += dateClause;
     sql += QStringLiteral(" Order by 票据.开票日期,票据编号");
     return sql;
 }
 
-PagedStatement::RunOutcome InvoiceStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
-                                     int pageSize) {
-    const QString sql = StatisticsSql(k, grid2);
+PagedStatement::RunOutcome InvoiceStatement::RunStatistics(const StatementConditions& conditions,
+                                                           const FlexGrid& ratios, int pageSize) {
+    const QString sql = StatisticsSql(conditions, ratios);
     session_.SetCommandTimeout(0);
     Recordset rs = session_.Open(sql);
 
@@ -140,8 +143,8 @@ PagedStatement::RunOutcome InvoiceStatement::RunStatistics(const StatementCondit
     const int fAddress = rs.IndexOf(QStringLiteral("地址"));
     const int fReplaced = rs.IndexOf(QStringLiteral("被换票票据编号"));
     const FeeColumnReader fees(rs, 10, n);
-    const QString windowMonth = FormatYm(k.From);
-    const QString windowEnd = FormatYmd(k.To);
+    const QString windowMonth = FormatYm(conditions.From);
+    const QString windowEnd = FormatYmd(conditions.To);
 
     // Status words stand where the payment method would, with no money.
     auto status = [&](int r, const QString& positive, const QString& negative) {

@@ -13,9 +13,9 @@ class InvoiceStatement : public TicketStatement {
   public:
     explicit InvoiceStatement(DatabaseSession& session);
 
-    Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                            FlexGrid& grid1) override;
-    RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
+    Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& ratios,
+                            FlexGrid& statementGrid) override;
+    RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& ratios,
                              int pageSize) override;
     void WriteRow(GridRow& row, int r, const TextMeasure& measure) const override;
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
@@ -23,7 +23,7 @@ class InvoiceStatement : public TicketStatement {
 
     // The SQL texts, exactly as they are sent.
     static QString FeeItemSql(const StatementConditions& conditions);
-    QString StatisticsSql(const StatementConditions& conditions, const FlexGrid& grid2) const;
+    QString StatisticsSql(const StatementConditions& conditions, const FlexGrid& ratios) const;
 };
 
 }  // namespace yunqi

@@ -1,9 +1,8 @@
 #include "reports/invoice/InvoiceWorkbook.h"
 
-#include "reports/invoice/InvoiceStatement.h"
-
-#include "frame/WorkbookParts.h"
 #include "core/ValueRules.h"
+#include "frame/WorkbookParts.h"
+#include "reports/invoice/InvoiceStatement.h"
 
 namespace yunqi {
 
@@ -15,10 +14,10 @@ const QString kOf = QStringLiteral("其中");
 
 }  // namespace
 
-void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, ExportFrame::ExportSteps& steps,
-                       const WorkbookContext& in) {
+void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet,
+                       ExportFrame::ExportSteps& steps, const WorkbookContext& in) {
     using ValueRules::Format0_00;
-    const FlexGrid& grid = in.grid1;
+    const FlexGrid& grid = in.statementGrid;
     const DetailRows& rows = statement.Rows();
     const int c = grid.Cols();
     const int n = statement.FeeColumnCount();
@@ -63,9 +62,10 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet, Exp
         }
     }
 
-    WorkbookParts::WriteSignatureLine(
-        sheet, u + 6,
-        {{2, QStringLiteral("收款人:")}, {7, QStringLiteral("经理:")}, {13, QStringLiteral("缴款人:")}});
+    WorkbookParts::WriteSignatureLine(sheet, u + 6,
+                                      {{2, QStringLiteral("收款人:")},
+                                       {7, QStringLiteral("经理:")},
+                                       {13, QStringLiteral("缴款人:")}});
     steps.FooterWritten();
 }
 

@@ -3,13 +3,13 @@
 #include "core/MessageForms.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
-#include "reports/parking/ParkingWorkbook.h"
 #include "frame/FeeColumnReader.h"
 #include "frame/FeeItemReader.h"
 #include "frame/FeeSql.h"
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
 #include "frame/StatementTotals.h"
+#include "reports/parking/ParkingWorkbook.h"
 
 namespace yunqi {
 
@@ -50,12 +50,13 @@ QString TrimBlanks(const QString& text) {
 
 // One item's lines paid in the range, summed per ticket number: the net
 // amount times the 物业 ratio, the net amount, the tax.
-QString ItemSums(const FeeItem& item, const FlexGrid& grid2, const StatementConditions& k) {
+QString ItemSums(const FeeItem& item, const FlexGrid& ratios,
+                 const StatementConditions& conditions) {
     QString s;
     // The last matching row of the ratios wins.
-    for (int r : SplitRatios::RowsOf(grid2, item.ItemCode)) {
+    for (int r : SplitRatios::RowsOf(ratios, item.ItemCode)) {
         s = QStringLiteral("Select sum((") + NetAmountSql() + QStringLiteral(") * ") +
-            SplitRatios::RatioText(grid2, r) + QStringLiteral(") as ") + item.ItemName +
+            SplitRatios::RatioText(ratios, r) + QStringLiteral(") as ") + item.ItemName +
             QStringLiteral("WY") + QStringLiteral(",");
         s += QStringLiteral(" sum(") + NetAmountSql() + QStringLiteral(") As ") + item.ItemName +
              QStringLiteral("KFS") + QStringLiteral(",");
@@ -64,9 +65,10 @@ QString ItemSums(const FeeItem& item, const FlexGrid& grid2, const StatementCond
     s += QStringLiteral(", 票据开票数据.票据编号");
     s += FeeLinesFrom();
     s += QStringLiteral(" Where 作废日期 Is Null ");
-    s += QStringLiteral(" And Convert(Char(8),收款日期,112) Between '") + FormatYmd(k.From) +
-         QStringLiteral("' And '") + FormatYmd(k.To) + QStringLiteral("'");
-    s += ItemLinesOf(item, k.DeptCode);
+    s += QStringLiteral(" And Convert(Char(8),收款日期,112) Between '") +
+         FormatYmd(conditions.From) + QStringLiteral("' And '") + FormatYmd(conditions.To) +
+         QStringLiteral("'");
+    s += ItemLinesOf(item, conditions.DeptCode);
     s += QStringLiteral(" group by 票据开票数据.票据编号 ");
     return s;
 }
@@ -75,22 +77,23 @@ QString ItemSums(const FeeItem& item, const FlexGrid& grid2, const StatementCond
 
 ParkingStatement::ParkingStatement(DatabaseSession& session) : TicketStatement(session, Plan()) {}
 
-QString ParkingStatement::FeeItemSql(const StatementConditions& k) {
+QString ParkingStatement::FeeItemSql(const StatementConditions& conditions) {
     QString sql = FeeItemSelect();
-    sql += QStringLiteral(" where CONVERT(char(8),开票日期,112) between '") + FormatYmd(k.From) +
-           QStringLiteral("' and '") + FormatYmd(k.To) + QStringLiteral("'");
+    sql += QStringLiteral(" where CONVERT(char(8),开票日期,112) between '") +
+           FormatYmd(conditions.From) + QStringLiteral("' and '") + FormatYmd(conditions.To) +
+           QStringLiteral("'");
     sql += QStringLiteral(" and 作废日期 is null ");
-    sql += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+    sql += QStringLiteral(" And 开票部门编号 ='") + conditions.DeptCode + QStringLiteral("'");
     sql += QStringLiteral(" And 收费类别 Like '%停车%'");
     sql += QStringLiteral(" group by  setupsfxm.税率,收费项目代号,xm,收费类别,显示名称");
     sql += QStringLiteral(" order by 收费项目代号");
     return sql;
 }
 
-Trapped ParkingStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                                          FlexGrid& grid1) {
+Trapped ParkingStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& ratios,
+                                          FlexGrid& statementGrid) {
     try {
-        LoadItems(FeeItemSql(conditions), grid2, grid1);
+        LoadItems(FeeItemSql(conditions), ratios, statementGrid);
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description(), true);
         return e;
@@ -98,31 +101,32 @@ Trapped ParkingStatement::ExtractFeeItems(const StatementConditions& conditions,
     return {};
 }
 
-QString ParkingStatement::StatisticsSql(const StatementConditions& k,
-                                        const FlexGrid& grid2) const {
+QString ParkingStatement::StatisticsSql(const StatementConditions& conditions,
+                                        const FlexGrid& ratios) const {
     std::vector<QString> sub(1);
     for (std::size_t i = 1; i < feeItems_.size(); ++i)
-        sub.push_back(ItemSums(feeItems_[i], grid2, k));
+        sub.push_back(ItemSums(feeItems_[i], ratios, conditions));
 
     // The tickets, with each item's sums beside them.
-    QString sql =
-        QStringLiteral("Select 票据.票据编号 ,票据.入库单编号 ,  收款日期, 票据.金额, 收款方式, 交易订单号 ");
-    sql += FeeColumnsSelect(feeItems_, grid2);
+    QString sql = QStringLiteral(
+        "Select 票据.票据编号 ,票据.入库单编号 ,  收款日期, 票据.金额, 收款方式, 交易订单号 ");
+    sql += FeeColumnsSelect(feeItems_, ratios);
     sql += QStringLiteral(" From 票据");
     sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
     sql += JoinDerivedTables(sub, false);
-    sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+    sql +=
+        QStringLiteral(" Where 票据.开票部门编号 ='") + conditions.DeptCode + QStringLiteral("'");
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
     sql += QStringLiteral(" Order by 收款日期, 票据.入库单编号, 票据.票据编号, 金额 ");
     return sql;
 }
 
-PagedStatement::RunOutcome ParkingStatement::RunStatistics(const StatementConditions& k, const FlexGrid& grid2,
-                                     int pageSize) {
+PagedStatement::RunOutcome ParkingStatement::RunStatistics(const StatementConditions& conditions,
+                                                           const FlexGrid& ratios, int pageSize) {
     // The fields of a ticket by position; the money follows from position 6.
     enum { fNo = 0, fNote = 1, fPaid = 2, fMethod = 4, fOrder = 5 };
     session_.SetCommandTimeout(0);
-    Recordset rs = session_.Open(StatisticsSql(k, grid2));
+    Recordset rs = session_.Open(StatisticsSql(conditions, ratios));
     const int n = feeColumnCount_;
     rows_ = DetailRows(n);
     const FeeColumnReader fees(rs, 5, n);

@@ -15,16 +15,16 @@ namespace yunqi {
 // appended rows; a batch row's kind is kPaper or kElectronic.
 class ParkingStatement : public TicketStatement {
   public:
-    static constexpr DetailRows::Kind kPaper = DetailRows::Kind::Ordinary;          // 纸质
+    static constexpr DetailRows::Kind kPaper = DetailRows::Kind::Ordinary;         // 纸质
     static constexpr DetailRows::Kind kElectronic = DetailRows::Kind::Electronic;  // 电子
 
     explicit ParkingStatement(DatabaseSession& session);
 
     // Has an error trap: a failure is shown and leaves the items read so far.
-    Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                            FlexGrid& grid1) override;
+    Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& ratios,
+                            FlexGrid& statementGrid) override;
     // More than 32,767 rows: Overflow, as the closing loops count in 16 bits.
-    RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
+    RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& ratios,
                              int pageSize) override;
     void WriteRow(GridRow& row, int r, const TextMeasure& measure) const override;
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
@@ -32,7 +32,7 @@ class ParkingStatement : public TicketStatement {
 
     // The SQL texts, exactly as they are sent.
     static QString FeeItemSql(const StatementConditions& conditions);
-    QString StatisticsSql(const StatementConditions& conditions, const FlexGrid& grid2) const;
+    QString StatisticsSql(const StatementConditions& conditions, const FlexGrid& ratios) const;
 
     // A row of totals: "合计", "其中" or a further breakdown row.
     bool IsSummaryRow(int r) const;

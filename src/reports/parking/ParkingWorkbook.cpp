@@ -11,7 +11,7 @@ void WriteParkingSheet(const ParkingStatement& statement, SheetModel& sheet,
     constexpr auto kPaper = ParkingStatement::kPaper;
     const DetailRows& rows = statement.Rows();
     WorkbookParts::WriteTicketHeader(sheet, in, statement.HeaderPlan(), statement.FeeItems());
-    const int c = in.grid1.Cols();
+    const int c = in.statementGrid.Cols();
 
     const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();

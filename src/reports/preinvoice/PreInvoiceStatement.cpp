@@ -43,7 +43,8 @@ QString UnpaidBy(const QString& d2, const QString& lastNull) {
 // Each item's lines summed per ticket number.
 const FeeSubQuery::Form& SumForm() {
     static const QString net = QStringLiteral(
-        "SUM(票据开票数据.金额-(Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 End))");
+        "SUM(票据开票数据.金额-(Case When 票据开票数据.税额 Is Null Then 0 Else 票据开票数据.税额 "
+        "End))");
     static const FeeSubQuery::Form form{
         QStringLiteral("Select ") + net,
         QStringLiteral(" ,SUM(票据开票数据.税额) as "),
@@ -66,9 +67,10 @@ DetailRows::Kind KindOf(const QString& typeName) {
 PreInvoiceStatement::PreInvoiceStatement(DatabaseSession& session)
     : TicketStatement(session, Plan()) {}
 
-QString PreInvoiceStatement::FeeItemSql(const StatementConditions& k) {
-    const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
-    QString sql = QStringLiteral("Select distinct 收费项目代号, setupsfxm.税率,XM , 收费类别,显示名称");
+QString PreInvoiceStatement::FeeItemSql(const StatementConditions& conditions) {
+    const QString d1 = FormatYmd(conditions.From), d2 = FormatYmd(conditions.To);
+    QString sql =
+        QStringLiteral("Select distinct 收费项目代号, setupsfxm.税率,XM , 收费类别,显示名称");
     sql += QStringLiteral(" From 票据");
     sql += QStringLiteral(
         " inner join 票据开票数据 on 票据.票据编号  = 票据开票数据.票据编号 And 票据.入库单编号 = "
@@ -80,17 +82,18 @@ QString PreInvoiceStatement::FeeItemSql(const StatementConditions& k) {
            QStringLiteral("' and '") + d2 + QStringLiteral("'");
     sql += UnpaidBy(d2, QStringLiteral("Is Null"));
     sql += QStringLiteral(" and 作废日期 is null ");
-    sql += QStringLiteral(" And 开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
-    sql += QStringLiteral(" And 票据类型代号 In (") + k.InvoiceTypeList + QStringLiteral(")");
+    sql += QStringLiteral(" And 开票部门编号 ='") + conditions.DeptCode + QStringLiteral("'");
+    sql +=
+        QStringLiteral(" And 票据类型代号 In (") + conditions.InvoiceTypeList + QStringLiteral(")");
     sql += QStringLiteral(" group by  setupsfxm.税率,收费项目代号,xm,收费类别,显示名称");
     sql += QStringLiteral(" order by 收费项目代号");
     return sql;
 }
 
 Trapped PreInvoiceStatement::ExtractFeeItems(const StatementConditions& conditions,
-                                             FlexGrid& grid2, FlexGrid& grid1) {
+                                             FlexGrid& ratios, FlexGrid& statementGrid) {
     try {
-        LoadItems(FeeItemSql(conditions), grid2, grid1);
+        LoadItems(FeeItemSql(conditions), ratios, statementGrid);
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description());
         return e;
@@ -98,9 +101,9 @@ Trapped PreInvoiceStatement::ExtractFeeItems(const StatementConditions& conditio
     return {};
 }
 
-QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
-                                           const FlexGrid& grid2) const {
-    const QString d1 = FormatYmd(k.From), d2 = FormatYmd(k.To);
+QString PreInvoiceStatement::StatisticsSql(const StatementConditions& conditions,
+                                           const FlexGrid& ratios) const {
+    const QString d1 = FormatYmd(conditions.From), d2 = FormatYmd(conditions.To);
     const int count = int(feeItems_.size()) - 1;
 
     // Stage one: each item's lines summed per ticket number.
@@ -108,12 +111,12 @@ QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
     for (int i = 1; i <= count; ++i) {
         const FeeItem& item = feeItems_[i];
         QString& s = sub[i];
-        s = FeeSubQuery::Head(item, grid2, SumForm());
+        s = FeeSubQuery::Head(item, ratios, SumForm());
         s += QStringLiteral(" Where 作废日期 Is Null");
         s += QStringLiteral(" And Convert(Char(8),开票日期,112) Between '") + d1 +
              QStringLiteral("' And '") + d2 + QStringLiteral("'");
         s += UnpaidBy(d2, QStringLiteral("is null"));
-        s += FeeSubQuery::Filter(item, k);
+        s += FeeSubQuery::Filter(item, conditions);
         s += QStringLiteral(" Group by 票据开票数据.票据编号");
     }
 
@@ -121,31 +124,32 @@ QString PreInvoiceStatement::StatisticsSql(const StatementConditions& k,
     QString sql = QStringLiteral(
         "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
         "票据.金额, 收款方式, 付款人, 地址 ");
-    sql += FeeColumnsSelect(feeItems_, grid2);
+    sql += FeeColumnsSelect(feeItems_, ratios);
     sql += QStringLiteral(" From 票据");
     sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
     sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
     sql += JoinDerivedTables(sub, false);
-    sql += QStringLiteral(" Where 票据.开票部门编号 ='") + k.DeptCode + QStringLiteral("'");
+    sql +=
+        QStringLiteral(" Where 票据.开票部门编号 ='") + conditions.DeptCode + QStringLiteral("'");
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
     sql += QStringLiteral(" Order by 票据.开票日期,票据编号");
     return sql;
 }
 
-PagedStatement::RunOutcome PreInvoiceStatement::RunStatistics(const StatementConditions& k,
-                                                               const FlexGrid& grid2,
-                                                               int pageSize) {
+PagedStatement::RunOutcome PreInvoiceStatement::RunStatistics(const StatementConditions& conditions,
+                                                              const FlexGrid& ratios,
+                                                              int pageSize) {
     try {
-        return Compute(k, grid2, pageSize);
+        return Compute(conditions, ratios, pageSize);
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description());
         return {false, e};
     }
 }
 
-bool PreInvoiceStatement::Compute(const StatementConditions& k, const FlexGrid& grid2,
+bool PreInvoiceStatement::Compute(const StatementConditions& conditions, const FlexGrid& ratios,
                                   int pageSize) {
-    const QString sql = StatisticsSql(k, grid2);
+    const QString sql = StatisticsSql(conditions, ratios);
     session_.SetCommandTimeout(0);
     Recordset rs = session_.Open(sql);
 

@@ -14,9 +14,9 @@ class PreInvoiceStatement : public TicketStatement {
   public:
     explicit PreInvoiceStatement(DatabaseSession& session);
 
-    Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid2,
-                            FlexGrid& grid1) override;
-    RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& grid2,
+    Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& ratios,
+                            FlexGrid& statementGrid) override;
+    RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& ratios,
                              int pageSize) override;
     void WriteRow(GridRow& row, int r, const TextMeasure& measure) const override;
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
@@ -24,10 +24,10 @@ class PreInvoiceStatement : public TicketStatement {
 
     // The SQL texts, exactly as they are sent.
     static QString FeeItemSql(const StatementConditions& conditions);
-    QString StatisticsSql(const StatementConditions& conditions, const FlexGrid& grid2) const;
+    QString StatisticsSql(const StatementConditions& conditions, const FlexGrid& ratios) const;
 
   private:
-    bool Compute(const StatementConditions& conditions, const FlexGrid& grid2, int pageSize);
+    bool Compute(const StatementConditions& conditions, const FlexGrid& ratios, int pageSize);
 };
 
 }  // namespace yunqi

@@ -11,7 +11,7 @@ void WritePreInvoiceSheet(const PreInvoiceStatement& statement, SheetModel& shee
     using ValueRules::Format0_00;
     using WorkbookParts::kLightBlue;
     const DetailRows& rows = statement.Rows();
-    const int c = in.grid1.Cols();
+    const int c = in.statementGrid.Cols();
     const int n = statement.FeeColumnCount();
     const int u = rows.UpperBound();
 
@@ -37,16 +37,18 @@ void WritePreInvoiceSheet(const PreInvoiceStatement& statement, SheetModel& shee
             cell.SetValue(QLatin1Char('\'') + *numbers[j]);
             cell.SetHorizontalAlignment(SheetModel::kAlignCenter);
         }
-        for (int j = 1; j <= n; ++j) sheet.Cells(s, j + 4).SetValue(Format0_00(rows.FeeAmount(r, j)));
+        for (int j = 1; j <= n; ++j)
+            sheet.Cells(s, j + 4).SetValue(Format0_00(rows.FeeAmount(r, j)));
         sheet.Cells(s, c - 2).SetValue(Format0_00(rows.RowTotal(r)));
         sheet.Cells(s, c - 1).SetValue(rows.PayMethod(r));
         sheet.Cells(s, c).SetValue(rows.PayerText(r));
         sheet.SetRowWrapText(s, true);
     }
 
-    WorkbookParts::WriteSignatureLine(
-        sheet, u + 6,
-        {{2, QStringLiteral("收款人:")}, {7, QStringLiteral("经理:")}, {13, QStringLiteral("缴款人:")}});
+    WorkbookParts::WriteSignatureLine(sheet, u + 6,
+                                      {{2, QStringLiteral("收款人:")},
+                                       {7, QStringLiteral("经理:")},
+                                       {13, QStringLiteral("缴款人:")}});
     steps.FooterWritten();
 }
 

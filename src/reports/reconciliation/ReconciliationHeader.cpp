@@ -59,12 +59,12 @@ void LayHeader(FlexGrid& grid, const FeeItemList& items) {
 
 }  // namespace
 
-void ReconciliationStatement::InitGridHeader(FlexGrid& grid1) const {
-    LayHeader(grid1, FeeItemList(1));
+void ReconciliationStatement::InitGridHeader(FlexGrid& statementGrid) const {
+    LayHeader(statementGrid, FeeItemList(1));
 }
 
-void ReconciliationStatement::BuildGridHeader(FlexGrid& grid1) const {
-    LayHeader(grid1, feeItems_);
+void ReconciliationStatement::BuildGridHeader(FlexGrid& statementGrid) const {
+    LayHeader(statementGrid, feeItems_);
 }
 
 }  // namespace yunqi

@@ -30,10 +30,11 @@ QString Amount(const Recordset& rs, int field) {
 }
 
 // The months of the run, as the combo texts give them.
-std::vector<QString> MonthKeys(const StatementConditions& k) {
+std::vector<QString> MonthKeys(const StatementConditions& conditions) {
     std::vector<QString> keys;
-    for (long m = RoundHalfEven(Val(k.FromMonth)); m <= RoundHalfEven(Val(k.ToMonth)); ++m)
-        keys.push_back(k.Year + Format00(m));
+    for (long m = RoundHalfEven(Val(conditions.FromMonth));
+         m <= RoundHalfEven(Val(conditions.ToMonth)); ++m)
+        keys.push_back(conditions.Year + Format00(m));
     return keys;
 }
 
@@ -75,13 +76,13 @@ QString ReconciliationStatement::TitleCaption(const QString& entry, const QStrin
 }
 
 Trapped ReconciliationStatement::ExtractFeeItems(const StatementConditions& conditions,
-                                                 FlexGrid& grid1) {
+                                                 FlexGrid& statementGrid) {
     feeItems_ = FeeItemList(1);
     try {
         session_.SetCommandTimeout(0);
         Recordset rs = session_.Open(FeeItemSql(conditions));
         feeItems_ = ReadFeeItems(rs);
-        BuildGridHeader(grid1);
+        BuildGridHeader(statementGrid);
     } catch (const RuntimeError& e) {
         MessageForms::ShowTrap(e.number(), e.description());
         return e;
@@ -89,13 +90,14 @@ Trapped ReconciliationStatement::ExtractFeeItems(const StatementConditions& cond
     return {};
 }
 
-void ReconciliationStatement::FillMonthlyRows(const StatementConditions& k, FlexGrid& grid) {
+void ReconciliationStatement::FillMonthlyRows(const StatementConditions& conditions,
+                                              FlexGrid& grid) {
     const int n = int(feeItems_.size()) - 1;
     const int finance = FinanceColumn(n);
-    for (const QString& month : MonthKeys(k)) {
+    for (const QString& month : MonthKeys(conditions)) {
         std::vector<double> subtotals(grid.Cols(), 0.0);
         session_.SetCommandTimeout(0);
-        Recordset rs = session_.Open(MonthSql(k, month));
+        Recordset rs = session_.Open(MonthSql(conditions, month));
         const int fRate = rs.IndexOf(QStringLiteral("S税率"));
         const int fSpecial = rs.IndexOf(QStringLiteral("专用发票"));
         const int fSpecialTax = rs.IndexOf(QStringLiteral("专发税额"));
@@ -143,16 +145,16 @@ void ReconciliationStatement::FillMonthlyRows(const StatementConditions& k, Flex
     }
 }
 
-Trapped ReconciliationStatement::FillPreInvoiced(const StatementConditions& k, FlexGrid& grid,
-                                              bool collected) {
+Trapped ReconciliationStatement::FillPreInvoiced(const StatementConditions& conditions,
+                                                 FlexGrid& grid, bool collected) {
     const int n = int(feeItems_.size()) - 1;
     const int column = collected ? CollectedColumn(n) : UncollectedColumn(n);
     const QString codes = FeeCodeList();
     try {
-        for (const QString& month : MonthKeys(k)) {
+        for (const QString& month : MonthKeys(conditions)) {
             session_.SetCommandTimeout(0);
-            Recordset rs = session_.Open(collected ? CollectedSql(k, codes, month)
-                                                   : UncollectedSql(k, codes, month));
+            Recordset rs = session_.Open(collected ? CollectedSql(conditions, codes, month)
+                                                   : UncollectedSql(conditions, codes, month));
             // One sum for all rates: it stands on the month's 小计 row, if any.
             for (; !rs.AtEnd(); rs.MoveNext())
                 for (int r = 2; r < grid.Rows(); ++r)
@@ -168,22 +170,23 @@ Trapped ReconciliationStatement::FillPreInvoiced(const StatementConditions& k, F
     return {};
 }
 
-Trapped ReconciliationStatement::FillCollectedPreInvoiced(const StatementConditions& k,
-                                                          FlexGrid& grid1) {
-    return FillPreInvoiced(k, grid1, true);
+Trapped ReconciliationStatement::FillCollectedPreInvoiced(const StatementConditions& conditions,
+                                                          FlexGrid& statementGrid) {
+    return FillPreInvoiced(conditions, statementGrid, true);
 }
 
-Trapped ReconciliationStatement::FillUncollectedPreInvoiced(const StatementConditions& k,
-                                                            FlexGrid& grid1) {
-    return FillPreInvoiced(k, grid1, false);
+Trapped ReconciliationStatement::FillUncollectedPreInvoiced(const StatementConditions& conditions,
+                                                            FlexGrid& statementGrid) {
+    return FillPreInvoiced(conditions, statementGrid, false);
 }
 
-Trapped ReconciliationStatement::RunReconciliation(const StatementConditions& k, FlexGrid& grid) {
+Trapped ReconciliationStatement::RunReconciliation(const StatementConditions& conditions,
+                                                   FlexGrid& grid) {
     const int n = int(feeItems_.size()) - 1;
     grid.SetRows(2);
-    FillMonthlyRows(k, grid);
-    Trapped trapped = FillCollectedPreInvoiced(k, grid);
-    Trapped later = FillUncollectedPreInvoiced(k, grid);
+    FillMonthlyRows(conditions, grid);
+    Trapped trapped = FillCollectedPreInvoiced(conditions, grid);
+    Trapped later = FillUncollectedPreInvoiced(conditions, grid);
     if (!trapped) trapped = std::move(later);
 
     // The difference of each month, from the texts as they stand; the

@@ -15,21 +15,25 @@ class ReconciliationStatement : public MonthlyStatement {
   public:
     explicit ReconciliationStatement(DatabaseSession& session) : session_(session) {}
 
-    void InitGridHeader(FlexGrid& grid1) const override;
+    void InitGridHeader(FlexGrid& statementGrid) const override;
     QString LoadInvoiceTypes() override;
     QString TitleCaption(const QString& entry, const QString& year) const override;
-    Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& grid1) override;
-    Trapped RunReconciliation(const StatementConditions& conditions, FlexGrid& grid1) override;
+    Trapped ExtractFeeItems(const StatementConditions& conditions,
+                            FlexGrid& statementGrid) override;
+    Trapped RunReconciliation(const StatementConditions& conditions,
+                              FlexGrid& statementGrid) override;
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;
     const FeeItemList& FeeItems() const override { return feeItems_; }
 
     // Lays the header of FeeItems: n + 13 columns.
-    void BuildGridHeader(FlexGrid& grid1) const;
+    void BuildGridHeader(FlexGrid& statementGrid) const;
     // The three steps of a run, each over every month, then the check.
-    void FillMonthlyRows(const StatementConditions& conditions, FlexGrid& grid1);
-    Trapped FillCollectedPreInvoiced(const StatementConditions& conditions, FlexGrid& grid1);
-    Trapped FillUncollectedPreInvoiced(const StatementConditions& conditions, FlexGrid& grid1);
+    void FillMonthlyRows(const StatementConditions& conditions, FlexGrid& statementGrid);
+    Trapped FillCollectedPreInvoiced(const StatementConditions& conditions,
+                                     FlexGrid& statementGrid);
+    Trapped FillUncollectedPreInvoiced(const StatementConditions& conditions,
+                                       FlexGrid& statementGrid);
 
     // The code lists of LoadInvoiceTypes, each quoted and comma-joined.
     const QString& SpecialTypeCodes() const { return special_; }
@@ -53,7 +57,8 @@ class ReconciliationStatement : public MonthlyStatement {
     static constexpr int kTotalColor = 0xFFC0C0;     // light blue
 
   private:
-    Trapped FillPreInvoiced(const StatementConditions& conditions, FlexGrid& grid1, bool collected);
+    Trapped FillPreInvoiced(const StatementConditions& conditions, FlexGrid& statementGrid,
+                            bool collected);
 
     DatabaseSession& session_;
     FeeItemList feeItems_{FeeItem{}};

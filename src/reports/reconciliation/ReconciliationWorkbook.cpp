@@ -8,16 +8,17 @@ namespace yunqi {
 void WriteReconciliationSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                               const WorkbookContext& in) {
     using ValueRules::Val;
-    const FlexGrid& grid = in.grid1;
+    const FlexGrid& grid = in.statementGrid;
     const int rows = grid.Rows();
     const int c = grid.Cols();
     const int n = c - 13;
 
-    const StatementConditions& k = in.conditions;
-    WorkbookParts::WriteTitleBlock(
-        sheet, c, in,
-        QStringLiteral(" 核对年月 : ") + k.Year + QStringLiteral(" 年 ") + k.FromMonth +
-            QStringLiteral(" 月 至 ") + k.ToMonth + QStringLiteral(" 月"));
+    const StatementConditions& conditions = in.conditions;
+    WorkbookParts::WriteTitleBlock(sheet, c, in,
+                                   QStringLiteral(" 核对年月 : ") + conditions.Year +
+                                       QStringLiteral(" 年 ") + conditions.FromMonth +
+                                       QStringLiteral(" 月 至 ") + conditions.ToMonth +
+                                       QStringLiteral(" 月"));
     WorkbookParts::CopyGridHeader(sheet, grid);
 
     sheet.RangeOf(4, 1, 5, 1).SetMergeCells(true);
@@ -61,7 +62,6 @@ void WriteReconciliationSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps
             if (closing) cell.SetInteriorColor(grid.CellBackColorAt(r, col - 1));
         }
     }
-
 
     // A fixed line: it states the rule, the 差额 column shows the outcome.
     sheet.Cells(rows + 4, 2)
