@@ -15,8 +15,11 @@
 using namespace yunqi;
 
 int main(int argc, char** argv) {
+    // The program takes nothing from its command line, Qt's own options
+    // (-reverse, -style...) included: Qt sees the program's name alone.
+    int qtArgc = argc > 0 ? 1 : 0;
     // Run-time errors that event handlers let through end here, not in Qt.
-    Application app(argc, argv);
+    Application app(qtArgc, argv);
     InstallQtTranslations(app);
     // Chinese SQL texts survive the ODBC path only under a UTF-8 character type.
     std::setlocale(LC_CTYPE, "C.UTF-8");
