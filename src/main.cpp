@@ -1,3 +1,4 @@
+#include <QTimer>
 #include <clocale>
 
 #include "core/OutputFile.h"
@@ -38,6 +39,9 @@ int main(int argc, char** argv) {
                                 [report, &session] { return NewReportWindow(*report, session); });
             main = std::make_unique<MainWindow>(std::move(windows));
             main->show();
+            main->KeepOnScreen();
+            // A window manager's frame comes after the first show.
+            QTimer::singleShot(0, main.get(), [&main] { main->KeepOnScreen(); });
         });
     } catch (const RuntimeError& e) {
         EndOnRuntimeError(e);

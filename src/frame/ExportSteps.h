@@ -17,6 +17,8 @@ class ExportControls {
     virtual void SetProgressValue(int value) = 0;
     virtual void HideProgressBar() = 0;
     virtual void SetBusyLabelVisible(bool visible) = 0;  // Label2
+    // The busy pointer, from the first row until the file is saved.
+    virtual void SetBusy(bool busy) = 0;
 };
 
 // What a report's sheet writer is told to do between its parts.

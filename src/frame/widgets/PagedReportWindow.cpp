@@ -103,6 +103,7 @@ PagedReportWindow::PagedReportWindow(const ReportDefinition& report, DatabaseSes
     text6_ = Control<QLineEdit>("Text6");
     txtGrd_ = Control<QLineEdit>("txtGRD");
     view2_->SetGrid(grid2_);
+    FitPageLabel();
 
     OnClick(command3_, [this] { ClickCommand3(); });
     OnClick(command6_, [this] { ClickCommand6(); });
@@ -120,6 +121,19 @@ PagedReportWindow::PagedReportWindow(const ReportDefinition& report, DatabaseSes
 }
 
 PagedReportWindow::~PagedReportWindow() = default;
+
+void PagedReportWindow::FitPageLabel() {
+    // Page counts run to five digits: the label takes the longest text whole,
+    // and the controls right of it move over to make room.
+    const int needed = label19_->fontMetrics().horizontalAdvance(Pager::PageText(99999, 99999)) + 4;
+    const int extra = needed - label19_->width();
+    if (extra <= 0) return;
+    const int right = label19_->geometry().right();
+    for (QWidget* w : picture8_->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        if (w != label19_ && w->x() > right) w->move(w->x() + extra, w->y());
+    label19_->resize(needed, label19_->height());
+    picture8_->resize(picture8_->width() + extra, picture8_->height());
+}
 
 void PagedReportWindow::Load() {
     for (QDateEdit* d : {from_, to_}) {
@@ -194,6 +208,7 @@ void PagedReportWindow::ClickCommand6() {
     } else {
         MutableGrid1().SetRows(2);
         Grid1View()->Refresh();
+        label19_->setText(Pager::EmptyPageText());
         AppDialogs().MsgBox(Texts().noRowsText, kSystemTitle, MsgIcon::Information);
     }
     // The panel goes and the pointer comes back only after the page or the

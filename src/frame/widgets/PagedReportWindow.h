@@ -46,6 +46,7 @@ class PagedReportWindow : public ReportWindow {
     void EnterTxtGrd();
     void BuildGridHeader();
     void ShowPage();
+    void FitPageLabel();
 
     std::unique_ptr<PagedStatement> statement_;
     FlexGrid grid2_;

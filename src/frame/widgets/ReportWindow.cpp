@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDateTime>
+#include <QMouseEvent>
 #include <QTimer>
 
 #include "core/Dialogs.h"
@@ -11,6 +12,33 @@
 #include "frame/widgets/ChildWindow.h"
 
 namespace yunqi {
+
+namespace {
+
+// A department stays selected until another is clicked: a press on the empty
+// part of the list below the last entry is let go.
+class KeepSelection : public QObject {
+  public:
+    explicit KeepSelection(QListWidget* list) : QObject(list), list_(list) {}
+    bool eventFilter(QObject*, QEvent* event) override {
+        switch (event->type()) {
+            case QEvent::MouseButtonPress:
+            case QEvent::MouseButtonDblClick:
+            case QEvent::MouseMove:
+            case QEvent::MouseButtonRelease: {
+                const auto* mouse = static_cast<QMouseEvent*>(event);
+                return !list_->indexAt(mouse->position().toPoint()).isValid();
+            }
+            default:
+                return false;
+        }
+    }
+
+  private:
+    QListWidget* list_;
+};
+
+}  // namespace
 
 namespace {
 
@@ -67,6 +95,7 @@ ReportWindow::ReportWindow(const ReportDefinition& report, DatabaseSession& sess
     heading->resize(std::max(heading->width(), heading->sizeHint().width()), heading->height());
     label3_ = Control<QLabel>("Label3");
     list1_ = Control<QListWidget>("List1");
+    list1_->viewport()->installEventFilter(new KeepSelection(list1_));
     view1_ = Control<FlexGridView>("MSFlexGrid1");
     view1_->SetGrid(grid1_);
     command1_ = Control<QPushButton>("Command1");
@@ -195,6 +224,13 @@ void ReportWindow::ShowProgressBar(int maximum) {
 void ReportWindow::SetProgressValue(int value) { progress_->setValue(value); }
 void ReportWindow::HideProgressBar() { progress_->hide(); }
 void ReportWindow::SetBusyLabelVisible(bool visible) { SetExportLabelVisible(visible); }
+
+void ReportWindow::SetBusy(bool busy) {
+    if (busy)
+        SetHourglass();
+    else
+        RestorePointer();
+}
 
 void ReportWindow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);

@@ -128,6 +128,7 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     void SetProgressValue(int value) override;
     void HideProgressBar() override;
     void SetBusyLabelVisible(bool visible) override;
+    void SetBusy(bool busy) override;
     void SetStatusPanels();
 
     const ReportDefinition& report_;

@@ -25,7 +25,8 @@ MsgResult WidgetDialogs::MsgBox(const QString& text, const QString& title, MsgIc
     }
     auto* box = new QMessageBox(parent_ ? parent_ : QApplication::activeWindow());
     std::unique_ptr<QMessageBox> owner(box);
-    box->setWindowTitle(title);
+    // A box without a title of its own carries the program's.
+    box->setWindowTitle(title.isEmpty() ? QStringLiteral("云栖报表台") : title);
     box->setText(text);
     switch (icon) {
         case MsgIcon::Information:

@@ -32,13 +32,28 @@ QString ErrorText(long number, const QString& description) {
 
 QString ExportToExcel(const QString& chosen, const ExportRequest& request, ExportControls* controls,
                       Dialogs& dialogs) {
+    // Rows are written to the file as they are composed, and the file is
+    // packed and checked after the last: the pointer says so until the message.
+    struct Busy {
+        explicit Busy(ExportControls* c) : controls(c) {
+            if (controls) controls->SetBusy(true);
+        }
+        void End() {
+            if (controls) controls->SetBusy(false);
+            controls = nullptr;
+        }
+        ~Busy() { End(); }
+        ExportControls* controls;
+    } busy(controls);
     try {
         const QString file = ExportFileStem(chosen) + WorkbookExtension();
         ExportSteps steps(controls, dialogs);
         StreamXlsx(file, [&](SheetModel& sheet) { request.writeSheet(sheet, steps); });
+        busy.End();
         dialogs.MsgBox(request.successText, QStringLiteral("系统提示"), MsgIcon::Information);
         return file;
     } catch (const RuntimeError& e) {
+        busy.End();
         dialogs.MsgBox(ErrorText(e.number(), e.description()), QStringLiteral("系统提示"),
                        MsgIcon::Information);
         return QString();

@@ -162,10 +162,7 @@ PagedStatement::RunOutcome ParkingStatement::RunStatistics(const StatementCondit
     }
 
     const int batches = rows_.UpperBound();
-    if (batches == 0) {
-        pageCount_ = 0;
-        return false;
-    }
+    if (batches == 0) return false;
     if (batches > kMaxCounter) throw RuntimeError::Overflow();
 
     StatementTotals::AppendTotalRow(rows_, LabelField::TicketNo, kTotal);

@@ -10,9 +10,9 @@
 #include <QVBoxLayout>
 
 #include "core/Dialogs.h"
+#include "core/MessageForms.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
-#include "core/MessageForms.h"
 #include "db/SessionState.h"
 #include "shell/WindowPlacement.h"
 #include "shell/widgets/AboutWindow.h"
@@ -30,6 +30,9 @@ MainWindow::MainWindow(std::map<QString, WindowFactory> factories, QWidget* pare
     column->setSpacing(0);
     column->addWidget(new Banner(central));
     column->addWidget(area_);
+    backdrop_ = QPixmap(QCoreApplication::applicationDirPath() + QStringLiteral("/MDI.BMP"));
+    area_->viewport()->installEventFilter(this);
+    StretchBackdrop();
     setCentralWidget(central);
     // The about window is one more child of the main window.
     factories_.emplace(QStringLiteral("关于软件"), [] { return new AboutWindow; });
@@ -152,14 +155,37 @@ void MainWindow::权限设置(QString& memo) {
     }
 }
 
-void MainWindow::resizeEvent(QResizeEvent* event) {
-    QMainWindow::resizeEvent(event);
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    // The backdrop follows the client area from its first size on: a picture
+    // scaled to an earlier, smaller size would be tiled.
+    if (watched == area_->viewport() && event->type() == QEvent::Resize) StretchBackdrop();
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::StretchBackdrop() {
     // The backdrop: MDI.BMP beside the program, stretched; none, no message.
-    const QPixmap picture(QCoreApplication::applicationDirPath() + QStringLiteral("/MDI.BMP"));
-    if (picture.isNull())
+    if (backdrop_.isNull())
         area_->setBackground(palette().brush(QPalette::Dark));
     else
-        area_->setBackground(picture.scaled(area_->viewport()->size(), Qt::IgnoreAspectRatio));
+        area_->setBackground(backdrop_.scaled(area_->viewport()->size(), Qt::IgnoreAspectRatio));
+}
+
+void MainWindow::KeepOnScreen() {
+    if (isMaximized() || isFullScreen()) return;
+    // The frame, title bar included, stays on the available screen.
+    const QRect screenBox = screen()->availableGeometry();
+    const QRect frame = frameGeometry();
+    const int extraHeight = frame.height() - height(), extraWidth = frame.width() - width();
+    const QSize fits(std::min(width(), screenBox.width() - extraWidth),
+                     std::min(height(), screenBox.height() - extraHeight));
+    if (fits != size()) resize(fits);
+    const QRect now = frameGeometry();
+    QPoint to = now.topLeft();
+    if (now.bottom() > screenBox.bottom())
+        to.setY(std::max(screenBox.top(), screenBox.bottom() - now.height() + 1));
+    if (now.right() > screenBox.right())
+        to.setX(std::max(screenBox.left(), screenBox.right() - now.width() + 1));
+    if (to != now.topLeft()) move(to);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

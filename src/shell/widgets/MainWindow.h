@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 #include <QMdiArea>
+#include <QPixmap>
 #include <functional>
 #include <map>
 
@@ -21,17 +22,23 @@ class MainWindow : public QMainWindow {
     void Choose(const QString& entry);
     QWidget* OpenWindow(const QString& entry) const;
     QMdiArea* Area() const { return area_; }
+    // Once shown: the frame, title bar included, shrunk and moved onto the
+    // available screen where it hangs off it.
+    void KeepOnScreen();
     // Applies the privilege tables to the menu (not called at start-up).
     void 权限设置(QString& memo);
 
   protected:
     void closeEvent(QCloseEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    void StretchBackdrop();
+
     std::map<QString, WindowFactory> factories_;
     std::map<QString, QMdiSubWindow*> open_;
     QMdiArea* area_;
+    QPixmap backdrop_;
 };
 
 }  // namespace yunqi

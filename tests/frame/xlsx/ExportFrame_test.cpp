@@ -21,6 +21,7 @@ class RecordingControls : public ExportControls {
     void SetProgressValue(int v) override { log << QString("row %1").arg(v); }
     void HideProgressBar() override { log << "-bar"; }
     void SetBusyLabelVisible(bool v) override { log << (v ? "label" : "-label"); }
+    void SetBusy(bool v) override { log << (v ? "busy" : "-busy"); }
     QStringList log;
 };
 
@@ -68,7 +69,7 @@ TEST(ExportFrameTest, StepsInOrderAndTheFileAtTheStem) {
     const QString file = ExportCommand(TwoRows(), controls, dialogs);
     EXPECT_EQ(file, dir.filePath("out.xlsx"));
     EXPECT_TRUE(QFile::exists(file));
-    EXPECT_EQ(controls.log, (QStringList{"-buttons", "bar 2", "label", "row 1", "row 2", "-label",
+    EXPECT_EQ(controls.log, (QStringList{"-buttons", "bar 2", "busy", "label", "row 1", "row 2", "-label", "-busy",
                                          "-bar", "buttons"}));
     EXPECT_EQ(dialogs.yields, 3);
     EXPECT_EQ(dialogs.saveDialogDefaults, QStringList{"表_20240101-20241231"});
