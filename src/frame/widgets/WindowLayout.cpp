@@ -67,8 +67,14 @@ QWidget* Create(const ControlSpec& spec, QWidget* parent, const QString& text) {
             }
             return w;
         }
-        case ControlKind::Label:
-            return new QLabel(text, parent);
+        case ControlKind::Label: {
+            // A label is drawn on its container beneath every other control
+            // and takes no click: a label over a button never hides it.
+            auto* label = new QLabel(text, parent);
+            label->setAttribute(Qt::WA_TransparentForMouseEvents);
+            label->lower();
+            return label;
+        }
         case ControlKind::Button:
             return new QPushButton(text, parent);
         case ControlKind::List: {
