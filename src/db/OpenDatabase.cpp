@@ -68,6 +68,8 @@ bool OpenDatabase(const DbSettings& settings) {
     try {
         if (settings.Driver.compare(QLatin1String("SQLite"), Qt::CaseInsensitive) == 0) {
             state.SessionConnection = DatabaseSession::OpenEmbedded(settings.DBname);
+            // Any file opens: a read of the department table proves a ledger.
+            state.SessionConnection->Open(QStringLiteral("Select Count(*) From 职能部门new"));
         } else {
             CheckQuotedValues(state.SessionConnectionText);
             const SqlDialect dialect = settings.Driver.startsWith(QLatin1String("SQLite"))
@@ -78,6 +80,7 @@ bool OpenDatabase(const DbSettings& settings) {
         }
         return true;
     } catch (const RuntimeError& e) {
+        state.SessionConnection.reset();
         MessageForms::ShowStartup(e.description());
         return false;
     }
