@@ -66,3 +66,47 @@ TEST(SheetModelTest, LaterRangeSettingsOverlayCellByCell) {
     EXPECT_TRUE(sheet.StyleAt(5, 3).wrapText);
     EXPECT_FALSE(sheet.StyleAt(4, 1).wrapText);
 }
+
+namespace {
+
+// Keeps what each completed row held when it was handed on.
+class RowLog : public SheetModel::RowSink {
+  public:
+    void WriteRow(const SheetModel& sheet, int row) override {
+        rows.push_back(row);
+        texts.push_back(sheet.ValueAt(row, 1).text);
+        rightAligned.push_back(sheet.StyleAt(row, 2).horizontalAlignment ==
+                               SheetModel::kAlignRight);
+        bordered.push_back(sheet.StyleAt(row, 1).borderLineStyle == 1);
+    }
+    std::vector<int> rows;
+    std::vector<QString> texts;
+    std::vector<bool> rightAligned, bordered;
+};
+
+}  // namespace
+
+// Settings of the finished table are declared before the rows and taken by
+// each row as it completes, after the row's own; completed rows leave.
+TEST(SheetModelTest, RowsStreamOutWithTheTableSettingsDeclaredFirst) {
+    RowLog log;
+    SheetModel sheet(&log);
+    sheet.Cells(1, 1).SetValue("'标题");
+    sheet.Finally(2, 2, 4, 2).SetHorizontalAlignment(SheetModel::kAlignRight);
+    sheet.Finally(1, 1, 4, 3).SetBordersLineStyle(1);
+    for (int r = 2; r <= 4; ++r) {
+        sheet.CompleteRowsThrough(r - 1);
+        sheet.Cells(r, 1).SetValue(QStringLiteral("'行%1").arg(r));
+        // The row's own setting is overlaid, as if the table's came last.
+        sheet.Cells(r, 2).SetHorizontalAlignment(SheetModel::kAlignCenter);
+    }
+    EXPECT_EQ(log.rows, (std::vector<int>{1, 2, 3}));
+    EXPECT_EQ(sheet.UsedCols(1), 0) << "a handed row is dropped";
+    EXPECT_THROW(sheet.Cells(2, 1).SetValue("late"), std::logic_error);
+    EXPECT_THROW(sheet.Finally(3, 1, 5, 1).SetFontBold(true), std::logic_error);
+    sheet.Complete();
+    EXPECT_EQ(log.rows, (std::vector<int>{1, 2, 3, 4}));
+    EXPECT_EQ(log.texts, (std::vector<QString>{"标题", "行2", "行3", "行4"}));
+    EXPECT_EQ(log.rightAligned, (std::vector<bool>{false, true, true, true}));
+    EXPECT_EQ(log.bordered, (std::vector<bool>{true, true, true, true}));
+}
