@@ -70,18 +70,25 @@ QString TdsVersion(const QString& edition) {
 QString OdbcConnectionString(const DbSettings& s) {
     const bool freeTds = IsFreeTds(s);
     const auto value = [freeTds](const QString& v) { return OdbcValue(v, freeTds); };
-    QString host = s.Svr.trimmed(), port;
-    const qsizetype comma = host.indexOf(QLatin1Char(','));
-    if (comma >= 0) {
-        port = host.mid(comma + 1).trimmed();
-        host = host.left(comma).trimmed();
+    QString text;
+    if (!s.DSN.isEmpty()) {
+        text = QStringLiteral("DSN=") + value(s.DSN);
+        if (!s.UID.isEmpty()) text += QStringLiteral(";UID=") + value(s.UID);
+        if (!s.PWD.isEmpty()) text += QStringLiteral(";PWD=") + value(s.PWD);
+        if (!s.DBname.isEmpty()) text += QStringLiteral(";DATABASE=") + value(s.DBname);
+    } else {
+        QString host = s.Svr.trimmed(), port;
+        const qsizetype comma = host.indexOf(QLatin1Char(','));
+        if (comma >= 0) {
+            port = host.mid(comma + 1).trimmed();
+            host = host.left(comma).trimmed();
+        }
+        text = QStringLiteral("DRIVER={") + s.Driver + QStringLiteral("};SERVER=") + value(host);
+        if (!port.isEmpty()) text += QStringLiteral(";PORT=") + value(port);
+        text += QStringLiteral(";DATABASE=") + value(s.DBname) + QStringLiteral(";UID=") +
+                value(s.UID) + QStringLiteral(";PWD=") + value(s.PWD) +
+                QStringLiteral(";TDS_Version=") + TdsVersion(s.Edition);
     }
-    QString text =
-        QStringLiteral("DRIVER={") + s.Driver + QStringLiteral("};SERVER=") + value(host);
-    if (!port.isEmpty()) text += QStringLiteral(";PORT=") + value(port);
-    text += QStringLiteral(";DATABASE=") + value(s.DBname) + QStringLiteral(";UID=") +
-            value(s.UID) + QStringLiteral(";PWD=") + value(s.PWD) +
-            QStringLiteral(";TDS_Version=") + TdsVersion(s.Edition);
     const QString app = QCoreApplication::applicationName();
     if (!app.isEmpty()) text += QStringLiteral(";APP=") + value(app);
     // Last, so that no value of the settings ends the text: FreeTDS 1.3 reads
@@ -97,6 +104,7 @@ QString UncarriedValue(const DbSettings& s) {
         const QString& value;
         const char* remedy;
     } values[] = {
+        {"DSN", s.DSN, "rename the data source."},
         {"UID", s.UID, "FreeTDS takes the user from no data source either, so it has to change."},
         {"PWD", s.PWD,
          "FreeTDS takes the password from no data source either, so it has to change."},

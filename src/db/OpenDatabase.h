@@ -18,8 +18,10 @@ QString TdsVersion(const QString& edition);
 
 // The ODBC equivalent of the connection text for a SQL Server driver. Svr may
 // be "host", "host,port", "host\instance" (FreeTDS asks the server's browser
-// service for the port) or "host\instance,port" (FreeTDS takes the port). The
-// application's name goes as APP, and FreeTDS is asked for UTF-8.
+// service for the port) or "host\instance,port" (FreeTDS takes the port). With
+// DSN set, that data source names server, port, TDS version and encryption;
+// UID, PWD and DBname are added when set. The application's name goes as APP,
+// and FreeTDS is asked for UTF-8 either way.
 QString OdbcConnectionString(const DbSettings& settings);
 
 // Why a value of the settings can't reach the driver through a connection

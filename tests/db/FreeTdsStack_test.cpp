@@ -151,7 +151,7 @@ INSTANTIATE_TEST_SUITE_P(Editions, FreeTdsEditionTest,
                                            EditionRow{"unknown", "Azure", "0x74000004"}),
                          RowName<EditionRow>);
 
-enum class Form { Host, HostPort, Instance, InstancePort };
+enum class Form { Host, HostPort, Instance, InstancePort, Dsn };
 struct FormRow {
     const char* name;
     Form form;
@@ -170,7 +170,7 @@ TEST_P(FreeTdsSettingsFormTest, LoginReachesTheListenerAsConfigured) {
         GTEST_SKIP() << "no browser answer on 127.0.0.1: " << listener.Refusal().toStdString();
     ASSERT_GT(listener.Port(), 0) << listener.Refusal().toStdString();
     // Written as an administrator writes the settings file.
-    QString svr;
+    QString svr, dsn;
     QTemporaryDir dir;
     std::vector<std::unique_ptr<ScopedEnv>> env;
     switch (form) {
@@ -187,12 +187,29 @@ TEST_P(FreeTdsSettingsFormTest, LoginReachesTheListenerAsConfigured) {
         case Form::InstancePort:
             svr = QStringLiteral("127.0.0.1\\LEDGER,") + listener.PortText();
             break;
+        case Form::Dsn: {
+            // The data source names a server of freetds.conf, which holds
+            // address, port and version.
+            QFile odbc(dir.filePath("odbc.ini")), conf(dir.filePath("freetds.conf"));
+            ASSERT_TRUE(odbc.open(QIODevice::WriteOnly) && conf.open(QIODevice::WriteOnly));
+            odbc.write("[yunqi-ledger]\nDriver = FreeTDS\nServername = ledger\n");
+            conf.write("[ledger]\n\thost = 127.0.0.1\n\tport = " + listener.PortText().toLatin1() +
+                       "\n\ttds version = 7.2\n\tencryption = off\n");
+            odbc.close();
+            conf.close();
+            env.push_back(std::make_unique<ScopedEnv>("ODBCINI", dir.filePath("odbc.ini")));
+            env.push_back(std::make_unique<ScopedEnv>("FREETDSCONF", dir.filePath("freetds.conf")));
+            svr = QStringLiteral("elsewhere.invalid");
+            dsn = QStringLiteral("DSN=yunqi-ledger\n");
+            break;
+        }
     }
     {
         QFile ini(dir.filePath("settings.ini"));
         ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
-        ini.write(("[DBConfig]\nEdition=2000\nSvr=" + svr + "\nUID=出纳\nPWD=secret\nDBname=账房\n")
-                      .toUtf8());
+        ini.write(
+            ("[DBConfig]\nEdition=2000\nSvr=" + svr + "\nUID=出纳\nPWD=secret\nDBname=账房\n" + dsn)
+                .toUtf8());
     }
     QSettings store(dir.filePath("settings.ini"), QSettings::IniFormat);
     const DbSettings s = ReadDbSettings(store);
@@ -209,14 +226,16 @@ TEST_P(FreeTdsSettingsFormTest, LoginReachesTheListenerAsConfigured) {
     EXPECT_EQ(login["database"].toString(), "账房");
     EXPECT_TRUE(login["password"].toString() == "secret") << "the password differs";
     EXPECT_EQ(browsed, form == Form::Instance ? QStringList{"LEDGER"} : QStringList{});
-    EXPECT_EQ(login["version"].toString(), "0x71000001");
+    // The data source's version, whatever Edition says.
+    EXPECT_EQ(login["version"].toString(), form == Form::Dsn ? "0x72090002" : "0x71000001");
 }
 
 INSTANTIATE_TEST_SUITE_P(Forms, FreeTdsSettingsFormTest,
                          ::testing::Values(FormRow{"host", Form::Host},
                                            FormRow{"hostPort", Form::HostPort},
                                            FormRow{"instance", Form::Instance},
-                                           FormRow{"instancePort", Form::InstancePort}),
+                                           FormRow{"instancePort", Form::InstancePort},
+                                           FormRow{"dsn", Form::Dsn}),
                          RowName<FormRow>);
 
 struct PasswordRow {
