@@ -12,6 +12,7 @@
 #include <QTemporaryDir>
 #include <cstdio>
 #include <memory>
+#include <ostream>
 
 #include "core/Dialogs.h"
 #include "db/OpenDatabase.h"
@@ -126,6 +127,11 @@ template <typename Row>
 std::string RowName(const ::testing::TestParamInfo<Row>& info) {
     return info.param.name;
 }
+
+// Rows print as their names, not as bytes.
+template <typename Row>
+requires requires(const Row& r) { r.name; }
+void PrintTo(const Row& row, std::ostream* os) { *os << row.name; }
 
 struct EditionRow {
     const char* name;
