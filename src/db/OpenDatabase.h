@@ -24,10 +24,11 @@ QString TdsVersion(const QString& edition);
 // and FreeTDS is asked for UTF-8 either way.
 QString OdbcConnectionString(const DbSettings& settings);
 
-// Why a value of the settings can't reach the driver through a connection
-// string, or empty text. FreeTDS 1.3 ends a value in braces at the first "};"
-// and keeps a doubled "}}" as it stands, where the ODBC rule reads one "}":
-// no form of a value that needs braces and holds "}" reaches both readings.
+// Why a value of the settings can't reach FreeTDS through a connection
+// string, or empty text (always, for other drivers). FreeTDS 1.3 ends a value
+// in braces at the first "};" and keeps a doubled "}}" as it stands, where the
+// ODBC rule reads one "}": no form of a value that needs braces and holds "}"
+// reaches both readings.
 QString UncarriedValue(const DbSettings& settings);
 
 // Opens the one connection of the process into AppSession(), keeping the
