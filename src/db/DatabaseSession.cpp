@@ -99,6 +99,12 @@ std::unique_ptr<DatabaseSession> DatabaseSession::OpenOdbc(const QString& odbcCo
         if (dialect == SqlDialect::SQLite &&
             !text.contains(QLatin1String("Timeout="), Qt::CaseInsensitive))
             text += QStringLiteral(";Timeout=%1").arg(kBusyTimeoutMs);
+        // Qt's ODBC driver puts "DSN=" before a text that names no driver and no
+        // server itself.
+        if (text.startsWith(QLatin1String("DSN="), Qt::CaseInsensitive) &&
+            !text.contains(QLatin1String("DRIVER="), Qt::CaseInsensitive) &&
+            !text.contains(QLatin1String("SERVER="), Qt::CaseInsensitive))
+            text.remove(0, 4);
         db.setDatabaseName(text);
         // Without a login time-out some drivers wait for ever on a silent server.
         db.setConnectOptions(

@@ -1,18 +1,31 @@
 #include "db/OpenDatabase.h"
 
-#include "core/RuntimeError.h"
+#include <QCoreApplication>
+
 #include "core/MessageForms.h"
+#include "core/RuntimeError.h"
 #include "db/SessionState.h"
 
 namespace yunqi {
 
 namespace {
 
-// ODBC values with a separator or a brace go in braces, closing braces doubled.
-QString OdbcValue(const QString& value) {
-    if (!value.contains(QLatin1Char(';')) && !value.contains(QLatin1Char('{')) &&
-        !value.contains(QLatin1Char('}')) && value.trimmed() == value)
-        return value;
+bool IsFreeTds(const DbSettings& s) {
+    return s.Driver.contains(QLatin1String("FreeTDS"), Qt::CaseInsensitive) ||
+           s.Driver.contains(QLatin1String("tdsodbc"), Qt::CaseInsensitive);
+}
+
+// A separator or a leading brace needs braces around the value. FreeTDS keeps
+// blanks around an unbraced value; other drivers may not.
+bool NeedsBraces(const QString& value, bool freeTds) {
+    return value.contains(QLatin1Char(';')) || value.startsWith(QLatin1Char('{')) ||
+           (!freeTds && value.trimmed() != value);
+}
+
+// Braced as the ODBC rule says, closing braces doubled. For FreeTDS a value
+// that needs braces holds no "}" (UncarriedValue), so both readings agree.
+QString OdbcValue(const QString& value, bool freeTds) {
+    if (!NeedsBraces(value, freeTds)) return value;
     QString v = value;
     v.replace(QLatin1Char('}'), QStringLiteral("}}"));
     return QLatin1Char('{') + v + QLatin1Char('}');
@@ -44,20 +57,71 @@ QString ConnectionText(const QString& uid, const QString& pwd, const QString& db
            server + QStringLiteral("'");
 }
 
+QString TdsVersion(const QString& edition) {
+    QString label = edition.toLower();
+    label.remove(QLatin1Char(' '));
+    if (label == QLatin1String("2000")) return QStringLiteral("7.1");
+    if (label == QLatin1String("2005")) return QStringLiteral("7.2");
+    if (label == QLatin1String("2008") || label == QLatin1String("2008r2"))
+        return QStringLiteral("7.3");
+    return QStringLiteral("7.4");
+}
+
 QString OdbcConnectionString(const DbSettings& s) {
-    QString host = s.Svr, port;
-    const qsizetype comma = host.indexOf(QLatin1Char(','));
-    if (comma >= 0) {
-        port = host.mid(comma + 1).trimmed();
-        host = host.left(comma).trimmed();
+    const bool freeTds = IsFreeTds(s);
+    const auto value = [freeTds](const QString& v) { return OdbcValue(v, freeTds); };
+    QString text;
+    if (!s.DSN.isEmpty()) {
+        text = QStringLiteral("DSN=") + value(s.DSN);
+        if (!s.UID.isEmpty()) text += QStringLiteral(";UID=") + value(s.UID);
+        if (!s.PWD.isEmpty()) text += QStringLiteral(";PWD=") + value(s.PWD);
+        if (!s.DBname.isEmpty()) text += QStringLiteral(";DATABASE=") + value(s.DBname);
+    } else {
+        QString host = s.Svr.trimmed(), port;
+        const qsizetype comma = host.indexOf(QLatin1Char(','));
+        if (comma >= 0) {
+            port = host.mid(comma + 1).trimmed();
+            host = host.left(comma).trimmed();
+        }
+        text = QStringLiteral("DRIVER={") + s.Driver + QStringLiteral("};SERVER=") + value(host);
+        if (!port.isEmpty()) text += QStringLiteral(";PORT=") + value(port);
+        text += QStringLiteral(";DATABASE=") + value(s.DBname) + QStringLiteral(";UID=") +
+                value(s.UID) + QStringLiteral(";PWD=") + value(s.PWD) +
+                QStringLiteral(";TDS_Version=") + TdsVersion(s.Edition);
     }
-    QString text =
-        QStringLiteral("DRIVER={") + s.Driver + QStringLiteral("};SERVER=") + OdbcValue(host);
-    if (!port.isEmpty()) text += QStringLiteral(";PORT=") + OdbcValue(port);
-    text += QStringLiteral(";DATABASE=") + OdbcValue(s.DBname) + QStringLiteral(";UID=") +
-            OdbcValue(s.UID) + QStringLiteral(";PWD=") + OdbcValue(s.PWD) +
-            QStringLiteral(";TDS_Version=7.4;ClientCharset=UTF-8");
-    return text;
+    const QString app = QCoreApplication::applicationName();
+    if (!app.isEmpty()) text += QStringLiteral(";APP=") + value(app);
+    // Last, so that no value of the settings ends the text: FreeTDS 1.3 reads
+    // the last value to the end of what it is handed, a closing brace or the
+    // terminating NUL included.
+    return text + QStringLiteral(";ClientCharset=UTF-8");
+}
+
+QString UncarriedValue(const DbSettings& s) {
+    if (!IsFreeTds(s)) return QString();
+    const struct {
+        const char* key;
+        const QString& value;
+        const char* remedy;
+    } values[] = {
+        {"DSN", s.DSN, "rename the data source."},
+        {"UID", s.UID, "FreeTDS takes the user from no data source either, so it has to change."},
+        {"PWD", s.PWD,
+         "FreeTDS takes the password from no data source either, so it has to change."},
+        {"DBname", s.DBname,
+         "leave DBname empty and name the database in the Database entry of an ODBC data "
+         "source (DSN)."},
+    };
+    for (const auto& v : values) {
+        if (!NeedsBraces(v.value, true) || !v.value.contains(QLatin1Char('}'))) continue;
+        return QString::fromLatin1(v.key) +
+               (v.value.contains(QLatin1Char(';'))
+                    ? QStringLiteral(" holds \"}\" and \";\"")
+                    : QStringLiteral(" starts with \"{\" and holds \"}\"")) +
+               QStringLiteral(", which the FreeTDS driver cannot take in a connection string: ") +
+               QString::fromLatin1(v.remedy);
+    }
+    return QString();
 }
 
 bool OpenDatabase(const DbSettings& settings) {
@@ -72,6 +136,8 @@ bool OpenDatabase(const DbSettings& settings) {
             state.SessionConnection->Open(QStringLiteral("Select Count(*) From 职能部门new"));
         } else {
             CheckQuotedValues(state.SessionConnectionText);
+            const QString uncarried = UncarriedValue(settings);
+            if (!uncarried.isEmpty()) throw RuntimeError(long(ErrorCode::ProviderError), uncarried);
             const SqlDialect dialect = settings.Driver.startsWith(QLatin1String("SQLite"))
                                            ? SqlDialect::SQLite
                                            : SqlDialect::SqlServer;

@@ -11,9 +11,25 @@ namespace yunqi {
 QString ConnectionText(const QString& uid, const QString& pwd, const QString& dbName,
                        const QString& server);
 
+// The TDS version to ask for by the server edition: "2000" 7.1, "2005" 7.2,
+// "2008" and "2008 R2" 7.3; "2012", later editions and any label not known
+// here 7.4. Case and blanks in the label don't count.
+QString TdsVersion(const QString& edition);
+
 // The ODBC equivalent of the connection text for a SQL Server driver. Svr may
-// be "host", "host,port" or "host\instance".
+// be "host", "host,port", "host\instance" (FreeTDS asks the server's browser
+// service for the port) or "host\instance,port" (FreeTDS takes the port). With
+// DSN set, that data source names server, port, TDS version and encryption;
+// UID, PWD and DBname are added when set. The application's name goes as APP,
+// and FreeTDS is asked for UTF-8 either way.
 QString OdbcConnectionString(const DbSettings& settings);
+
+// Why a value of the settings can't reach FreeTDS through a connection
+// string, or empty text (always, for other drivers). FreeTDS 1.3 ends a value
+// in braces at the first "};" and keeps a doubled "}}" as it stands, where the
+// ODBC rule reads one "}": no form of a value that needs braces and holds "}"
+// reaches both readings.
+QString UncarriedValue(const DbSettings& settings);
 
 // Opens the one connection of the process into AppSession(), keeping the
 // connection text in SessionConnectionText. A failure shows "错误信息：" and

@@ -80,6 +80,7 @@ DbSettings ReadDbSettings(QSettings& store) {
     s.PWD = value("PWD", QString());
     s.DBname = value("DBname", QString());
     s.Driver = value("Driver", DefaultDriver());
+    s.DSN = value("DSN", QString());
     return s;
 }
 

@@ -20,6 +20,10 @@ struct DbSettings {
     // Our own key: the ODBC driver's name, or "SQLite" for the embedded
     // engine, in which case DBname is the ledger file.
     QString Driver;
+    // Our own key: an ODBC data source that names server, port, protocol
+    // version and encryption in place of Svr and Edition; UID, PWD and DBname
+    // still come from here.
+    QString DSN;
 };
 
 QString DefaultDriver();

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
 #include <cstdio>
@@ -91,7 +92,8 @@ TEST(ConnectionTextTest, ValuesGoInAsTheyStand) {
     DbSettings s{"2000", "db.local,1433", "sa", "p;w}d", "账房", "FreeTDS"};
     EXPECT_EQ(OdbcConnectionString(s),
               "DRIVER={FreeTDS};SERVER=db.local;PORT=1433;DATABASE=账房;UID=sa;PWD={p;w}}d};"
-              "TDS_Version=7.4;ClientCharset=UTF-8");
+              "TDS_Version=7.1;APP=" + QCoreApplication::applicationName() +
+                  ";ClientCharset=UTF-8");
 }
 
 TEST_F(StartUpTest, NoSectionMeansDefaultsAndTwoMessagesInOrder) {
@@ -148,11 +150,12 @@ TEST(ConnectionTextTest, OdbcServerForms) {
     DbSettings s{"2000", "srv\\inst", "用户", "", "", "FreeTDS"};
     EXPECT_EQ(OdbcConnectionString(s),
               "DRIVER={FreeTDS};SERVER=srv\\inst;DATABASE=;UID=用户;PWD=;"
-              "TDS_Version=7.4;ClientCharset=UTF-8");
+              "TDS_Version=7.1;APP=" + QCoreApplication::applicationName() +
+                  ";ClientCharset=UTF-8");
     s.Svr = " db.local , 1433 ";
     s.PWD = " {x} ";
     EXPECT_TRUE(OdbcConnectionString(s).contains("SERVER=db.local;PORT=1433;"));
-    EXPECT_TRUE(OdbcConnectionString(s).contains(";PWD={ {x}} };"));
+    EXPECT_TRUE(OdbcConnectionString(s).contains(";PWD= {x} ;"));
 }
 
 TEST_F(MainTest, ReadsTheStoreUnderXdgConfigHome) {

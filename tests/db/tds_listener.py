@@ -1,0 +1,169 @@
+#!/usr/bin/env python3
+"""A TDS listener on loopback for the driver-stack tests.
+
+Answers the pre-login without encryption, reads the login packet and reports
+what it holds as one JSON line on standard output (never to a file: the
+password is in it). Then, by --reply:
+  close  closes the connection;
+  fail   answers as SQL Server 2000 answers a failed login (error 18456 and a
+         DONE in the 7.1 form) and keeps the connection until the client
+         closes it or time runs out.
+With --browser-port it also answers the browser service on UDP, naming the
+TCP port. The first line on standard output is "port N". It stops after
+--connections logins or --seconds, whichever comes first.
+"""
+
+import argparse
+import json
+import select
+import socket
+import struct
+import sys
+import time
+
+HOST = "127.0.0.1"
+
+
+def packet(kind, payload):
+    return struct.pack(">BBHHBB", kind, 0x01, 8 + len(payload), 0, 1, 0) + payload
+
+
+def read_message(conn, deadline):
+    """One TDS message (packets up to end-of-message): (type, payload)."""
+    kind, data = None, b""
+    buf = b""
+    while True:
+        while len(buf) < 8 or len(buf) < struct.unpack(">H", buf[2:4])[0]:
+            left = deadline - time.monotonic()
+            if left <= 0 or not select.select([conn], [], [], left)[0]:
+                return None, b""
+            chunk = conn.recv(65536)
+            if not chunk:
+                return None, b""
+            buf += chunk
+        length = struct.unpack(">H", buf[2:4])[0]
+        kind, status = buf[0], buf[1]
+        data += buf[8:length]
+        buf = buf[length:]
+        if status & 0x01:
+            return kind, data
+
+
+def prelogin_reply():
+    # VERSION 8.0.194 (SQL Server 2000), ENCRYPTION 2 = not supported.
+    options = [(0x00, bytes([8, 0, 0, 194, 0, 0])), (0x01, bytes([2]))]
+    head = 5 * len(options) + 1
+    table, body = b"", b""
+    for token, value in options:
+        table += struct.pack(">BHH", token, head + len(body), len(value))
+        body += value
+    return packet(0x04, table + b"\xff" + body)
+
+
+def login_fields(data):
+    def text(at):
+        offset, count = struct.unpack("<HH", data[at:at + 4])
+        return data[offset:offset + 2 * count]
+
+    def plain(at):
+        return text(at).decode("utf-16-le")
+
+    # The password's bytes are nibble-swapped and XORed with 0xA5.
+    hidden = bytes(((b ^ 0xA5) << 4 & 0xF0) | ((b ^ 0xA5) >> 4) for b in text(44))
+    return {
+        "version": "0x%08X" % struct.unpack("<I", data[4:8])[0],
+        "host": plain(36),
+        "user": plain(40),
+        "password": hidden.decode("utf-16-le"),
+        "app": plain(48),
+        "server": plain(52),
+        "library": plain(60),
+        "database": plain(68),
+    }
+
+
+def b_varchar(s):
+    return bytes([len(s)]) + s.encode("utf-16-le")
+
+
+def failed_login_reply(user):
+    message = "Login failed for user '%s'." % user
+    body = (struct.pack("<iBB", 18456, 1, 14) + struct.pack("<H", len(message)) +
+            message.encode("utf-16-le") + b_varchar("YUNQI") + b_varchar("") +
+            struct.pack("<H", 0))  # line number: two bytes before TDS 7.2
+    error = b"\xaa" + struct.pack("<H", len(body)) + body
+    done = b"\xfd" + struct.pack("<HHI", 0x0002, 0, 0)  # error; row count of 4 bytes
+    return packet(0x04, error + done)
+
+
+def browser_reply(port):
+    text = ("ServerName;YUNQI;InstanceName;LEDGER;IsClustered;No;Version;8.00.194;"
+            "tcp;%d;;" % port).encode("ascii")
+    return b"\x05" + struct.pack("<H", len(text)) + text
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--reply", choices=["close", "fail"], default="close")
+    parser.add_argument("--connections", type=int, default=1)
+    parser.add_argument("--seconds", type=float, default=20)
+    parser.add_argument("--browser-port", type=int, default=0)
+    args = parser.parse_args()
+    deadline = time.monotonic() + args.seconds
+
+    server = socket.socket(socket.AF_INET, socket.SOCK_STREAM)
+    server.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+    server.bind((HOST, 0))
+    server.listen(4)
+    port = server.getsockname()[1]
+    browser = None
+    if args.browser_port:
+        browser = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        try:
+            browser.bind((HOST, args.browser_port))
+        except OSError as e:
+            print("browser port %d: %s" % (args.browser_port, e.strerror), flush=True)
+            return 3
+    print("port %d" % port, flush=True)
+
+    served = 0
+    while served < args.connections:
+        left = deadline - time.monotonic()
+        if left <= 0:
+            break
+        ready = select.select([server] + ([browser] if browser else []), [], [], left)[0]
+        if browser in ready:
+            request, peer = browser.recvfrom(4096)
+            print(json.dumps({"browser": request[1:].split(b"\0")[0].decode("latin-1")}),
+                  flush=True)
+            browser.sendto(browser_reply(port), peer)
+        if server not in ready:
+            continue
+        conn, _ = server.accept()
+        served += 1
+        started = time.monotonic()
+        with conn:
+            kind, data = read_message(conn, deadline)
+            if kind != 0x12:
+                print(json.dumps({"error": "no pre-login"}), flush=True)
+                continue
+            conn.sendall(prelogin_reply())
+            kind, data = read_message(conn, deadline)
+            if kind != 0x10:
+                print(json.dumps({"error": "no login"}), flush=True)
+                continue
+            fields = login_fields(data)
+            if args.reply == "fail":
+                conn.sendall(failed_login_reply(fields["user"]))
+                # Kept open as the old server does, until the client gives up.
+                while time.monotonic() < deadline:
+                    if select.select([conn], [], [], deadline - time.monotonic())[0]:
+                        if not conn.recv(4096):
+                            break
+            fields["held"] = round(time.monotonic() - started, 3)
+            print(json.dumps(fields), flush=True)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
