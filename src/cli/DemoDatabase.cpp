@@ -227,8 +227,8 @@ std::vector<Visit> PlanVisits(int tickets, Random& rnd) {
 
 // The books of one ticket type: each stock-in note takes the next range of
 // the type's running number and goes to one department, which uses it up
-// before it opens the next. Numbers are unique across the ledger (each type
-// has a range of its own, up to ten million tickets a type), as the
+// before it opens the next. A number is the type's code and its running
+// number, six digits or more, so that it is unique across the ledger, as the
 // statements that join tickets by number alone expect.
 class Books {
   public:
@@ -252,11 +252,12 @@ class Books {
             insert_.bindValue(0, o.note);
             insert_.bindValue(1, QString::fromLatin1(kTypes[type].code));
             Run(insert_);
-            o.next = (type + 1) * 10000000LL + running_[type] + 1;
+            o.next = running_[type] + 1;
             running_[type] += kBook;
             o.end = o.next + kBook;
         }
-        return {o.note, QString::number(o.next++)};
+        return {o.note, QLatin1String(kTypes[type].code) +
+                            QStringLiteral("%1").arg(o.next++, 6, 10, QLatin1Char('0'))};
     }
 
   private:
@@ -299,8 +300,9 @@ DemoSummary WriteTickets(QSqlDatabase& db, int tickets, quint64 seed) {
 
     std::vector<QString> recent;  // numbers a new ticket may replace
     DemoSummary summary;
-    int t = 0;
+    int t = 0, visit = 0;
     for (Visit v : visits) {
+        ++visit;
         bool misfiledNow = false;
         if (!misfiled && v.dept == 1 && v.day >= misfiledFrom && v.day <= misfiledTo) {
             v.type = kReceipt;
@@ -316,6 +318,10 @@ DemoSummary WriteTickets(QSqlDatabase& db, int tickets, quint64 seed) {
             paid = nullText;
         const int method =
             v.type == kElectronic ? 1 + rnd.Below(3) : rnd.Pick({30, 25, 10, 12, 10, 10, 3});
+        // Paid by scanning a code (微信支付, 微信, 支付宝): one order for the visit.
+        QVariant order = nullText;
+        if (payment != 2 && method >= 1 && method <= 3)
+            order = QStringLiteral("WX%1").arg(seed * 1000003 + visit);
         const QString payer = Payer(v.type, rnd);
         QVariant address = nullText;
         if (!rnd.Chance(20))
@@ -383,9 +389,7 @@ DemoSummary WriteTickets(QSqlDatabase& db, int tickets, quint64 seed) {
             ticket.bindValue(9, replaced);
             ticket.bindValue(10, QString::fromUtf8(kDepartments[v.dept].code));
             ticket.bindValue(11, payment == 0 ? 0 : 1);
-            ticket.bindValue(12, v.type == kElectronic
-                                     ? QVariant(QStringLiteral("WX%1").arg(seed * 1000003 + t))
-                                     : nullText);
+            ticket.bindValue(12, order);
             Run(ticket);
             if (recent.size() < 64)
                 recent.push_back(no);
