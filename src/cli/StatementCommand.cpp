@@ -1,6 +1,9 @@
 #include "cli/StatementCommand.h"
 
+#include <unistd.h>
+
 #include <QTextStream>
+#include <cstdio>
 
 #include "cli/GridCsv.h"
 #include "cli/StatementCli.h"
@@ -105,7 +108,11 @@ void WriteStatementOutputs(const StatementOptions& o, StatementProgress& progres
             o.xlsx, [&](SheetModel& sheet) { writeSheet(sheet, steps); }, check);
     }
     if (!o.csv.isEmpty()) {
-        progress.Step(QStringLiteral("writing the CSV"));
+        // CSV lines on the same terminal start at the left margin.
+        if (o.csv == QLatin1String("-") && ::isatty(fileno(stdout)))
+            StatementProgress::ClearLine();
+        else
+            progress.Step(QStringLiteral("writing the CSV"));
         CsvStream csv(o.csv, Dash::IsStdout);
         writeCsv(csv);
         csv.Commit();
