@@ -14,7 +14,18 @@ import time
 MAIN_WINDOW = 'name="云栖账房报表" role=Window'.encode()
 
 
-def statement_rows(bindir, env=None):
+def hiding(folder):
+    """A launcher that runs a program with folder hidden under an empty one
+    (a mount namespace of its own), or None where namespaces are not allowed."""
+    wrap = ["unshare", "-rm", "sh", "-c", 'mount -t tmpfs none "$0" && exec "$@"', folder]
+    try:
+        ok = subprocess.run(wrap + ["true"], capture_output=True).returncode == 0
+    except OSError:
+        ok = False
+    return wrap if ok else None
+
+
+def statement_rows(bindir, env=None, wrap=()):
     """Makes a demo ledger with bindir's companion and returns the rows of an
     invoice statement on it."""
     tool = os.path.join(bindir, "yunqi-statement")
@@ -24,13 +35,14 @@ def statement_rows(bindir, env=None):
                      ["invoice", "--database", db, "--dept", "01", "--from", "2024-01-01",
                       "--to", "2024-12-31", "--csv", os.path.join(d, "s.csv"),
                       "--xlsx", os.path.join(d, "s.xlsx")]):
-            r = subprocess.run([tool, *args], capture_output=True, text=True, env=env, cwd=d)
+            r = subprocess.run([*wrap, tool, *args], capture_output=True, text=True, env=env,
+                               cwd=d)
             assert r.returncode == 0, (args[0], r.stderr)
         with open(os.path.join(d, "s.csv"), encoding="utf-8") as f:
             return list(csv.reader(f))
 
 
-def main_window_shown(bindir, env=None, patience=60):
+def main_window_shown(bindir, env=None, wrap=(), patience=60):
     """Starts bindir's desktop program offscreen on a demo ledger; True once
     its main window is shown (Qt's accessibility log names it), after which
     the program is ended as a session ends it. Its standard error comes back
@@ -45,8 +57,8 @@ def main_window_shown(bindir, env=None, patience=60):
             f.write("[DBConfig]\nDriver=SQLite\nDBname=%s\n" % db)
         env = dict(env or os.environ, XDG_CONFIG_HOME=d, QT_QPA_PLATFORM="offscreen",
                    QT_LOGGING_RULES="qt.accessibility.cache.debug=true")
-        p = subprocess.Popen([os.path.join(bindir, "yunqi-reports")], stderr=subprocess.PIPE,
-                             env=env, cwd=d)
+        p = subprocess.Popen([*wrap, os.path.join(bindir, "yunqi-reports")],
+                             stderr=subprocess.PIPE, env=env, cwd=d)
         err, shown, end = b"", False, time.monotonic() + patience
         while not shown and p.poll() is None and time.monotonic() < end:
             if select.select([p.stderr], [], [], 1)[0]:
