@@ -12,6 +12,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <set>
 
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
@@ -187,6 +188,7 @@ struct Visit {
     quint8 dept;
     quint8 type;
     quint8 tickets;
+    bool misfiled;  // a receipt written for a taxed fee
 };
 
 bool IsPaperVat(int type) { return type == kSpecial || type == kOrdinary; }
@@ -222,6 +224,27 @@ std::vector<Visit> PlanVisits(int tickets, Random& rnd) {
     std::stable_sort(visits.begin(), visits.end(), [](const Visit& a, const Visit& b) {
         return a.day != b.day ? a.day < b.day : a.second < b.second;
     });
+
+    // Every department takes a deposit each month it works: with a receipt in
+    // the month, the reconciliation shows every rate finance took in.
+    const auto month = [](int day) {
+        const QDate d = kFirstDay.addDays(day);
+        return d.year() * 12 + d.month();
+    };
+    std::set<std::pair<int, int>> withReceipt;
+    for (const Visit& v : visits)
+        if (v.type == kReceipt) withReceipt.insert({v.dept, month(v.day)});
+    for (Visit& v : visits)
+        if (withReceipt.insert({v.dept, month(v.day)}).second) v.type = kReceipt;
+
+    // A receipt written for a taxed fee: 云栖花园's books for March 2024 do
+    // not agree, as the reconciliation is there to show.
+    for (Visit& v : visits)
+        if (v.dept == 1 && month(v.day) == 2024 * 12 + 3 && v.type != kReceipt) {
+            v.type = kReceipt;
+            v.misfiled = true;
+            break;
+        }
     return visits;
 }
 
@@ -292,25 +315,14 @@ DemoSummary WriteTickets(QSqlDatabase& db, int tickets, quint64 seed) {
     const QVariant nullDouble(QMetaType::fromType<double>());
     const std::vector<int> itemWeights = WeightsOf(kItems);
 
-    // A receipt written for a taxed fee: 云栖花园's books for March 2024 do
-    // not agree, as the reconciliation is there to show.
-    const int misfiledFrom = int(kFirstDay.daysTo(QDate(2024, 3, 1)));
-    const int misfiledTo = int(kFirstDay.daysTo(QDate(2024, 3, 31)));
-    bool misfiled = false;
-
     std::vector<QString> recent;  // numbers a new ticket may replace
     DemoSummary summary;
     int t = 0, visit = 0;
-    for (Visit v : visits) {
+    for (const Visit& v : visits) {
         ++visit;
-        bool misfiledNow = false;
-        if (!misfiled && v.dept == 1 && v.day >= misfiledFrom && v.day <= misfiledTo) {
-            v.type = kReceipt;
-            misfiled = misfiledNow = true;
-        }
         const QString issued = Stamp(v.day, v.second);
         // Paid at the counter, or invoiced ahead and paid later, or not yet.
-        const int payment = IsPaperVat(v.type) && !misfiledNow ? rnd.Pick({80, 11, 9}) : 0;
+        const int payment = IsPaperVat(v.type) ? rnd.Pick({80, 11, 9}) : 0;
         QVariant paid = issued;
         if (payment == 1)
             paid = Stamp(v.day + 1 + rnd.Below(60), kOpens + rnd.Below(kOpenSeconds));
@@ -330,7 +342,8 @@ DemoSummary WriteTickets(QSqlDatabase& db, int tickets, quint64 seed) {
         for (int k = 0; k < v.tickets; ++k, ++t) {
             const auto [note, no] = books.Next(v.dept, v.type);
             QVariant voided = nullText;
-            if (!misfiledNow && rnd.Chance(3))
+            // A deposit is refunded, never voided.
+            if (v.type != kReceipt && rnd.Chance(3))
                 voided = Stamp(v.day + rnd.Below(10), kOpens + rnd.Below(kOpenSeconds));
             QVariant replaced = nullText;
             if (!recent.empty() && rnd.Chance(2)) replaced = recent[rnd.Below(int(recent.size()))];
@@ -348,7 +361,7 @@ DemoSummary WriteTickets(QSqlDatabase& db, int tickets, quint64 seed) {
                         amount = (500 + rnd.Below(20000)) / 100.0;
                         break;
                     case kReceipt:
-                        item = misfiledNow && k == 0 ? kPropertyFee : kDeposit;
+                        item = v.misfiled && k == 0 ? kPropertyFee : kDeposit;
                         amount = (5 + rnd.Below(50)) * 100.0;
                         break;
                     case kFixed:

@@ -19,8 +19,9 @@ struct DemoSummary {
 // are numbered as printed books are: each stock-in note holds a contiguous
 // range of its type's running number, unique across the ledger, and a
 // household's several tickets are issued and paid at one counter moment.
-// The books reconcile every month but one: a receipt written for a taxed
-// fee, in the first visit of department 02 in March 2024. The same seed gives
+// Every department writes a deposit's receipt each month it works, and the
+// books reconcile every month but one: department 02 wrote a receipt for a
+// taxed fee in March 2024. The same seed gives
 // the same file. The file appears only when complete (see
 // StagedOutput); an existing file is replaced then, and the command refuses
 // one without --force. Throws RuntimeError.
