@@ -21,10 +21,9 @@ struct DemoSummary {
 // household's several tickets are issued and paid at one counter moment.
 // Every department writes a deposit's receipt each month it works, and the
 // books reconcile every month but one: department 02 wrote a receipt for a
-// taxed fee in March 2024. The same seed gives
-// the same file. The file appears only when complete (see
-// StagedOutput); an existing file is replaced then, and the command refuses
-// one without --force. Throws RuntimeError.
+// taxed fee in March 2024. The same seed gives the same file. The file
+// appears only when complete (see StagedOutput); an existing file is replaced
+// then, and the command refuses one without --force. Throws RuntimeError.
 DemoSummary WriteDemoDatabase(const QString& file, int tickets, quint64 seed);
 
 }  // namespace yunqi
