@@ -6,6 +6,7 @@
 
 #include "cli/BatchFolder.h"
 #include "cli/BatchJobs.h"
+#include "cli/BatchMismatches.h"
 #include "cli/BatchOptions.h"
 #include "cli/BatchPlan.h"
 #include "cli/BatchProgress.h"
@@ -64,10 +65,18 @@ int RunBatch(const QStringList& args) {
     try {
         WriteOutputFile(QDir(o.out).filePath(QStringLiteral("summary.csv")),
                         BatchSummary(plan.jobs).toUtf8());
+        WriteOutputFile(QDir(o.out).filePath(QStringLiteral("mismatches.csv")),
+                        MismatchesCsv(plan.jobs).toUtf8());
     } catch (const RuntimeError& e) {
         BatchSay(e.description());
         return kSomeFailed;
     }
+    // The batch's verdict on the books; --quiet keeps it for when some disagree.
+    const int disagreeing = DepartmentsNotReconciled(plan.jobs);
+    if (disagreeing > 0 || !o.quiet)
+        BatchSay(disagreeing == 1
+                     ? QStringLiteral("1 department does not reconcile")
+                     : QStringLiteral("%1 departments do not reconcile").arg(disagreeing));
     const bool failed = std::any_of(plan.jobs.begin(), plan.jobs.end(), [](const BatchJob& job) {
         return job.status == BatchJob::Status::Failed;
     });

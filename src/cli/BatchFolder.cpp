@@ -16,7 +16,9 @@ bool HoldsOnlyBatchFiles(const QDir& dir) {
         ours << r->command + QStringLiteral(".xlsx") << r->command + QStringLiteral(".csv");
     for (const QFileInfo& entry :
          dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
-        if (entry.isFile() && entry.fileName() == QLatin1String("summary.csv")) continue;
+        if (entry.isFile() && (entry.fileName() == QLatin1String("summary.csv") ||
+                               entry.fileName() == QLatin1String("mismatches.csv")))
+            continue;
         if (!entry.isDir() || entry.isSymLink()) return false;
         for (const QFileInfo& f :
              QDir(entry.filePath())

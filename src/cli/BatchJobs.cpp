@@ -10,6 +10,8 @@
 #include <csignal>
 #include <memory>
 
+#include "cli/BatchMismatches.h"
+
 namespace yunqi {
 
 namespace {
@@ -99,6 +101,7 @@ bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& prog
                     }
                     job.status = BatchJob::Status::Ok;
                     job.rows = CsvRecords(csv) - 2;  // the two header rows
+                    job.mismatches = MismatchesOf(csv);
                 } else if (how == QProcess::NormalExit && code == 3) {
                     job.status = BatchJob::Status::Empty;
                 } else {

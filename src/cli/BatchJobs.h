@@ -23,6 +23,9 @@ struct BatchJob {
     int rows = 0;
     double seconds = 0;
     QString message;  // what the companion said on failure
+    // Month, rate and difference of each row whose books do not agree (see
+    // MismatchesOf).
+    QList<QStringList> mismatches;
 };
 
 // "ok", "empty" or "failed", as the summary and the progress say it.

@@ -8,7 +8,7 @@ namespace yunqi {
 namespace {
 
 int Run(const ReportDefinition& report, const StatementOptions& o, const SessionOpener& openSession,
-        SqlLogWriter& log) {
+        SqlLogWriter& log, StatementProgress& progress) {
     std::unique_ptr<DatabaseSession> session = OpenLoggedSession(openSession, o.database, log);
     const auto check = [&log](const Trapped& trapped = {}) { ThrowFaults(trapped, log); };
 
@@ -36,11 +36,13 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
 
     FlexGrid statementGrid;
     statement->InitGridHeader(statementGrid);
+    progress.Step(QStringLiteral("extracting fee items"));
     check(statement->ExtractFeeItems(k, statementGrid));
     if (statement->FeeItems().size() <= 1) {
         SayOnStderr(report.texts.noFeeItemsText);
         return kStatementNothing;
     }
+    progress.Step(QStringLiteral("computing"));
     check(statement->RunReconciliation(k, statementGrid));
     // Like the window's export, nothing is written without a body row.
     if (statementGrid.Rows() <= 2) {
@@ -48,7 +50,8 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
         return kStatementNothing;
     }
     WriteStatementOutputs(
-        o, [&](CsvStream& csv) { WriteGridCsv(csv, statementGrid); },
+        o, progress, statementGrid.Rows() - 2,
+        [&](CsvStream& csv) { WriteGridCsv(csv, statementGrid); },
         [&](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
             statement->WriteSheet(
                 sheet, steps, {statementGrid, statement->TitleCaption(entry, o.Year), entry, k});
@@ -61,9 +64,11 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
 
 int RunMonthlyStatement(const ReportDefinition& report, const QStringList& args,
                         const SessionOpener& openSession) {
-    return RunStatementCommand(report, args, [&](const StatementOptions& o, SqlLogWriter& log) {
-        return Run(report, o, openSession, log);
-    });
+    return RunStatementCommand(
+        report, args,
+        [&](const StatementOptions& o, SqlLogWriter& log, StatementProgress& progress) {
+            return Run(report, o, openSession, log, progress);
+        });
 }
 
 }  // namespace yunqi

@@ -38,7 +38,7 @@ bool ApplyRatios(const std::vector<RatioOption>& typed, bool ifPresent, FlexGrid
 }
 
 int Run(const ReportDefinition& report, const StatementOptions& o, const SessionOpener& openSession,
-        SqlLogWriter& log) {
+        SqlLogWriter& log, StatementProgress& progress) {
     std::unique_ptr<DatabaseSession> session = OpenLoggedSession(openSession, o.database, log);
     const auto check = [&log](const Trapped& trapped = {}) { ThrowFaults(trapped, log); };
 
@@ -61,6 +61,7 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
     FlexGrid statementGrid;
     FlexGrid ratios = SplitRatios::NewGrid();
     statement->InitGridHeader(statementGrid);
+    progress.Step(QStringLiteral("extracting fee items"));
     check(statement->ExtractFeeItems(conditions, ratios, statementGrid));
     if (statement->FeeItems().size() <= 1) {
         Say(report.texts.noFeeItemsText);
@@ -68,6 +69,7 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
     }
     if (!ApplyRatios(o.ratios, o.ratioIfPresent, ratios)) return kBadArguments;
     statement->BuildGridHeader(statementGrid, ratios);
+    progress.Step(QStringLiteral("computing"));
     const auto run = statement->RunStatistics(conditions, ratios, INT_MAX);
     check(run.trapped);
     if (!run.rows) {
@@ -76,7 +78,7 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
     }
     // The CSV holds the statement as if one page held it all.
     WriteStatementOutputs(
-        o,
+        o, progress, statement->UpperBound(),
         [&](CsvStream& csv) {
             WriteStatementCsv(csv, *statement, statementGrid, EstimatedTextMeasure());
         },
@@ -94,9 +96,11 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
 
 int RunPagedStatement(const ReportDefinition& report, const QStringList& args,
                       const SessionOpener& openSession) {
-    return RunStatementCommand(report, args, [&](const StatementOptions& o, SqlLogWriter& log) {
-        return Run(report, o, openSession, log);
-    });
+    return RunStatementCommand(
+        report, args,
+        [&](const StatementOptions& o, SqlLogWriter& log, StatementProgress& progress) {
+            return Run(report, o, openSession, log, progress);
+        });
 }
 
 }  // namespace yunqi

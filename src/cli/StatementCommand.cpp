@@ -1,6 +1,9 @@
 #include "cli/StatementCommand.h"
 
+#include <unistd.h>
+
 #include <QTextStream>
+#include <cstdio>
 
 #include "cli/GridCsv.h"
 #include "cli/StatementCli.h"
@@ -13,6 +16,7 @@
 namespace yunqi {
 
 void SayOnStderr(const QString& text) {
+    StatementProgress::ClearLine();
     QTextStream(stderr) << "yunqi-statement: " << text << "\n";
 }
 
@@ -58,7 +62,8 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
     SqlLogWriter log(o.sqlLog);
     int status = kStatementFailure;
     try {
-        status = run(o, log);
+        StatementProgress progress(o.dept + QLatin1Char(' ') + report.texts.caption, o.quiet);
+        status = run(o, log, progress);
     } catch (const RuntimeError& e) {
         tell(e);
     }
@@ -93,15 +98,21 @@ QString EntryOfDepartment(DatabaseSession& session, const QString& dept) {
     return QString();
 }
 
-void WriteStatementOutputs(const StatementOptions& o, const CsvWriter& writeCsv,
-                           const ExportFrame::SheetWriter& writeSheet,
+void WriteStatementOutputs(const StatementOptions& o, StatementProgress& progress, int records,
+                           const CsvWriter& writeCsv, const ExportFrame::SheetWriter& writeSheet,
                            const std::function<void()>& check) {
     if (!o.xlsx.isEmpty()) {
-        ExportFrame::ExportSteps steps(nullptr, AppDialogs());
+        ExportFrame::ExportSteps steps(&progress, AppDialogs());
+        progress.ShowProgressBar(records);
         StreamXlsx(
             o.xlsx, [&](SheetModel& sheet) { writeSheet(sheet, steps); }, check);
     }
     if (!o.csv.isEmpty()) {
+        // CSV lines on the same terminal start at the left margin.
+        if (o.csv == QLatin1String("-") && ::isatty(fileno(stdout)))
+            StatementProgress::ClearLine();
+        else
+            progress.Step(QStringLiteral("writing the CSV"));
         CsvStream csv(o.csv, Dash::IsStdout);
         writeCsv(csv);
         csv.Commit();

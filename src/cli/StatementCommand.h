@@ -8,6 +8,7 @@
 #include "cli/CommandOutputs.h"
 #include "cli/GridCsv.h"
 #include "cli/StatementOptions.h"
+#include "cli/StatementProgress.h"
 #include "db/DatabaseSession.h"
 #include "frame/FlexGrid.h"
 #include "frame/ReportDefinition.h"
@@ -23,15 +24,18 @@ using SessionOpener = std::function<std::unique_ptr<DatabaseSession>(const QStri
 constexpr int kStatementRows = 0, kStatementNothing = 3, kStatementBadArguments = 2,
               kStatementFailure = 1;
 
-// One line on standard error, after the program's name.
+// One line on standard error, after the program's name (a progress line
+// cleared first).
 void SayOnStderr(const QString& text);
 
 // What the statement commands share around their work: the options of the
 // report's shape (usage on a problem, exit 2), outputs that clash with the
 // ledger or each other (exit 2), outputs checked before any work, the SQL
 // log kept also when the run fails, and every run-time error told once
-// (exit 1). run does the work and returns the exit status.
-using StatementRun = std::function<int(const StatementOptions& options, SqlLogWriter& log)>;
+// (exit 1), a progress line on a terminal. run does the work and returns the
+// exit status.
+using StatementRun = std::function<int(const StatementOptions& options, SqlLogWriter& log,
+                                       StatementProgress& progress)>;
 int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
                         const StatementRun& run);
 
@@ -48,9 +52,11 @@ QString EntryOfDepartment(DatabaseSession& session, const QString& dept);
 // The outputs of a run, each streamed as it is composed: the workbook first
 // (the likelier to fail, and a failure then leaves the CSV target, standard
 // output too, untouched), then the CSV. check runs once the sheet is
-// composed, before the workbook is made final.
+// composed, before the workbook is made final. progress counts the workbook's
+// records, of which there are records.
 using CsvWriter = std::function<void(CsvStream& csv)>;
-void WriteStatementOutputs(const StatementOptions& options, const CsvWriter& writeCsv,
+void WriteStatementOutputs(const StatementOptions& options, StatementProgress& progress,
+                           int records, const CsvWriter& writeCsv,
                            const ExportFrame::SheetWriter& writeSheet,
                            const std::function<void()>& check);
 

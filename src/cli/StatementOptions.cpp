@@ -65,7 +65,8 @@ CommandSpec DateWindowSpec() {
              {"--ratio-if-present", nullptr, O::Repeatable | O::Hidden},
              {"--csv", "PATH|-"},
              {"--xlsx", "PATH"},
-             {"--sql-log", "PATH"}},
+             {"--sql-log", "PATH"},
+             {"--quiet", nullptr}},
             {QStringLiteral("--year"), QStringLiteral("--months")},
             QStringLiteral(" belongs to the reconciliation; this command takes --from and --to")};
 }
@@ -77,7 +78,8 @@ CommandSpec YearMonthsSpec() {
              {"--months", "MM-MM", O::Required, MonthsProblem},
              {"--csv", "PATH|-"},
              {"--xlsx", "PATH"},
-             {"--sql-log", "PATH"}},
+             {"--sql-log", "PATH"},
+             {"--quiet", nullptr}},
             {QStringLiteral("--from"), QStringLiteral("--to"), QStringLiteral("--ratio")},
             QStringLiteral(" belongs to the date-window statements; this command takes --year and "
                            "--months")};
@@ -136,6 +138,7 @@ std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, C
     o.csv = parsed.Value(QStringLiteral("--csv"));
     o.xlsx = parsed.Value(QStringLiteral("--xlsx"));
     o.sqlLog = parsed.Value(QStringLiteral("--sql-log"));
+    o.quiet = parsed.Has(QStringLiteral("--quiet"));
     if (kind == ConditionsKind::DateWindow) {
         o.from = Day(parsed.Value(QStringLiteral("--from")));
         o.to = Day(parsed.Value(QStringLiteral("--to")));

@@ -1,0 +1,70 @@
+"""Both programs run as an office runs them, from wherever they were
+installed: a statement on a demo ledger, and the desktop program started
+offscreen to its main window and closed."""
+import csv
+import io
+import os
+import select
+import signal
+import subprocess
+import tempfile
+import time
+
+# The main window, as Qt's accessibility cache logs it when it is shown.
+MAIN_WINDOW = 'name="云栖账房报表" role=Window'.encode()
+
+
+def hiding(folder):
+    """A launcher that runs a program with folder hidden under an empty one
+    (a mount namespace of its own), or None where namespaces are not allowed."""
+    wrap = ["unshare", "-rm", "sh", "-c", 'mount -t tmpfs none "$0" && exec "$@"', folder]
+    try:
+        ok = subprocess.run(wrap + ["true"], capture_output=True).returncode == 0
+    except OSError:
+        ok = False
+    return wrap if ok else None
+
+
+def statement_rows(bindir, env=None, wrap=()):
+    """Makes a demo ledger with bindir's companion and returns the rows of an
+    invoice statement on it."""
+    tool = os.path.join(bindir, "yunqi-statement")
+    with tempfile.TemporaryDirectory() as d:
+        db = os.path.join(d, "demo.sqlite")
+        for args in (["make-demo-db", db, "--tickets", "2000"],
+                     ["invoice", "--database", db, "--dept", "01", "--from", "2024-01-01",
+                      "--to", "2024-12-31", "--csv", os.path.join(d, "s.csv"),
+                      "--xlsx", os.path.join(d, "s.xlsx")]):
+            r = subprocess.run([*wrap, tool, *args], capture_output=True, text=True, env=env,
+                               cwd=d)
+            assert r.returncode == 0, (args[0], r.stderr)
+        with open(os.path.join(d, "s.csv"), encoding="utf-8") as f:
+            return list(csv.reader(f))
+
+
+def main_window_shown(bindir, env=None, wrap=(), patience=60):
+    """Starts bindir's desktop program offscreen on a demo ledger; True once
+    its main window is shown (Qt's accessibility log names it), after which
+    the program is ended as a session ends it. Its standard error comes back
+    too."""
+    with tempfile.TemporaryDirectory() as d:
+        db = os.path.join(d, "demo.sqlite")
+        made = subprocess.run([os.path.join(bindir, "yunqi-statement"), "make-demo-db", db,
+                               "--tickets", "200"], capture_output=True, env=env)
+        assert made.returncode == 0, made.stderr
+        os.makedirs(os.path.join(d, "云栖账房"))
+        with open(os.path.join(d, "云栖账房", "云栖账房.ini"), "w", encoding="utf-8") as f:
+            f.write("[DBConfig]\nDriver=SQLite\nDBname=%s\n" % db)
+        env = dict(env or os.environ, XDG_CONFIG_HOME=d, QT_QPA_PLATFORM="offscreen",
+                   QT_LOGGING_RULES="qt.accessibility.cache.debug=true")
+        p = subprocess.Popen([*wrap, os.path.join(bindir, "yunqi-reports")],
+                             stderr=subprocess.PIPE, env=env, cwd=d)
+        err, shown, end = b"", False, time.monotonic() + patience
+        while not shown and p.poll() is None and time.monotonic() < end:
+            if select.select([p.stderr], [], [], 1)[0]:
+                err += os.read(p.stderr.fileno(), 65536)
+                shown = MAIN_WINDOW in err
+        if p.poll() is None:
+            p.send_signal(signal.SIGTERM)
+        err += p.communicate(timeout=patience)[1]
+        return shown, err.decode(errors="replace")
