@@ -26,6 +26,7 @@ class StatementProgress : public ExportFrame::ExportControls {
     void SetButtonsVisible(bool) override {}
     void HideProgressBar() override {}
     void SetBusyLabelVisible(bool) override {}
+    void SetBusy(bool) override {}
 
     // Clears the line of the running statement, if one is drawn, so that a
     // message starts at the left margin.

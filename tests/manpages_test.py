@@ -8,7 +8,7 @@ import sys
 import unittest
 
 BIN = sys.argv[1] if len(sys.argv) > 1 else "build/bin"
-ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
+ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
 PAGES = os.path.join(ROOT, "packaging")
 ENV = dict(os.environ, LANG="C.UTF-8", LC_ALL="C.UTF-8", MANWIDTH="80")
 
