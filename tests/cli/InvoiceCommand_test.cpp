@@ -14,20 +14,14 @@ namespace {
 class InvoiceCommand : public ::testing::Test {
   protected:
     void SetUp() override {
-        db.Exec("INSERT INTO 职能部门new VALUES ('D1','一部',NULL),('D2','二部',NULL)");
-        db.Exec("INSERT INTO 设置管理处 VALUES ('D1','S01','东区'),('D2','S02','西区')");
-        db.Exec("INSERT INTO 票据类型 VALUES ('01','增值税专用发票',0),('04','收据',0)");
-        db.Exec("INSERT INTO 票据入库单 VALUES ('S1','01'),('S4','04')");
-        db.Exec(
-            "INSERT INTO setupsfxm VALUES ('01','物业费',0.06,'物业收费','物业费'),"
-            "('02','停车费(月)',0.05,'停车收费','停车费')");
-        db.Exec("INSERT INTO 收款方式列表 VALUES ('现金')");
-        db.AddTicket("0001", "S1", "2024-03-01", "2024-03-01", QString(), 106, "现金",
-                     "甲,\"乙\"\n丙", QString(), "D1");
-        db.AddLine("S1", "0001", "01", 106, "6");
-        db.AddTicket("0002", "S4", "2024-03-02", "2024-03-02", QString(), 100, "现金", "丁",
-                     QString(), "D1");
-        db.AddLine("S4", "0002", "02", 100, "NULL");
+        db.Department("D1", "S01", "东区");
+        db.Department("D2", "S02", "西区");
+        db.Types("01 04");
+        db.Item("01", "物业费", "0.06", "物业收费");
+        db.Item("02", "停车费(月)", "0.05", "停车收费", "停车费");
+        db.Methods({"现金"});
+        db.Add({.no = "0001", .issued = "2024-03-01", .amount = 106, .tax = "6"});
+        db.Add({.no = "0002", .note = "S4", .issued = "2024-03-02", .amount = 100, .item = "02"});
     }
 
     int Run(QStringList extra) {

@@ -38,20 +38,15 @@ class MonthlyWindowTest : public ::testing::Test {
         RecordedErrors().clear();
         SetRuntimeErrorHandler(
             [](const RuntimeError& e) { RecordedErrors().push_back(e.number()); });
-        db.Exec("INSERT INTO 职能部门new VALUES ('01','一部',NULL),('02','二部',NULL)");
-        db.Exec("INSERT INTO 设置管理处 VALUES ('01','GY01','云栖苑'),('02','GY02','云栖花园')");
-        db.Exec(
-            "INSERT INTO 票据类型 VALUES ('01','增值税专用发票',0),('02','增值税普通发票',0),"
-            "('04','收据',0)");
-        db.Exec("INSERT INTO 票据入库单 VALUES ('S1','01')");
-        db.Exec("INSERT INTO setupsfxm VALUES ('001','物业费',0.06,'物业','物业费')");
+        db.Department("01", "GY01", "云栖苑");
+        db.Department("02", "GY02", "云栖花园");
+        db.Types("01 02 04");
+        db.Item("001", "物业费", "0.06", "物业");
         db.Exec("INSERT INTO 税控盘收费项目设置 VALUES ('001',0.06,'GY01')");
-        db.AddTicket("1", "S1", "2024-03-01", "2024-03-01", QString(), 100, "现金", "甲", QString(),
-                     "01");
-        db.AddLine("S1", "1", "001", 100, "14.53");
-        db.AddTicket("2", "S1", "2024-03-05", QString(), QString(), 17, "现金", "甲", QString(),
-                     "01");
-        db.AddLine("S1", "2", "001", 17, "2.47");
+        db.Add({.no = "1", .issued = "2024-03-01", .amount = 100, .item = "001", .tax = "14.53",
+                .dept = "01"});
+        db.Add({.no = "2", .issued = "2024-03-05", .paid = kUnpaid, .amount = 17, .item = "001",
+                .tax = "2.47", .dept = "01"});
     }
     void TearDown() override {
         main.reset();

@@ -98,25 +98,18 @@ class InvoiceWindowTest : public ::testing::Test {
         SetRuntimeErrorHandler(
             [](const RuntimeError& e) { RecordedErrors().push_back(e.number()); });
         db.Exec("BEGIN");  // one write to the disk, not one a row
-        db.Exec("INSERT INTO 职能部门new VALUES ('01','一部',NULL)");
-        db.Exec("INSERT INTO 设置管理处 VALUES ('01','GY01','云栖苑')");
+        db.Department("01", "GY01", "云栖苑");
         for (int i = 2; i <= 31; ++i) {
             const QString code = QString("%1").arg(i, 2, 10, QChar('0'));
-            db.Exec(QString("INSERT INTO 职能部门new VALUES ('%1','分部',NULL)").arg(code));
-            db.Exec(QString("INSERT INTO 设置管理处 VALUES ('%1','GY%1','分部%1')").arg(code));
+            db.Department(code, "GY" + code, "分部" + code);
         }
-        db.Exec("INSERT INTO 票据类型 VALUES ('01','增值税专用发票',0)");
-        db.Exec("INSERT INTO 票据入库单 VALUES ('S1','01')");
-        db.Exec(
-            "INSERT INTO setupsfxm VALUES ('01','物业费',0.06,'物业','物业费'),"
-            "('07','停车费',0.05,'停车收费','停车费')");
-        db.Exec("INSERT INTO 收款方式列表 VALUES ('现金')");
-        for (int i = 1; i <= 45; ++i) {
-            const QString no = QString("%1").arg(i, 5, 10, QChar('0'));
-            db.AddTicket(no, "S1", "2024-03-10", "2024-03-10", QString(), 100, "现金", "甲",
-                         QString(), "01");
-            db.AddLine("S1", no, i % 2 ? "01" : "07", 100, "NULL");
-        }
+        db.Types("01");
+        db.Item("01", "物业费", "0.06", "物业");
+        db.Item("07", "停车费", "0.05", "停车收费");
+        db.Methods({"现金"});
+        for (int i = 1; i <= 45; ++i)
+            db.Add({.no = QString("%1").arg(i, 5, 10, QChar('0')), .issued = "2024-03-10",
+                    .amount = 100, .item = i % 2 ? "01" : "07", .dept = "01"});
         db.Exec("COMMIT");
         session = db.Session();
         definition = *FindReport("invoice");

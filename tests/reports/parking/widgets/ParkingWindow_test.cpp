@@ -20,17 +20,13 @@ TEST(ParkingWindowTest, RoadOfOneStatementFromTheMenu) {
     RecordingDialogs dialogs;
     SetAppDialogs(&dialogs);
     TestDatabase db;
-    db.Exec("INSERT INTO 职能部门new VALUES ('01','一部',NULL)");
-    db.Exec("INSERT INTO 设置管理处 VALUES ('01','GY01','云栖苑')");
+    db.Department("01", "GY01", "云栖苑");
     db.Exec("INSERT INTO 票据入库单 VALUES ('S1','02'),('S2','03')");
-    db.Exec("INSERT INTO setupsfxm VALUES ('07','停车费',0.05,'停车收费','停车费')");
-    db.Exec("INSERT INTO 收款方式列表 VALUES ('现金')");
-    for (const char* note : {"S1", "S2"}) {
-        db.AddTicket("00001", note, "2024-03-10 09:00:00", "2024-03-10 09:00:00", QString(), 105,
-                     "现金", "甲", QString(), "01");
-        db.AddLine(note, "00001", "07", 105, "5");
-    }
-    db.Exec("UPDATE 票据 SET 交易订单号 = 'WX1' WHERE 入库单编号 = 'S2'");
+    db.Item("07", "停车费", "0.05", "停车收费");
+    db.Methods({"现金"});
+    for (const char* note : {"S1", "S2"})
+        db.Add({.no = "00001", .note = note, .issued = "2024-03-10 09:00:00", .amount = 105,
+                .item = "07", .tax = "5", .dept = "01", .order = note == QString("S2") ? "WX1" : QString()});
     auto session = db.Session();
     auto main = MainWindowOfAllReports(*session);
     auto* w = OpenFromMenu(*main, QStringLiteral("停车费明细表"));

@@ -19,16 +19,12 @@ TEST(PreInvoiceWindowTest, RoadOfOneStatementFromTheMenu) {
     RecordingDialogs dialogs;
     SetAppDialogs(&dialogs);
     TestDatabase db;
-    db.Exec("INSERT INTO 职能部门new VALUES ('01','一部',NULL)");
-    db.Exec("INSERT INTO 设置管理处 VALUES ('01','GY01','云栖苑')");
-    db.Exec("INSERT INTO 票据类型 VALUES ('01','增值税专用发票',0)");
-    db.Exec("INSERT INTO 票据入库单 VALUES ('S1','01')");
-    db.Exec("INSERT INTO setupsfxm VALUES ('01','物业费',0.06,'物业','物业费')");
-    for (const char* no : {"00001", "00002", "00003"}) {
-        db.AddTicket(no, "S1", "2024-03-10", QString(), QString(), 106, "现金", "甲", QString(),
-                     "01", 1);
-        db.AddLine("S1", no, "01", 106, "6");
-    }
+    db.Department("01", "GY01", "云栖苑");
+    db.Types("01");
+    db.Item("01", "物业费", "0.06", "物业");
+    for (const char* no : {"00001", "00002", "00003"})
+        db.Add({.no = no, .issued = "2024-03-10", .paid = kUnpaid, .amount = 106, .tax = "6",
+                .dept = "01", .pre = 1});
     auto session = db.Session();
     auto main = MainWindowOfAllReports(*session);
     auto* w = OpenFromMenu(*main, QStringLiteral("增值税预开明细表"));
