@@ -4,13 +4,13 @@
 #include <sys/stat.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QStringList>
-#include <QThread>
+#include <QTemporaryDir>
 #include <csignal>
-#include <functional>
+
+#include "cli/DemoDatabase.h"
 
 namespace yunqi::test {
 
@@ -20,7 +20,6 @@ namespace yunqi::test {
 struct ToolResult {
     int status = -1;      // exit status; -1 when ended by a signal
     QByteArray out, err;  // standard output (unless sent to a file), standard error
-    qint64 elapsedMs = 0;
     QString Err() const { return QString::fromUtf8(err); }
 };
 
@@ -51,12 +50,9 @@ inline void StartTool(QProcess& p, const QStringList& args, const ToolOptions& o
 
 inline ToolResult RunTool(const QStringList& args, const ToolOptions& o = {}) {
     QProcess p;
-    QElapsedTimer clock;
-    clock.start();
     StartTool(p, args, o);
     p.waitForFinished(o.timeoutMs);
     ToolResult r;
-    r.elapsedMs = clock.elapsed();
     r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
     if (o.stdoutFile.isEmpty()) r.out = p.readAllStandardOutput();
     r.err = p.readAllStandardError();
@@ -88,15 +84,22 @@ inline mode_t FileType(const QString& path) {
     return st.st_mode & S_IFMT;
 }
 
-// Waits until test holds (checked every few milliseconds) or the time is up.
-inline bool WaitFor(const std::function<bool()>& test, int timeoutMs) {
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < timeoutMs) {
-        if (test()) return true;
-        QThread::msleep(3);
-    }
-    return test();
+// A demo ledger of 3000 tickets, made once for the process.
+inline const QString& DemoLedger() {
+    static QTemporaryDir dir;
+    static const QString path = [] {
+        const QString file = dir.filePath("demo.sqlite");
+        WriteDemoDatabase(file, 3000, 5);
+        return file;
+    }();
+    return path;
+}
+
+// The invoice statement of department 01 over 2024, on ledger.
+inline QStringList Invoice(const QStringList& extra, const QString& ledger = DemoLedger()) {
+    return QStringList{"invoice", "--database", ledger, "--dept", "01",
+                       "--from", "2024-01-01", "--to", "2024-12-31"} +
+           extra;
 }
 
 }  // namespace yunqi::test
