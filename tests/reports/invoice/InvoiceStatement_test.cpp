@@ -2,6 +2,7 @@
 // status words of voided, negative and replaced tickets, every number column,
 // two items on one ticket, a Null payer.
 #include "core/RuntimeError.h"
+#include "frame/TextMeasure.h"
 #include "reports/invoice/InvoiceStatement.h"
 #include "support/TicketLedger.h"
 
@@ -96,4 +97,14 @@ TEST_F(InvoiceStatementRows, NullPayerIsInvalidUseOfNull) {
     } catch (const RuntimeError& e) {
         EXPECT_EQ(e.number(), 94);
     }
+}
+
+TEST_F(InvoiceStatementRows, APayerWiderThanItsColumnMakesItsRowTaller) {
+    db.Add({.no = "1", .issued = "2024-02-01", .amount = 10});
+    db.Add({.no = "2", .issued = "2024-02-02", .amount = 10,
+            .payer = "一个很长很长很长很长很长很长很长很长很长很长的付款人名称"});
+    ASSERT_TRUE(Run());
+    statement->ShowPage(grid1, 1, 1000, EstimatedTextMeasure());
+    EXPECT_NE(grid1.RowHeight(2), 600);
+    EXPECT_EQ(grid1.RowHeight(3), 600);
 }
