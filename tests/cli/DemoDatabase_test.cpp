@@ -7,10 +7,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "cli/StatementCli.h"
 #include "core/RuntimeError.h"
 #include "db/DatabaseSession.h"
-#include "reports/Reports.h"
 
 using namespace yunqi;
 
@@ -108,25 +106,4 @@ TEST(DemoDatabaseTest, FailureLeavesTheTargetAndNoPartialFile) {
     WriteDemoDatabase(file, 20, 1);
     auto s = DatabaseSession::OpenEmbedded(file);
     EXPECT_EQ(Scalar(*s, "Select count(*) From 票据"), 20);
-}
-
-// Each statement has rows for the largest department over a year: the set-up
-// rows carry site codes, as an office's do.
-TEST(DemoDatabaseTest, EveryStatementHasRowsForTheLargestDepartmentOverAYear) {
-    QTemporaryDir dir;
-    const QString file = dir.filePath("d.sqlite");
-    WriteDemoDatabase(file, 3000, 1);
-    for (const ReportDefinition* report : AllReports()) {
-        SCOPED_TRACE(report->command.toStdString());
-        const QString csv = dir.filePath(report->command + ".csv");
-        QStringList args{report->command, "--database", file, "--dept", "01", "--csv", csv};
-        if (report->conditions == ConditionsKind::YearMonths)
-            args << "--year" << "2024" << "--months" << "01-12";
-        else
-            args << "--from" << "2024-01-01" << "--to" << "2024-12-31";
-        ASSERT_EQ(RunStatementCli(args), 0);
-        QFile f(csv);
-        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-        EXPECT_GT(f.readAll().count('\n'), 2);
-    }
 }

@@ -96,6 +96,11 @@ TEST_F(LedgerFaults, ArgumentsAndEmptyWindowsHaveTheirStatus) {
         return QStringList{"invoice", "--database", DemoLedger(), "--dept", dept,  "--from",
                            from,      "--to",       to,           "--csv",  out} + extra;
     };
+    const auto reconciliation = [&](const QString& dept, const QString& year,
+                                    const QString& months) {
+        return QStringList{"reconciliation", "--database", DemoLedger(), "--dept", dept,
+                           "--year", year, "--months", months, "--csv", out};
+    };
     struct Case {
         const char* name;
         QStringList args;
@@ -115,6 +120,13 @@ TEST_F(LedgerFaults, ArgumentsAndEmptyWindowsHaveTheirStatus) {
         {"dates in the wrong order", invoice("01", to, from), 2, "截至日期不能小于开始日期!"},
         {"a window without tickets", invoice("01", "2030-01-01", "2030-12-31"), 3,
          "没有满足条件的开票数据,请重新设置条件!"},
+        {"months in the wrong order", reconciliation("01", "2024", "12-01"), 2,
+         "截至月份不能小于开始月份,请重新选择!"},
+        {"a year without tickets", reconciliation("01", "2016", "01-12"), 3,
+         "没有满足条件的开票数据,请重新设置条件!"},
+        {"a department not in the reconciliation's list", reconciliation("99", "2024", "01-01"), 2,
+         "no department with code 99 in the list"},
+        {"an unknown command", {"nonsense"}, 2, "unknown command: nonsense"},
         {"a demo ledger without a file", {"make-demo-db"}, 2, "FILE is required"},
         {"a demo ledger of an empty name", {"make-demo-db", ""}, 2, "FILE is an empty text"},
         {"two files", {"make-demo-db", "a", "b"}, 2, "unexpected argument b"},

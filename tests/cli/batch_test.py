@@ -192,7 +192,12 @@ class Batch(unittest.TestCase):
         p = subprocess.Popen([TOOL, "batch", "--database", db, "--month", "2024-03", "--out", out,
                               "--csv", "--jobs", "2"], stdout=subprocess.PIPE,
                              stderr=subprocess.PIPE, env=ENV)
-        time.sleep(1.0)
+        # Interrupted once the first statement's files are in: others are still running.
+        deadline = time.monotonic() + 60
+        while p.poll() is None and not any(not f.startswith(".") for _, _, files in os.walk(out)
+                                           for f in files):
+            self.assertLess(time.monotonic(), deadline)
+            time.sleep(0.01)
         p.send_signal(signal.SIGINT)
         p.communicate(timeout=60)
         self.assertEqual(p.returncode, 130)

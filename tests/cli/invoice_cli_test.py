@@ -83,15 +83,6 @@ class InvoiceCommandOnDemoLedger(unittest.TestCase):
         self.assertAlmostEqual(sum(float(r[cols - 3]) for r in of),
                                float(body[total_at][cols - 3]), places=1)
 
-    def test_empty_window_and_bad_arguments(self):
-        r = run("invoice", "--database", self.db, "--dept", "01", "--from", "2030-01-01",
-                "--to", "2030-12-31", "--csv", "-")
-        self.assertEqual(r.returncode, 3)
-        self.assertIn("没有满足条件的开票数据,请重新设置条件!", r.stderr)
-        self.assertEqual(r.stdout, "")
-        self.assertEqual(run("invoice", "--dept", "01").returncode, 2)
-        self.assertEqual(run("nonsense").returncode, 2)
-
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

@@ -25,31 +25,15 @@ long ErrorNumberOf(const std::function<void()>& call) {
 }  // namespace
 
 TEST(ValueRulesFormat, HalvesRoundAwayFromZeroOnTheFifteenDigitForm) {
-    // Binary 2.675 and 1.005 lie just below the half; the 15-digit form does not.
-    EXPECT_EQ(Format0_00(0.015), "0.02");
-    EXPECT_EQ(Format0_00(2.675), "2.68");
-    EXPECT_EQ(Format0_00(1.005), "1.01");
-    EXPECT_EQ(Format0_00(0.125), "0.13");
-    EXPECT_EQ(Format0_00(-2.675), "-2.68");
-    EXPECT_EQ(Format0_00(-0.005), "-0.01");
-    EXPECT_EQ(Format0_00(0.0049), "0.00");
-}
-
-TEST(ValueRulesFormat, CarriesAndPads) {
-    EXPECT_EQ(Format0_00(0), "0.00");
-    EXPECT_EQ(Format0_00(0.5), "0.50");
-    EXPECT_EQ(Format0_00(7), "7.00");
-    EXPECT_EQ(Format0_00(0.995), "1.00");
-    EXPECT_EQ(Format0_00(99.995), "100.00");
-    EXPECT_EQ(Format0_00(1234567.891), "1234567.89");
-    EXPECT_EQ(Format0_00(123456789012.345), "123456789012.35");
-    EXPECT_EQ(Format0_00(1e-20), "0.00");
-}
-
-TEST(ValueRulesFormat, NegativeThatRoundsToZeroKeepsItsSign) {
-    EXPECT_EQ(Format0_00(-0.001), "-0.00");
-    EXPECT_EQ(Format0_00(-1.1e-16), "-0.00");
-    EXPECT_EQ(Format0_00(-0.0049), "-0.00");
+    // Binary 2.675 and 1.005 lie just below the half; the 15-digit form does
+    // not. A negative that rounds to zero keeps its sign.
+    for (const auto& [value, text] : std::vector<std::pair<double, QString>>{
+             {0.015, "0.02"}, {2.675, "2.68"}, {1.005, "1.01"}, {0.125, "0.13"}, {-2.675, "-2.68"},
+             {-0.005, "-0.01"}, {0.0049, "0.00"}, {0, "0.00"}, {0.5, "0.50"}, {7, "7.00"},
+             {0.995, "1.00"}, {99.995, "100.00"}, {1234567.891, "1234567.89"},
+             {123456789012.345, "123456789012.35"}, {1e-20, "0.00"}, {-0.001, "-0.00"},
+             {-1.1e-16, "-0.00"}, {-0.0049, "-0.00"}})
+        EXPECT_EQ(Format0_00(value), text) << value;
 }
 
 TEST(ValueRulesFormat, Round2IsTheFormattedTextReadBack) {
@@ -65,24 +49,6 @@ TEST(ValueRulesFormat, Round2IsTheFormattedTextReadBack) {
             ASSERT_EQ(std::signbit(Round2(w)), std::signbit(expected)) << w;
         }
     }
-}
-
-TEST(ValueRulesFormat, Round2ReadsTheFormattedTextBack) {
-    EXPECT_EQ(Round2(2.675), 2.68);
-    EXPECT_EQ(Round2(0.015), 0.02);
-    EXPECT_EQ(Round2(-0.001), 0.0);
-    EXPECT_EQ(Round2(10.0 / 3), 3.33);
-    // Products that land a hair off the half, as the split shares do.
-    EXPECT_EQ(Round2(100.5 * 0.3), 30.15);
-    EXPECT_EQ(Round2(10.01 * 0.3), 3.0);
-}
-
-TEST(ValueRulesFormat, TwoDigitsPadWithoutCutting) {
-    EXPECT_EQ(Format00(0), "00");
-    EXPECT_EQ(Format00(5), "05");
-    EXPECT_EQ(Format00(12), "12");
-    EXPECT_EQ(Format00(123), "123");
-    EXPECT_EQ(Format00(-5), "-05");
 }
 
 TEST(ValueRulesVal, LongestLeadingNumberWithBlanksSkipped) {

@@ -51,17 +51,10 @@ class MainTest : public ::testing::Test {
         else
             qputenv("XDG_CONFIG_HOME", saved);
     }
-    void WriteStore(const QString& text) {
-        QDir(config.path()).mkpath("云栖账房");
-        QFile f(config.filePath("云栖账房/云栖账房.ini"));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(text.toUtf8());
-    }
     // Runs Main with recording dialogs and ends the process: status 0 when
     // check() holds, else 1 with what was seen on stderr.
     // The process ends without destructors, so it removes its own folders.
-    [[noreturn]] void RunMain(const std::function<bool(int, bool, RecordingDialogs&)>& check,
-                              const QString& ledger = QString()) {
+    [[noreturn]] void RunMain(const std::function<bool(int, bool, RecordingDialogs&)>& check) {
         RecordingDialogs dialogs;
         SetAppDialogs(&dialogs);
         bool shown = false;
@@ -75,7 +68,6 @@ class MainTest : public ::testing::Test {
         }
         std::fflush(stderr);
         QDir(config.path()).removeRecursively();
-        if (!ledger.isEmpty()) QFileInfo(ledger).dir().removeRecursively();
         std::_Exit(ok ? 0 : 1);
     }
     QTemporaryDir config;
@@ -92,23 +84,6 @@ TEST(ConnectionTextTest, ValuesGoInAsTheyStand) {
     EXPECT_EQ(OdbcConnectionString(s),
               "DRIVER={FreeTDS};SERVER=db.local;PORT=1433;DATABASE=账房;UID=sa;PWD={p;w}}d};"
               "TDS_Version=7.4;ClientCharset=UTF-8");
-}
-
-TEST_F(StartUpTest, NoSectionMeansDefaultsAndTwoMessagesInOrder) {
-    const DbSettings s = FromIni("[Other]\nx=1\n");
-    EXPECT_EQ(s.Edition, "2000");
-    EXPECT_EQ(s.Driver, DefaultDriver());
-    EXPECT_TRUE(s.Svr.isEmpty() && s.UID.isEmpty() && s.PWD.isEmpty() && s.DBname.isEmpty());
-    bool shown = false;
-    EXPECT_EQ(StartUp(s, [&] { shown = true; }), 1);
-    EXPECT_FALSE(shown);
-    EXPECT_EQ(AppSession().SessionEdition, "2000");
-    ASSERT_EQ(dialogs.messages.size(), 2u);
-    EXPECT_TRUE(dialogs.messages[0].text.startsWith("错误信息："));
-    EXPECT_GT(dialogs.messages[0].text.size(), 5);
-    EXPECT_EQ(dialogs.messages[0].title, "信息文本");
-    EXPECT_EQ(dialogs.messages[1].text, "数据库连接失败!");
-    EXPECT_EQ(dialogs.messages[1].title, "连接提示");
 }
 
 TEST_F(StartUpTest, FreeTdsOnAClosedPortGivesTheDriversDescription) {
@@ -153,21 +128,6 @@ TEST(ConnectionTextTest, OdbcServerForms) {
     s.PWD = " {x} ";
     EXPECT_TRUE(OdbcConnectionString(s).contains("SERVER=db.local;PORT=1433;"));
     EXPECT_TRUE(OdbcConnectionString(s).contains(";PWD={ {x}} };"));
-}
-
-TEST_F(MainTest, ReadsTheStoreUnderXdgConfigHome) {
-    TestDatabase db;
-    WriteStore("[DBConfig]\nEdition=2012\nDriver=SQLite\nDBname=\"" + db.Path() +
-               "\"\nUID=sa\nPWD=\"p;w'd\"\n");
-    EXPECT_EXIT(RunMain([](int status, bool shown, RecordingDialogs& dialogs) {
-                    const SessionState& st = AppSession();
-                    return status == 0 && shown && dialogs.messages.empty() &&
-                           st.SessionEdition == "2012" && st.SessionConnection &&
-                           st.SessionConnectionText.startsWith(
-                               "Provider=SQLOLEDB.1;Password=p;w'd;Persist Security "
-                               "Info=False;User ID=sa;Initial Catalog='");
-                }, db.Path()),
-                ::testing::ExitedWithCode(0), "");
 }
 
 TEST_F(MainTest, NoStoreMeansEdition2000AndTwoMessages) {
