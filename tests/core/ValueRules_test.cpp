@@ -52,47 +52,26 @@ TEST(ValueRulesFormat, Round2IsTheFormattedTextReadBack) {
 }
 
 TEST(ValueRulesVal, LongestLeadingNumberWithBlanksSkipped) {
-    EXPECT_EQ(Val(" 70%"), 70);
-    EXPECT_EQ(Val("abc"), 0);
-    EXPECT_EQ(Val(""), 0);
-    EXPECT_EQ(Val("2.5"), 2.5);
-    EXPECT_EQ(Val("1 2 3"), 123);
-    EXPECT_EQ(Val("-3.5x"), -3.5);
-    EXPECT_EQ(Val(".5"), 0.5);
-    EXPECT_EQ(Val("1.2.3"), 1.2);
-    EXPECT_EQ(Val("12abc"), 12);
-    EXPECT_EQ(Val("-"), 0);
-    EXPECT_EQ(Val("70 %"), 70);
-}
-
-TEST(ValueRulesVal, ExponentOnlyWithDigitsBehindIt) {
-    EXPECT_EQ(Val("1e3"), 1000);
-    EXPECT_EQ(Val("1e"), 1);
-    EXPECT_EQ(Val("2e-1x"), 0.2);
+    // An exponent counts only with digits behind it.
+    for (const auto& [text, value] : std::vector<std::pair<QString, double>>{
+             {" 70%", 70}, {"abc", 0}, {"", 0}, {"2.5", 2.5}, {"1 2 3", 123}, {"-3.5x", -3.5},
+             {".5", 0.5}, {"1.2.3", 1.2}, {"12abc", 12}, {"-", 0}, {"70 %", 70}, {"1e3", 1000},
+             {"1e", 1}, {"2e-1x", 0.2}})
+        EXPECT_EQ(Val(text), value) << text.toStdString();
 }
 
 TEST(ValueRulesDoubleText, FifteenDigitsNoExponentNoTrailingZeros) {
-    EXPECT_EQ(DoubleText(0.3), "0.3");
-    EXPECT_EQ(DoubleText(0.333), "0.333");
-    EXPECT_EQ(DoubleText(33.3 / 100), "0.333");
-    EXPECT_EQ(DoubleText(0.1 + 0.2), "0.3");
-    EXPECT_EQ(DoubleText(1), "1");
-    EXPECT_EQ(DoubleText(0), "0");
-    EXPECT_EQ(DoubleText(5), "5");
-    EXPECT_EQ(DoubleText(0.07 * 100), "7");
-    EXPECT_EQ(DoubleText(-2.5), "-2.5");
-    EXPECT_EQ(DoubleText(1e-5), "0.00001");
-    EXPECT_EQ(DoubleText(1e15), "1000000000000000");
-    EXPECT_EQ(DoubleText(123456.789), "123456.789");
+    for (const auto& [value, text] : std::vector<std::pair<double, QString>>{
+             {0.3, "0.3"}, {33.3 / 100, "0.333"}, {0.1 + 0.2, "0.3"}, {1, "1"}, {0, "0"},
+             {0.07 * 100, "7"}, {-2.5, "-2.5"}, {1e-5, "0.00001"}, {1e15, "1000000000000000"},
+             {123456.789, "123456.789"}})
+        EXPECT_EQ(DoubleText(value), text) << value;
 }
 
 TEST(ValueRulesRounding, TiesGoToEven) {
-    EXPECT_EQ(RoundHalfEven(2.5), 2);
-    EXPECT_EQ(RoundHalfEven(3.5), 4);
-    EXPECT_EQ(RoundHalfEven(0.5), 0);
-    EXPECT_EQ(RoundHalfEven(-2.5), -2);
-    EXPECT_EQ(RoundHalfEven(2.4999), 2);
-    EXPECT_EQ(RoundHalfEven(2.51), 3);
+    for (const auto& [value, rounded] : std::vector<std::pair<double, int>>{
+             {2.5, 2}, {3.5, 4}, {0.5, 0}, {-2.5, -2}, {2.4999, 2}, {2.51, 3}})
+        EXPECT_EQ(RoundHalfEven(value), rounded) << value;
 }
 
 TEST(ValueRulesRounding, BeyondThirtyTwoBitsOverflows) {

@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QTemporaryDir>
-#include <cstdio>
-#include <cstdlib>
 
 #include "core/Dialogs.h"
 #include "db/OpenDatabase.h"
@@ -34,44 +31,6 @@ class StartUpTest : public ::testing::Test {
     }
     QTemporaryDir dir;
     RecordingDialogs dialogs;
-};
-
-// QSettings looks for its folder once per process, so each case runs Main in a
-// process of its own, with XDG_CONFIG_HOME pointing at a folder of the test.
-class MainTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        GTEST_FLAG_SET(death_test_style, "threadsafe");
-        saved = qgetenv("XDG_CONFIG_HOME");
-        qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
-    }
-    void TearDown() override {
-        if (saved.isNull())
-            qunsetenv("XDG_CONFIG_HOME");
-        else
-            qputenv("XDG_CONFIG_HOME", saved);
-    }
-    // Runs Main with recording dialogs and ends the process: status 0 when
-    // check() holds, else 1 with what was seen on stderr.
-    // The process ends without destructors, so it removes its own folders.
-    [[noreturn]] void RunMain(const std::function<bool(int, bool, RecordingDialogs&)>& check) {
-        RecordingDialogs dialogs;
-        SetAppDialogs(&dialogs);
-        bool shown = false;
-        const int status = Main([&] { shown = true; });
-        const bool ok = check(status, shown, dialogs);
-        if (!ok) {
-            std::fprintf(stderr, "status %d shown %d edition %s\n", status, int(shown),
-                         qPrintable(AppSession().SessionEdition));
-            for (const auto& m : dialogs.messages)
-                std::fprintf(stderr, "%s | %s\n", qPrintable(m.title), qPrintable(m.text));
-        }
-        std::fflush(stderr);
-        QDir(config.path()).removeRecursively();
-        std::_Exit(ok ? 0 : 1);
-    }
-    QTemporaryDir config;
-    QByteArray saved;
 };
 
 }  // namespace
@@ -128,22 +87,6 @@ TEST(ConnectionTextTest, OdbcServerForms) {
     s.PWD = " {x} ";
     EXPECT_TRUE(OdbcConnectionString(s).contains("SERVER=db.local;PORT=1433;"));
     EXPECT_TRUE(OdbcConnectionString(s).contains(";PWD={ {x}} };"));
-}
-
-TEST_F(MainTest, NoStoreMeansEdition2000AndTwoMessages) {
-    EXPECT_EXIT(RunMain([](int status, bool shown, RecordingDialogs& dialogs) {
-                    const auto& m = dialogs.messages;
-                    return status == 1 && !shown && AppSession().SessionEdition == "2000" &&
-                           AppSession().SessionConnectionText ==
-                               "Provider=SQLOLEDB.1;Password=;Persist Security Info=False;User "
-                               "ID=;Initial Catalog='';Data Source=''" &&
-                           m.size() == 2 && m[0].title == "信息文本" &&
-                           m[0].text.startsWith("错误信息：[FreeTDS]") &&
-                           m[0].icon == MsgIcon::Information && m[1].title == "连接提示" &&
-                           m[1].text == "数据库连接失败!" && m[1].icon == MsgIcon::Information &&
-                           m[1].buttons == MsgButtons::Ok;
-                }),
-                ::testing::ExitedWithCode(0), "");
 }
 
 TEST(CenterInMainWindowTest, HalvesTheFreeSpaceInSinglePrecision) {

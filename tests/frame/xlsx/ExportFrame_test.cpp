@@ -57,7 +57,6 @@ TEST(ExportFrameTest, FileNameRules) {
     }
     EXPECT_EQ(DefaultFileName("【云栖苑】增值税开票明细表", QDate(2024, 1, 1), QDate(2024, 12, 31)),
               "【云栖苑】增值税开票明细表_20240101-20241231");
-    EXPECT_EQ(ErrorText(5, "无效"), "错误号: 5错误描述: 无效");
 }
 
 TEST(ExportFrameTest, StepsInOrderAndTheFileAtTheStem) {
@@ -72,7 +71,6 @@ TEST(ExportFrameTest, StepsInOrderAndTheFileAtTheStem) {
                                          "-bar", "buttons"}));
     EXPECT_EQ(dialogs.yields, 3);
     EXPECT_EQ(dialogs.saveDialogDefaults, QStringList{"表_20240101-20241231"});
-    EXPECT_EQ(dialogs.saveDialogFilters, QStringList{"电子表(.xlsx)|*.xlsx|电子表(.xls)|*.xls"});
     ASSERT_EQ(dialogs.messages.size(), 1u);
     EXPECT_EQ(dialogs.messages[0].text, "导出成功！");
     EXPECT_EQ(dialogs.messages[0].title, "系统提示");
