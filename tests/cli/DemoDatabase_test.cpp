@@ -7,7 +7,6 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "core/RuntimeError.h"
 #include "db/DatabaseSession.h"
 
 using namespace yunqi;
@@ -67,20 +66,4 @@ TEST(DemoDatabaseTest, HoldsEveryCaseTheStatementsShow) {
         EXPECT_GT(Scalar(*s, where), 0) << where;
     // 微信 is counted as 微信支付, which the list names instead.
     EXPECT_EQ(Scalar(*s, "收款方式列表 Where 收款方式 = '微信'"), 0);
-}
-
-TEST(DemoDatabaseTest, FailureLeavesTheTargetAndNoPartialFile) {
-    QTemporaryDir dir;
-    const QString target = dir.filePath("busy");
-    ASSERT_TRUE(QDir(dir.path()).mkdir("busy"));
-    EXPECT_THROW(WriteDemoDatabase(target, 10, 1), RuntimeError);
-    EXPECT_TRUE(QFileInfo(target).isDir());
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 0);
-
-    // An existing ledger is replaced when the new one is complete.
-    const QString file = dir.filePath("d.sqlite");
-    WriteDemoDatabase(file, 10, 1);
-    WriteDemoDatabase(file, 20, 1);
-    auto s = DatabaseSession::OpenEmbedded(file);
-    EXPECT_EQ(Scalar(*s, "票据"), 20);
 }

@@ -128,11 +128,10 @@ TEST_F(LedgerFaults, ArgumentsAndEmptyWindowsHaveTheirStatus) {
          "no department with code 99 in the list"},
         {"an unknown command", {"nonsense"}, 2, "unknown command: nonsense"},
         {"a demo ledger without a file", {"make-demo-db"}, 2, "FILE is required"},
-        {"a demo ledger of an empty name", {"make-demo-db", ""}, 2, "FILE is an empty text"},
+        {"an empty file name", {"make-demo-db", ""}, 2, "FILE is an empty text"},
         {"two files", {"make-demo-db", "a", "b"}, 2, "unexpected argument b"},
         {"a seed without a value", {"make-demo-db", "a", "--seed"}, 2, "--seed needs a value"},
-        {"a seed twice", {"make-demo-db", "a", "--seed", "1", "--seed", "2"}, 2,
-         "--seed given twice"},
+        {"a seed twice", {"make-demo-db", "a", "--seed", "1", "--seed", "2"}, 2, "--seed given twice"},
         {"tickets that are no number", {"make-demo-db", "a", "--tickets", "many"}, 2,
          "--tickets wants a whole number, not many"},
     };

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <grp.h>
+#include <pwd.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
@@ -11,6 +14,7 @@
 #include <csignal>
 
 #include "cli/DemoDatabase.h"
+#include "support/Files.h"
 
 namespace yunqi::test {
 
@@ -27,7 +31,7 @@ struct ToolOptions {
     qint64 fileSizeLimit = 0;  // bytes; 0 for none
     QString stdoutFile;        // standard output goes to this file when set
     QString workDir;
-    int timeoutMs = 120000;
+    const struct passwd* user = nullptr;  // run as this user (root only); 126 when refused
 };
 
 inline QString ToolPath() { return QStringLiteral(YUNQI_BIN_DIR "/yunqi-statement"); }
@@ -36,14 +40,17 @@ inline void StartTool(QProcess& p, const QStringList& args, const ToolOptions& o
     if (!o.stdoutFile.isEmpty()) p.setStandardOutputFile(o.stdoutFile);
     if (!o.workDir.isEmpty()) p.setWorkingDirectory(o.workDir);
     const qint64 limit = o.fileSizeLimit;
-    if (limit > 0)
-        p.setChildProcessModifier([limit] {
+    const uid_t uid = o.user ? o.user->pw_uid : 0;
+    const gid_t gid = o.user ? o.user->pw_gid : 0;
+    p.setChildProcessModifier([limit, uid, gid] {
+        if (limit > 0) {
             ::signal(SIGXFSZ, SIG_IGN);
-            struct rlimit rl {
-                rlim_t(limit), rlim_t(limit)
-            };
+            const struct rlimit rl {rlim_t(limit), rlim_t(limit)};
             ::setrlimit(RLIMIT_FSIZE, &rl);
-        });
+        }
+        if (uid != 0 && (::setgroups(0, nullptr) != 0 || ::setgid(gid) != 0 || ::setuid(uid) != 0))
+            ::_exit(126);
+    });
     p.start(ToolPath(), args);
     p.waitForStarted();
 }
@@ -51,37 +58,12 @@ inline void StartTool(QProcess& p, const QStringList& args, const ToolOptions& o
 inline ToolResult RunTool(const QStringList& args, const ToolOptions& o = {}) {
     QProcess p;
     StartTool(p, args, o);
-    p.waitForFinished(o.timeoutMs);
+    p.waitForFinished(120000);
     ToolResult r;
     r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
     if (o.stdoutFile.isEmpty()) r.out = p.readAllStandardOutput();
     r.err = p.readAllStandardError();
     return r;
-}
-
-// The hidden files of a folder: the temporary names ".NAME.XXXXXX".
-inline QStringList HiddenFiles(const QString& dir) {
-    QStringList hidden;
-    for (const QString& name : QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::System))
-        if (name.startsWith(QLatin1Char('.'))) hidden << name;
-    return hidden;
-}
-
-inline QByteArray ReadAll(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-inline void WriteAll(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    f.open(QIODevice::WriteOnly | QIODevice::Truncate);
-    f.write(bytes);
-}
-
-inline mode_t FileType(const QString& path) {
-    struct stat st {};
-    if (::lstat(QFile::encodeName(path).constData(), &st) != 0) return 0;
-    return st.st_mode & S_IFMT;
 }
 
 // A demo ledger of 3000 tickets, made once for the process.

@@ -6,8 +6,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <csignal>
 #include <functional>
@@ -15,69 +13,44 @@
 #include <thread>
 
 #include "core/RuntimeError.h"
+#include "support/Files.h"
 
 using namespace yunqi;
 
-namespace {
-
-QByteArray Read(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-void Write(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    f.open(QIODevice::WriteOnly | QIODevice::Truncate);
-    f.write(bytes);
-}
-
-QStringList Hidden(const QString& dir) {
-    QStringList hidden;
-    for (const QString& n : QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::System))
-        if (n.startsWith('.')) hidden << n;
-    return hidden;
-}
-
-mode_t Mode(const QString& path) {
-    struct stat st {};
-    ::lstat(QFile::encodeName(path).constData(), &st);
-    return st.st_mode;
-}
-
-}  // namespace
+using namespace yunqi::test;
 
 TEST(OutputFileTest, ARegularFileIsReplacedOnlyAtCommit) {
     QTemporaryDir dir;
     const QString target = dir.filePath("out.csv");
-    Write(target, "old");
+    WriteAll(target, "old");
     {
         OutputFile out(target);
         out.Write("new ");
         out.Write("text");
-        EXPECT_EQ(Read(target), "old");
-        EXPECT_EQ(Hidden(dir.path()).size(), 1);
-        EXPECT_TRUE(Hidden(dir.path()).value(0).startsWith(".out.csv."));
+        EXPECT_EQ(ReadAll(target), "old");
+        EXPECT_EQ(HiddenFiles(dir.path()).size(), 1);
+        EXPECT_TRUE(HiddenFiles(dir.path()).value(0).startsWith(".out.csv."));
         out.Commit();
     }
-    EXPECT_EQ(Read(target), "new text");
+    EXPECT_EQ(ReadAll(target), "new text");
     // Never committed: the old file stays, the temporary file goes.
     {
         OutputFile out(target);
         out.Write("lost");
     }
-    EXPECT_EQ(Read(target), "new text");
-    EXPECT_TRUE(Hidden(dir.path()).isEmpty());
+    EXPECT_EQ(ReadAll(target), "new text");
+    EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty());
     // Nothing is made before the first write.
     { OutputFile out(dir.filePath("never")); }
     EXPECT_FALSE(QFile::exists(dir.filePath("never")));
     // A link stays a link; the file it names is replaced.
     QDir(dir.path()).mkdir("real");
     ASSERT_TRUE(QFile::link(dir.filePath("real/data.csv"), dir.filePath("link.csv")));
-    Write(dir.filePath("real/data.csv"), "old");
+    WriteAll(dir.filePath("real/data.csv"), "old");
     WriteOutputFile(dir.filePath("link.csv"), "new");
-    EXPECT_TRUE(S_ISLNK(Mode(dir.filePath("link.csv"))));
-    EXPECT_EQ(Read(dir.filePath("real/data.csv")), "new");
-    EXPECT_TRUE(Hidden(dir.filePath("real")).isEmpty());
+    EXPECT_EQ(FileType(dir.filePath("link.csv")), mode_t(S_IFLNK));
+    EXPECT_EQ(ReadAll(dir.filePath("real/data.csv")), "new");
+    EXPECT_TRUE(HiddenFiles(dir.filePath("real")).isEmpty());
 }
 
 // The numbers the desktop program shows: 75 for a path it can't write, 76
@@ -85,7 +58,7 @@ TEST(OutputFileTest, ARegularFileIsReplacedOnlyAtCommit) {
 TEST(OutputFileTest, WhatCannotBeWrittenIsRefusedBeforehand) {
     QTemporaryDir dir;
     const QString ro = dir.filePath("ro.csv");
-    Write(ro, "keep");
+    WriteAll(ro, "keep");
     ::chmod(QFile::encodeName(ro).constData(), 0444);
     const std::pair<std::function<void()>, QString> cases[] = {
         {[&] { CheckOutput(ro); }, "75 Path/File access error: " + ro},
@@ -106,8 +79,8 @@ TEST(OutputFileTest, WhatCannotBeWrittenIsRefusedBeforehand) {
         EXPECT_TRUE(failure.startsWith(expected)) << failure.toStdString();
         EXPECT_EQ(failure == "none", expected == "none") << failure.toStdString();
     }
-    EXPECT_EQ(Read(ro), "keep");
-    EXPECT_TRUE(Hidden(dir.path()).isEmpty());
+    EXPECT_EQ(ReadAll(ro), "keep");
+    EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty());
 }
 
 // While one thread makes a temporary file, a signal that another thread takes
@@ -116,7 +89,7 @@ TEST(OutputFileTest, ASignalOnAnotherThreadWaitsForTheTemporaryFile) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
         QTemporaryDir dir;
         const QString target = dir.filePath("out.csv");
-        Write(target, "old");
+        WriteAll(target, "old");
         EXPECT_EXIT(
             {
                 // The one thread free to take the signal while the file is made.
@@ -133,7 +106,7 @@ TEST(OutputFileTest, ASignalOnAnotherThreadWaitsForTheTemporaryFile) {
                 for (;;) ::pause();
             },
             ::testing::KilledBySignal(signal), "");
-        EXPECT_EQ(Read(target), "old") << signal;
-        EXPECT_TRUE(Hidden(dir.path()).isEmpty()) << signal;
+        EXPECT_EQ(ReadAll(target), "old") << signal;
+        EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty()) << signal;
     }
 }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "core/RuntimeError.h"
 
 using namespace yunqi;
 
@@ -36,20 +35,6 @@ TEST(SqlDialectTest, LenAndLiteralsLeftAlone) {
     const QString literals =
         "Select 1 From t Where memo='len(x) Convert(Char(8),d,112) In ()' And n='it''s In ()'";
     EXPECT_EQ(AdaptToSQLite(literals), literals);
-}
-
-TEST(SqlDialectTest, EmptyInListRaisesTheServersError) {
-    for (const QString sql : {"Select 1 Where x In ( )", "Select 1 Where x in()",
-                              "Select 1 Where 票据类型代号 IN (\n)"}) {
-        try {
-            AdaptToSQLite(sql);
-            ADD_FAILURE() << sql.toStdString();
-        } catch (const RuntimeError& e) {
-            EXPECT_EQ(e.number(), 102);
-            EXPECT_EQ(e.description(), "Incorrect syntax near ')'.");
-        }
-    }
-    EXPECT_NO_THROW(AdaptToSQLite("Select 1 Where x In ('01','02')"));
 }
 
 TEST(SqlDialectTest, OnNamesBoundAsTheJoinsGo) {

@@ -60,15 +60,6 @@ TEST_F(ConditionsDatabase, AFailureShowsItsNumberAndKeepsTheEntriesRead) {
     EXPECT_EQ(dialogs.messages[0].icon, MsgIcon::Information);
 }
 
-TEST_F(ConditionsDatabase, AFailingQueryLeavesTheListEmpty) {
-    db.Exec("DROP TABLE 设置管理处");
-    EXPECT_TRUE(Departments().isEmpty());
-    ASSERT_EQ(dialogs.messages.size(), 1u);
-    EXPECT_TRUE(dialogs.messages[0].text.startsWith("错误码: "));
-    EXPECT_TRUE(dialogs.messages[0].text.contains(" 错误描述: "));
-    EXPECT_TRUE(dialogs.messages[0].text.contains("设置管理处"));
-}
-
 TEST_F(ConditionsDatabase, InvoiceTypesWithoutFixedAmountQuotedInCodeOrder) {
     db.Exec(
         "INSERT INTO 票据类型 VALUES ('02','增值税普通发票',0),('01','增值税专用发票',0),"

@@ -2,6 +2,7 @@
 // electronic tickets, payment methods and their WeChat rule, the range's
 // edges, two parking items, a failed extraction, an overflowing statement.
 #include <QFile>
+#include <array>
 
 #include "core/Dialogs.h"
 #include "core/RuntimeError.h"
@@ -66,35 +67,22 @@ class ParkingRows : public TicketLedger<ParkingStatement> {
 
 TEST_F(ParkingRows, BatchesAreOneNotePaidAtOneMoment) {
     const QString day = QStringLiteral("2024-03-01 09:00:00");
-    struct Case {
-        const char* name;
-        std::vector<std::pair<QString, QString>> tickets;  // number, note
-        std::vector<QString> paid;                          // per ticket
-        QStringList ranges;
+    // {number, note, paid} of each ticket, and the batches' ranges.
+    using Tickets = std::vector<std::array<QString, 3>>;
+    const std::vector<std::pair<Tickets, QStringList>> cases{
+        {{{"A", "S1", day}, {"B", "S1", day}, {"C", "S1", day}}, {"A - C"}},
+        {{{"X - 1", "S1", day}, {"Y", "S1", day}}, {"X - Y"}},  // a joiner in a number
+        {{{"A", "S1", day}, {"B", "S1", "2024-03-02 09:00:00"}}, {"A", "B"}},
+        {{{"A", "S1", day}, {"B", "S1", "2024-03-01 15:30:00"}}, {"A", "B"}},
+        {{{"A", "S1", day}, {"B", "S2", day}}, {"A", "B"}},
     };
-    const std::vector<Case> cases{
-        {"three tickets keep the first and the last",
-         {{"A", "S1"}, {"B", "S1"}, {"C", "S1"}},
-         {day, day, day},
-         {"A - C"}},
-        {"a number holding the joiner keeps its first piece",
-         {{"X - 1", "S1"}, {"Y", "S1"}},
-         {day, day},
-         {"X - Y"}},
-        {"one note paid on two dates", {{"A", "S1"}, {"B", "S1"}}, {day, "2024-03-02 09:00:00"},
-         {"A", "B"}},
-        {"one day at two clock times", {{"A", "S1"}, {"B", "S1"}}, {day, "2024-03-01 15:30:00"},
-         {"A", "B"}},
-        {"two notes paid at one moment", {{"A", "S1"}, {"B", "S2"}}, {day, day}, {"A", "B"}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [tickets, ranges] : cases) {
+        SCOPED_TRACE(ranges.join(' ').toStdString());
         ClearTickets();
-        for (std::size_t i = 0; i < c.tickets.size(); ++i)
-            Add({.no = c.tickets[i].first, .note = c.tickets[i].second, .issued = c.paid[i],
-                 .amount = 10});
+        for (const auto& [no, note, paid] : tickets)
+            Add({.no = no, .note = note, .issued = paid, .amount = 10});
         ASSERT_TRUE(Run());
-        EXPECT_EQ(Ranges(), (c.ranges + QStringList{kTotal, kOf}));
+        EXPECT_EQ(Ranges(), (ranges + QStringList{kTotal, kOf}));
     }
 }
 

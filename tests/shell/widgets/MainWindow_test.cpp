@@ -104,10 +104,6 @@ TEST_F(AboutWindowTest, CmdOKClosesTheFrameAndTheMenuReopensItCentred) {
     EXPECT_EQ(main->Area()->subWindowList().size(), 1);
     EXPECT_EQ(about->findChild<QLabel*>("lblTitle")->text(), "云栖账房系统的一部分");
     EXPECT_EQ(Frame(about)->pos(), Centred(Frame(about)));
-}
-
-TEST_F(AboutWindowTest, SysInfoSaysItIsUnavailable) {
-    QWidget* about = OpenFromMenu();
     Click(about->findChild<QPushButton*>("cmdSysInfo"));
     EXPECT_EQ(dialogs.texts(), QStringList{"此时系统信息不可用"});
     EXPECT_EQ(dialogs.messages[0].icon, MsgIcon::None);
