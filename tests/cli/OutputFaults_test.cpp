@@ -102,16 +102,13 @@ TEST_F(OutputFaults, SpecialTargetsAreWrittenInPlaceAndStayWhatTheyAre) {
 }
 
 TEST_F(OutputFaults, StandardOutputGoesToWhatTheShellOpened) {
-    // /dev/stdout on a pipe.
-    ToolResult r = RunTool(Invoice({"--csv", "/dev/stdout"}));
-    EXPECT_EQ(r.status, 0) << r.Err().toStdString();
-    EXPECT_TRUE(r.out.startsWith(kOutputs[0].start));
-    // On a regular file ("> out.csv"): written through, not replaced by a rename.
+    // /dev/stdout on a regular file ("> out.csv"): written through, not
+    // replaced by a rename.
     const QString file = Path("out.csv");
     WriteAll(file, "");
     struct stat before {}, after {};
     ::stat(QFile::encodeName(file).constData(), &before);
-    r = RunTool(Invoice({"--csv", "/dev/stdout"}), {.stdoutFile = file});
+    ToolResult r = RunTool(Invoice({"--csv", "/dev/stdout"}), {.stdoutFile = file});
     EXPECT_EQ(r.status, 0) << r.Err().toStdString();
     ::stat(QFile::encodeName(file).constData(), &after);
     EXPECT_EQ(before.st_ino, after.st_ino);
