@@ -1,20 +1,19 @@
 // yunqi-statement as a careless or hostile user runs it: special files as
-// targets, a full file system, the ledger as an output, signals, read-only
-// files. Each case runs the real binary on a real file system object.
+// targets, a full file system, inputs named as outputs, read-only files and
+// folders, signals. Each case runs the real binary on a real file system
+// object; one table a fault family.
 #include <fcntl.h>
-#include <grp.h>
+#include <poll.h>
 #include <gtest/gtest.h>
-#include <pwd.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <QProcessEnvironment>
-#include <QTemporaryDir>
+#include <atomic>
 #include <csignal>
+#include <optional>
 #include <thread>
 
-#include "cli/DemoDatabase.h"
 #include "cli/ToolProcess.h"
 
 using namespace yunqi;
@@ -24,245 +23,216 @@ namespace {
 
 class OutputFaults : public ::testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        ledgerDir = new QTemporaryDir;
-        ledger = ledgerDir->filePath("demo.sqlite");
-        WriteDemoDatabase(ledger, 3000, 5);
-    }
-    static void TearDownTestSuite() {
-        delete ledgerDir;
-        ledgerDir = nullptr;
-    }
-    static QStringList Invoice(QStringList extra) {
-        return QStringList{"invoice", "--database", ledger, "--dept",    "01",
-                           "--from",  "2024-01-01", "--to", "2024-12-31"} +
-               extra;
-    }
     QString Path(const char* name) const { return dir.filePath(QString::fromUtf8(name)); }
-
-    static QTemporaryDir* ledgerDir;
-    static QString ledger;
     QTemporaryDir dir;
 };
 
-QTemporaryDir* OutputFaults::ledgerDir = nullptr;
-QString OutputFaults::ledger;
+// Each output option, a file name for it, and how its output begins.
+struct OutputKind {
+    const char* option;
+    const char* suffix;
+    QByteArray start;
+};
+const OutputKind kOutputs[] = {{"--csv", ".csv", QStringLiteral("序,开票日期").toUtf8()},
+                               {"--xlsx", ".xlsx", "PK\x03\x04"},
+                               {"--sql-log", ".log", "Select "}};
 
-const char* const kOutputOptions[] = {"--csv", "--xlsx", "--sql-log"};
-
-// Reads a FIFO to its end on a thread of its own, as a reader program would.
+// Reads a FIFO on a thread of its own, as a reader program would, until the
+// writer is done. Opened without waiting for a writer, so that a run that
+// never opens the FIFO (or replaces it) can't hang the test.
 class FifoReader {
   public:
     explicit FifoReader(const QString& path)
-        : thread_([this, p = QFile::encodeName(path)] {
-              const int fd = ::open(p.constData(), O_RDONLY);
-              if (fd < 0) return;
-              char buf[65536];
-              for (ssize_t n; (n = ::read(fd, buf, sizeof buf)) > 0;) bytes_.append(buf, n);
-              ::close(fd);
+        : fd_(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK)),
+          thread_([this] {
+              for (bool last = false; fd_ >= 0 && !last;) {
+                  last = done_;
+                  pollfd p{fd_, POLLIN, 0};
+                  ::poll(&p, 1, 50);
+                  char buf[65536];
+                  for (ssize_t n; (n = ::read(fd_, buf, sizeof buf)) > 0;) bytes_.append(buf, n);
+              }
           }) {}
+    // Once the writer has ended.
     QByteArray Join() {
+        done_ = true;
         thread_.join();
+        if (fd_ >= 0) ::close(fd_);
         return bytes_;
     }
 
   private:
+    int fd_;
+    std::atomic<bool> done_{false};
     QByteArray bytes_;
     std::thread thread_;
 };
 
 }  // namespace
 
-// ---- Device, FIFO and /dev/stdout targets stay what they are ---------------
-
-TEST_F(OutputFaults, DevNullIsWrittenInPlaceAndStaysADevice) {
-    for (const char* option : kOutputOptions) {
-        const ToolResult r = RunTool(Invoice({option, "/dev/null"}));
-        EXPECT_EQ(r.status, 0) << option << r.Err().toStdString();
-        EXPECT_EQ(FileType("/dev/null"), mode_t(S_IFCHR)) << option;
+// A target that exists and is no regular file is written in place, never
+// replaced: by its kind, not its name.
+TEST_F(OutputFaults, SpecialTargetsAreWrittenInPlaceAndStayWhatTheyAre) {
+    struct Case {
+        const char* name;
+        QString target;
+        mode_t type;
+        int status;
+        QString error;
+    };
+    const Case cases[] = {
+        {"/dev/null", "/dev/null", S_IFCHR, 0, ""},
+        {"/dev/full", "/dev/full", S_IFCHR, 1, "/dev/full: No space left on device"},
+        {"a FIFO", Path("pipe"), S_IFIFO, 0, ""},
+    };
+    ASSERT_EQ(::mkfifo(QFile::encodeName(Path("pipe")).constData(), 0600), 0);
+    for (const Case& c : cases) {
+        for (const OutputKind& o : kOutputs) {
+            SCOPED_TRACE(std::string(c.name) + ' ' + o.option);
+            std::optional<FifoReader> reader;
+            if (c.type == S_IFIFO) reader.emplace(c.target);
+            const ToolResult r = RunTool(Invoice({o.option, c.target}));
+            EXPECT_EQ(r.status, c.status) << r.Err().toStdString();
+            EXPECT_TRUE(r.Err().contains(c.error)) << r.Err().toStdString();
+            EXPECT_EQ(FileType(c.target), c.type);
+            if (reader) EXPECT_TRUE(reader->Join().startsWith(o.start));
+        }
     }
+    EXPECT_EQ(HiddenFiles(dir.path()), QStringList());
 }
 
-TEST_F(OutputFaults, DevFullFailsWithThePathAndTheReason) {
-    for (const char* option : kOutputOptions) {
-        const ToolResult r = RunTool(Invoice({option, "/dev/full"}));
-        EXPECT_EQ(r.status, 1) << option;
-        EXPECT_TRUE(r.Err().contains("/dev/full: No space left on device"))
-            << r.Err().toStdString();
-        EXPECT_EQ(FileType("/dev/full"), mode_t(S_IFCHR));
-    }
-    // Standard output on a full device: told, not silent.
-    const ToolResult r = RunTool(Invoice({"--csv", "-"}), {.stdoutFile = "/dev/full"});
-    EXPECT_EQ(r.status, 1);
-    EXPECT_TRUE(r.Err().contains("standard output: No space left on device"))
-        << r.Err().toStdString();
-}
-
-TEST_F(OutputFaults, AFifoIsWrittenInPlaceAndReadBack) {
-    const QString fifo = Path("pipe");
-    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    for (const char* option : kOutputOptions) {
-        FifoReader reader(fifo);
-        const ToolResult r = RunTool(Invoice({option, fifo}));
-        const QByteArray got = reader.Join();
-        EXPECT_EQ(r.status, 0) << option << r.Err().toStdString();
-        EXPECT_EQ(FileType(fifo), mode_t(S_IFIFO)) << option;
-        if (QByteArray(option) == "--csv")
-            EXPECT_TRUE(got.startsWith(QStringLiteral("序,开票日期").toUtf8()));
-        else if (QByteArray(option) == "--xlsx")
-            EXPECT_TRUE(got.startsWith("PK\x03\x04"));
-        else
-            EXPECT_TRUE(got.contains("Select ")) << got.left(200).toStdString();
-    }
-    EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty());
-}
-
-TEST_F(OutputFaults, ADeviceNodeOfOurOwnStaysADevice) {
-    if (::geteuid() != 0) GTEST_SKIP() << "making a device node needs root";
-    const QString node = Path("null");
-    if (::mknod(QFile::encodeName(node).constData(), S_IFCHR | 0666, makedev(1, 3)) != 0)
-        GTEST_SKIP() << "no device nodes here";
-    const int fd = ::open(QFile::encodeName(node).constData(), O_WRONLY);
-    if (fd < 0) GTEST_SKIP() << "the folder's file system refuses devices";
-    ::close(fd);
-    for (const char* option : kOutputOptions) {
-        EXPECT_EQ(RunTool(Invoice({option, node})).status, 0) << option;
-        EXPECT_EQ(FileType(node), mode_t(S_IFCHR)) << option;
-    }
-    EXPECT_EQ(RunTool({"make-demo-db", node, "--tickets", "10", "--force"}).status, 0);
-    EXPECT_EQ(FileType(node), mode_t(S_IFCHR));
-}
-
-TEST_F(OutputFaults, DevStdoutGoesToWhatTheShellOpened) {
-    // A pipe.
-    ToolResult r = RunTool(Invoice({"--csv", "/dev/stdout"}));
-    EXPECT_EQ(r.status, 0) << r.Err().toStdString();
-    EXPECT_TRUE(r.out.startsWith(QStringLiteral("序,开票日期").toUtf8()));
-    // A regular file ("> out.csv"): written through, not replaced by a rename.
+TEST_F(OutputFaults, StandardOutputGoesToWhatTheShellOpened) {
+    // /dev/stdout on a regular file ("> out.csv"): written through, not
+    // replaced by a rename.
     const QString file = Path("out.csv");
     WriteAll(file, "");
-    struct stat before {};
+    struct stat before {}, after {};
     ::stat(QFile::encodeName(file).constData(), &before);
-    r = RunTool(Invoice({"--csv", "/dev/stdout"}), {.stdoutFile = file});
+    ToolResult r = RunTool(Invoice({"--csv", "/dev/stdout"}), {.stdoutFile = file});
     EXPECT_EQ(r.status, 0) << r.Err().toStdString();
-    struct stat after {};
     ::stat(QFile::encodeName(file).constData(), &after);
     EXPECT_EQ(before.st_ino, after.st_ino);
-    EXPECT_TRUE(ReadAll(file).startsWith(QStringLiteral("序,开票日期").toUtf8()));
-    EXPECT_EQ(FileType("/dev/stdout"), mode_t(S_IFLNK));
+    EXPECT_TRUE(ReadAll(file).startsWith(kOutputs[0].start));
+    // On a full device: told, not silent.
+    r = RunTool(Invoice({"--csv", "-"}), {.stdoutFile = "/dev/full"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.Err().contains("standard output: No space left on device")) << r.Err().toStdString();
 }
-
-// ---- A full file system: short writes ----------------------------------------
 
 TEST_F(OutputFaults, AShortWriteKeepsTheOldFileAndLeavesNoTemporaryFile) {
     struct Case {
         QStringList args;
         const char* target;
         qint64 limit;
+        const char* why;  // beyond the path
     };
     const Case cases[] = {
-        {Invoice({"--csv", Path("old.csv")}), "old.csv", 16 * 1024},
-        {Invoice({"--xlsx", Path("old.xlsx")}), "old.xlsx", 64 * 1024},
-        {Invoice({"--sql-log", Path("old.log")}), "old.log", 4 * 1024},
-        {{"make-demo-db", Path("old.sqlite"), "--tickets", "3000", "--force"},
-         "old.sqlite",
-         256 * 1024},
+        {Invoice({"--csv", Path("old.csv")}), "old.csv", 16 * 1024, "File too large"},
+        {Invoice({"--xlsx", Path("old.xlsx")}), "old.xlsx", 64 * 1024, "xl/worksheets/sheet1.xml"},
+        {Invoice({"--sql-log", Path("old.log")}), "old.log", 4 * 1024, "File too large"},
+        {{"make-demo-db", Path("old.sqlite"), "--tickets", "3000", "--force"}, "old.sqlite",
+         256 * 1024, ""},
     };
     for (const Case& c : cases) {
         const QString target = Path(c.target);
         WriteAll(target, "the old file\n");
         const ToolResult r = RunTool(c.args, {.fileSizeLimit = c.limit});
         EXPECT_EQ(r.status, 1) << c.target << r.Err().toStdString();
-        EXPECT_TRUE(r.Err().contains(target)) << r.Err().toStdString();
+        EXPECT_TRUE(r.Err().contains(target) && r.Err().contains(c.why)) << r.Err().toStdString();
         EXPECT_EQ(ReadAll(target), "the old file\n") << c.target;
         EXPECT_EQ(HiddenFiles(dir.path()), QStringList()) << c.target;
     }
-    // The workbook's message says why.
-    const ToolResult r =
-        RunTool(Invoice({"--xlsx", Path("old.xlsx")}), {.fileSizeLimit = 64 * 1024});
-    EXPECT_TRUE(r.Err().contains("xl/worksheets/sheet1.xml")) << r.Err().toStdString();
 }
 
-TEST_F(OutputFaults, TheSameRunWithoutALimitWritesEveryOutput) {
-    const ToolResult r = RunTool(
-        Invoice({"--csv", Path("a.csv"), "--xlsx", Path("a.xlsx"), "--sql-log", Path("a.log")}));
-    EXPECT_EQ(r.status, 0) << r.Err().toStdString();
-    EXPECT_GT(ReadAll(Path("a.csv")).size(), 16 * 1024);
-    EXPECT_GT(ReadAll(Path("a.xlsx")).size(), 16 * 1024);
-    EXPECT_GE(ReadAll(Path("a.log")).count('\n'), 4);
-    EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty());
-    // New files get the usual permissions, not the private ones of a temporary file.
-    struct stat st {};
-    ::stat(QFile::encodeName(Path("a.xlsx")).constData(), &st);
+// Without a limit the same run writes every output: a new file with the usual
+// permissions, not a temporary file's; an existing one keeps its own.
+TEST_F(OutputFaults, EveryOutputIsWrittenWithItsPermissions) {
     const mode_t mask = ::umask(0);
     ::umask(mask);
-    EXPECT_EQ(st.st_mode & 0777, 0666 & ~mask);
+    const std::pair<const char*, mode_t> files[] = {{"new", 0666 & ~mask}, {"old", 0640}};
+    for (const OutputKind& o : kOutputs) {
+        WriteAll(Path("old") + o.suffix, "old");
+        ::chmod(QFile::encodeName(Path("old") + o.suffix).constData(), 0640);
+    }
+    for (const auto& [stem, mode] : files) {
+        QStringList args;
+        for (const OutputKind& o : kOutputs) args << o.option << Path(stem) + o.suffix;
+        const ToolResult r = RunTool(Invoice(args));
+        EXPECT_EQ(r.status, 0) << r.Err().toStdString();
+        for (const OutputKind& o : kOutputs) {
+            const QString file = Path(stem) + o.suffix;
+            struct stat st {};
+            ::stat(QFile::encodeName(file).constData(), &st);
+            EXPECT_EQ(st.st_mode & 0777, mode) << file.toStdString();
+            EXPECT_TRUE(ReadAll(file).startsWith(o.start)) << file.toStdString();
+        }
+    }
+    EXPECT_EQ(HiddenFiles(dir.path()), QStringList());
 }
 
-// ---- Inputs are never outputs; existing ledgers are kept ----------------------
-
-TEST_F(OutputFaults, AnOutputNamingTheLedgerIsRefusedAndTheLedgerKept) {
-    const QByteArray bytes = ReadAll(ledger);
-    const QString link = Path("link.sqlite");
-    ASSERT_TRUE(QFile::link(ledger, link));
-    for (const QStringList& args : {Invoice({"--sql-log", ledger}), Invoice({"--sql-log", link}),
-                                    Invoice({"--csv", ledger}), Invoice({"--xlsx", ledger})}) {
+// What can't be an output is refused before any work: the SQL log, which the
+// first statement would start, is never made, and nothing is touched.
+TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
+    const QString ledger = DemoLedger(), log = Path("log");
+    const QByteArray ledgerBytes = ReadAll(ledger);
+    for (const char* name : {"ro.csv", "ro.xlsx", "existing.sqlite"}) WriteAll(Path(name), "keep");
+    for (const char* name : {"ro.csv", "ro.xlsx"})
+        ASSERT_EQ(::chmod(QFile::encodeName(Path(name)).constData(), 0444), 0);
+    ASSERT_TRUE(QFile::link(ledger, Path("link.sqlite")));
+    struct Case {
+        const char* name;
+        QStringList args;
+        int status;
+        QString error;
+    };
+    // The reason as either layer words it; alternatives apart by "|".
+    const auto readOnly = [this](const char* name) {
+        return Path(name) + ": the file is read-only|" + Path(name) + ": Permission denied";
+    };
+    const Case cases[] = {
+        {"a read-only CSV", Invoice({"--csv", Path("ro.csv")}), 1, readOnly("ro.csv")},
+        {"a read-only workbook", Invoice({"--xlsx", Path("ro.xlsx")}), 1, readOnly("ro.xlsx")},
+        {"a folder", Invoice({"--csv", dir.path()}), 1, dir.path() + ": Is a directory"},
+        {"a missing folder", Invoice({"--xlsx", Path("no/such/folder.xlsx")}), 1, "Path not found"},
+        {"the ledger as the log", Invoice({"--sql-log", ledger}), 2, "an output never replaces an input"},
+        {"a link to the ledger", Invoice({"--sql-log", Path("link.sqlite")}), 2, "never replaces an input"},
+        {"the ledger as the CSV", Invoice({"--csv", ledger}), 2, "never replaces an input"},
+        {"the ledger as the workbook", Invoice({"--xlsx", ledger}), 2, "never replaces an input"},
+        {"two outputs one file", Invoice({"--csv", Path("x"), "--xlsx", Path("x")}), 2,
+         "name the same file"},
+        {"a demo ledger onto a file", {"make-demo-db", Path("existing.sqlite"), "--tickets", "10"}, 2,
+         "exists; --force replaces it"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        QStringList args = c.args;
+        if (args.first() == "invoice" && !args.contains("--sql-log")) args << "--sql-log" << log;
         const ToolResult r = RunTool(args);
-        EXPECT_EQ(r.status, 2) << args.join(' ').toStdString();
-        EXPECT_TRUE(r.Err().contains("an output never replaces an input")) << r.Err().toStdString();
-        EXPECT_TRUE(r.Err().contains("usage:"));
-        EXPECT_EQ(ReadAll(ledger), bytes);
-    }
-    const ToolResult r = RunTool(Invoice({"--csv", Path("x"), "--xlsx", Path("x")}));
-    EXPECT_EQ(r.status, 2);
-    EXPECT_TRUE(r.Err().contains("name the same file")) << r.Err().toStdString();
-}
-
-TEST_F(OutputFaults, MakeDemoDbRefusesAnExistingFileWithoutForce) {
-    const QString target = Path("ledger.sqlite");
-    WriteAll(target, "a real ledger");
-    ToolResult r = RunTool({"make-demo-db", target, "--tickets", "10"});
-    EXPECT_EQ(r.status, 2);
-    EXPECT_TRUE(r.Err().contains("exists; --force replaces it")) << r.Err().toStdString();
-    EXPECT_EQ(ReadAll(target), "a real ledger");
-    r = RunTool({"make-demo-db", target, "--tickets", "10", "--force"});
-    EXPECT_EQ(r.status, 0) << r.Err().toStdString();
-    EXPECT_TRUE(ReadAll(target).startsWith("SQLite format 3"));
-    EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty());
-}
-
-TEST_F(OutputFaults, ReadOnlyTargetsAreRefusedAlikeBeforeAnyWork) {
-    for (const char* option : {"--csv", "--xlsx"}) {
-        const QString target = Path(option + 2);
-        WriteAll(target, "keep");
-        ASSERT_EQ(::chmod(QFile::encodeName(target).constData(), 0444), 0);
-        // The SQL log would be written by the first statement: none was sent.
-        const ToolResult r = RunTool(Invoice({option, target, "--sql-log", Path("log")}));
-        EXPECT_EQ(r.status, 1) << option;
-        EXPECT_TRUE(r.Err().contains(target + ": the file is read-only") ||
-                    r.Err().contains(target + ": Permission denied"))
+        EXPECT_EQ(r.status, c.status);
+        const QStringList alternatives = c.error.split('|');
+        EXPECT_TRUE(std::any_of(alternatives.begin(), alternatives.end(),
+                                [&](const QString& e) { return r.Err().contains(e); }))
             << r.Err().toStdString();
-        EXPECT_EQ(ReadAll(target), "keep");
-        EXPECT_FALSE(QFile::exists(Path("log")));
+        EXPECT_EQ(r.Err().contains("usage:"), c.status == 2);
+        EXPECT_FALSE(QFile::exists(log));
     }
-    const ToolResult r = RunTool(Invoice({"--xlsx", Path("no/such/folder.xlsx")}));
-    EXPECT_EQ(r.status, 1);
-    EXPECT_TRUE(r.Err().contains("Path not found")) << r.Err().toStdString();
+    EXPECT_EQ(ReadAll(ledger), ledgerBytes);
+    for (const char* name : {"ro.csv", "ro.xlsx", "existing.sqlite"}) EXPECT_EQ(ReadAll(Path(name)), "keep");
+    EXPECT_EQ(RunTool({"make-demo-db", Path("existing.sqlite"), "--tickets", "10", "--force"}).status, 0);
+    EXPECT_TRUE(ReadAll(Path("existing.sqlite")).startsWith("SQLite format 3"));
+    EXPECT_EQ(HiddenFiles(dir.path()), QStringList());
 }
 
 // Root passes every access check; an ordinary user is refused a folder that
 // takes no new file, before the statement is run.
 TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
-    if (::geteuid() != 0) GTEST_SKIP() << "running as another user needs root";
     const struct passwd* nobody = ::getpwnam("nobody");
-    if (!nobody) GTEST_SKIP() << "no user nobody here";
-    const uid_t uid = nobody->pw_uid;
-    const gid_t gid = nobody->pw_gid;
+    if (::geteuid() != 0 || !nobody) GTEST_SKIP() << "running as user nobody needs root";
     // The ledger readable to that user.
-    ASSERT_EQ(::chmod(QFile::encodeName(ledgerDir->path()).constData(), 0755), 0);
+    const QString ledger = DemoLedger();
+    for (const QString& path : {QFileInfo(ledger).path(), dir.path()})
+        ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0755), 0);
     ASSERT_EQ(::chmod(QFile::encodeName(ledger).constData(), 0644), 0);
-    ASSERT_EQ(::chmod(QFile::encodeName(dir.path()).constData(), 0755), 0);
-
     struct Case {
         const char* name;
         QStringList args;     // in OPEN that user may write, in CLOSED not
@@ -276,57 +246,25 @@ TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
     };
     int row = 0;
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
         const QString open = Path("open") + QString::number(++row);
         const QString closed = Path("closed") + QString::number(row);
-        ASSERT_TRUE(QDir().mkdir(open) && QDir().mkdir(closed));
-        ASSERT_EQ(::chmod(QFile::encodeName(open).constData(), 0777), 0);
-        ASSERT_EQ(::chmod(QFile::encodeName(closed).constData(), 0755), 0);
+        for (const auto& [folder, mode] : {std::pair{open, 0777}, std::pair{closed, 0755}})
+            ASSERT_TRUE(QDir().mkdir(folder) &&
+                        ::chmod(QFile::encodeName(folder).constData(), mode) == 0);
         QStringList args = c.args;
-        args.replaceInStrings(QStringLiteral("CLOSED"), closed);
-        args.replaceInStrings(QStringLiteral("OPEN"), open);
-
-        QProcess p;
-        p.setChildProcessModifier([uid, gid] {
-            if (::setgroups(0, nullptr) != 0 || ::setgid(gid) != 0 || ::setuid(uid) != 0)
-                ::_exit(126);
-        });
-        StartTool(p, args);
-        ASSERT_TRUE(p.waitForFinished(60000)) << c.name;
-        const QString err = QString::fromUtf8(p.readAllStandardError());
-        if (p.exitStatus() == QProcess::NormalExit && p.exitCode() == 126)
-            GTEST_SKIP() << "this system does not let root become nobody";
-        EXPECT_EQ(p.exitStatus(), QProcess::NormalExit) << c.name;
-        EXPECT_EQ(p.exitCode(), 1) << c.name << ' ' << err.toStdString();
+        args.replaceInStrings("CLOSED", closed).replaceInStrings("OPEN", open);
+        const ToolResult r = RunTool(args, {.user = nobody});
+        if (r.status == 126) GTEST_SKIP() << "this system does not let root become nobody";
+        EXPECT_EQ(r.status, 1) << r.Err().toStdString();
         // The path, and the folder to blame.
-        const QString refused = closed + '/' + QString::fromUtf8(c.refused);
-        EXPECT_TRUE(err.contains(refused + ": no new file can be made in " + closed))
-            << c.name << ' ' << err.toStdString();
-        for (const QString& folder : {open, closed}) {
-            const QStringList made =
-                QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-            EXPECT_TRUE(made.isEmpty())
-                << c.name << ' ' << folder.toStdString() << ": " << made.join(' ').toStdString();
-        }
+        EXPECT_TRUE(r.Err().contains(closed + '/' + c.refused + ": no new file can be made in " + closed))
+            << r.Err().toStdString();
+        for (const QString& folder : {open, closed})
+            EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                      QStringList())
+                << folder.toStdString();
     }
-}
-
-// ---- Signals leave no temporary file --------------------------------------------
-
-TEST_F(OutputFaults, SigtermDuringALargeDemoLedgerLeavesNothing) {
-    const QString target = Path("big.sqlite");
-    QProcess p;
-    StartTool(p, {"make-demo-db", target, "--tickets", "2000000"});
-    ASSERT_TRUE(WaitFor([&] { return !HiddenFiles(dir.path()).isEmpty(); }, 20000));
-    // Well into the writing.
-    ASSERT_TRUE(WaitFor(
-        [&] { return QFileInfo(dir.filePath(HiddenFiles(dir.path()).value(0))).size() > 1000000; },
-        30000));
-    ::kill(pid_t(p.processId()), SIGTERM);
-    ASSERT_TRUE(p.waitForFinished(30000));
-    EXPECT_EQ(p.exitStatus(), QProcess::CrashExit);
-    EXPECT_TRUE(HiddenFiles(dir.path()).isEmpty())
-        << HiddenFiles(dir.path()).join(' ').toStdString();
-    EXPECT_FALSE(QFile::exists(target));
 }
 
 // The program sends itself the signal right after a temporary file was made
@@ -350,7 +288,7 @@ TEST_F(OutputFaults, SignalsDuringAnExportLeaveNothing) {
         for (const Case& c : cases) {
             QTemporaryDir out;
             QStringList args = c.args;
-            args.replaceInStrings(QStringLiteral("OUT"), out.path());
+            args.replaceInStrings("OUT", out.path());
             QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
             env.insert("YUNQI_TEST_SIGNAL_AFTER_TEMPORARY",
                        QString::number(signal) + ':' + QString::fromUtf8(c.temporary));
@@ -362,10 +300,9 @@ TEST_F(OutputFaults, SignalsDuringAnExportLeaveNothing) {
             EXPECT_EQ(p.exitStatus(), QProcess::CrashExit)
                 << c.name << ' ' << signal << ' ' << p.readAllStandardError().toStdString();
             EXPECT_EQ(p.exitCode(), signal) << c.name;
-            const QStringList left =
-                QDir(out.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-            EXPECT_TRUE(left.isEmpty()) << c.name << ' ' << signal << ": "
-                                        << left.join(' ').toStdString();
+            EXPECT_EQ(QDir(out.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                      QStringList())
+                << c.name << ' ' << signal;
         }
     }
     EXPECT_EQ(FileType("/dev/null"), mode_t(S_IFCHR));

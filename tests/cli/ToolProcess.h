@@ -1,16 +1,20 @@
 #pragma once
 
+#include <grp.h>
+#include <pwd.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QStringList>
-#include <QThread>
+#include <QTemporaryDir>
 #include <csignal>
-#include <functional>
+
+#include "cli/DemoDatabase.h"
+#include "support/Files.h"
 
 namespace yunqi::test {
 
@@ -20,7 +24,6 @@ namespace yunqi::test {
 struct ToolResult {
     int status = -1;      // exit status; -1 when ended by a signal
     QByteArray out, err;  // standard output (unless sent to a file), standard error
-    qint64 elapsedMs = 0;
     QString Err() const { return QString::fromUtf8(err); }
 };
 
@@ -28,7 +31,7 @@ struct ToolOptions {
     qint64 fileSizeLimit = 0;  // bytes; 0 for none
     QString stdoutFile;        // standard output goes to this file when set
     QString workDir;
-    int timeoutMs = 120000;
+    const struct passwd* user = nullptr;  // run as this user (root only); 126 when refused
 };
 
 inline QString ToolPath() { return QStringLiteral(YUNQI_BIN_DIR "/yunqi-statement"); }
@@ -37,66 +40,48 @@ inline void StartTool(QProcess& p, const QStringList& args, const ToolOptions& o
     if (!o.stdoutFile.isEmpty()) p.setStandardOutputFile(o.stdoutFile);
     if (!o.workDir.isEmpty()) p.setWorkingDirectory(o.workDir);
     const qint64 limit = o.fileSizeLimit;
-    if (limit > 0)
-        p.setChildProcessModifier([limit] {
+    const uid_t uid = o.user ? o.user->pw_uid : 0;
+    const gid_t gid = o.user ? o.user->pw_gid : 0;
+    p.setChildProcessModifier([limit, uid, gid] {
+        if (limit > 0) {
             ::signal(SIGXFSZ, SIG_IGN);
-            struct rlimit rl {
-                rlim_t(limit), rlim_t(limit)
-            };
+            const struct rlimit rl {rlim_t(limit), rlim_t(limit)};
             ::setrlimit(RLIMIT_FSIZE, &rl);
-        });
+        }
+        if (uid != 0 && (::setgroups(0, nullptr) != 0 || ::setgid(gid) != 0 || ::setuid(uid) != 0))
+            ::_exit(126);
+    });
     p.start(ToolPath(), args);
     p.waitForStarted();
 }
 
 inline ToolResult RunTool(const QStringList& args, const ToolOptions& o = {}) {
     QProcess p;
-    QElapsedTimer clock;
-    clock.start();
     StartTool(p, args, o);
-    p.waitForFinished(o.timeoutMs);
+    p.waitForFinished(120000);
     ToolResult r;
-    r.elapsedMs = clock.elapsed();
     r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
     if (o.stdoutFile.isEmpty()) r.out = p.readAllStandardOutput();
     r.err = p.readAllStandardError();
     return r;
 }
 
-// The hidden files of a folder: the temporary names ".NAME.XXXXXX".
-inline QStringList HiddenFiles(const QString& dir) {
-    QStringList hidden;
-    for (const QString& name : QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::System))
-        if (name.startsWith(QLatin1Char('.'))) hidden << name;
-    return hidden;
+// A demo ledger of 3000 tickets, made once for the process.
+inline const QString& DemoLedger() {
+    static QTemporaryDir dir;
+    static const QString path = [] {
+        const QString file = dir.filePath("demo.sqlite");
+        WriteDemoDatabase(file, 3000, 5);
+        return file;
+    }();
+    return path;
 }
 
-inline QByteArray ReadAll(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-inline void WriteAll(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    f.open(QIODevice::WriteOnly | QIODevice::Truncate);
-    f.write(bytes);
-}
-
-inline mode_t FileType(const QString& path) {
-    struct stat st {};
-    if (::lstat(QFile::encodeName(path).constData(), &st) != 0) return 0;
-    return st.st_mode & S_IFMT;
-}
-
-// Waits until test holds (checked every few milliseconds) or the time is up.
-inline bool WaitFor(const std::function<bool()>& test, int timeoutMs) {
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < timeoutMs) {
-        if (test()) return true;
-        QThread::msleep(3);
-    }
-    return test();
+// The invoice statement of department 01 over 2024, on ledger.
+inline QStringList Invoice(const QStringList& extra, const QString& ledger = DemoLedger()) {
+    return QStringList{"invoice", "--database", ledger, "--dept", "01",
+                       "--from", "2024-01-01", "--to", "2024-12-31"} +
+           extra;
 }
 
 }  // namespace yunqi::test

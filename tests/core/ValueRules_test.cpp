@@ -25,31 +25,15 @@ long ErrorNumberOf(const std::function<void()>& call) {
 }  // namespace
 
 TEST(ValueRulesFormat, HalvesRoundAwayFromZeroOnTheFifteenDigitForm) {
-    // Binary 2.675 and 1.005 lie just below the half; the 15-digit form does not.
-    EXPECT_EQ(Format0_00(0.015), "0.02");
-    EXPECT_EQ(Format0_00(2.675), "2.68");
-    EXPECT_EQ(Format0_00(1.005), "1.01");
-    EXPECT_EQ(Format0_00(0.125), "0.13");
-    EXPECT_EQ(Format0_00(-2.675), "-2.68");
-    EXPECT_EQ(Format0_00(-0.005), "-0.01");
-    EXPECT_EQ(Format0_00(0.0049), "0.00");
-}
-
-TEST(ValueRulesFormat, CarriesAndPads) {
-    EXPECT_EQ(Format0_00(0), "0.00");
-    EXPECT_EQ(Format0_00(0.5), "0.50");
-    EXPECT_EQ(Format0_00(7), "7.00");
-    EXPECT_EQ(Format0_00(0.995), "1.00");
-    EXPECT_EQ(Format0_00(99.995), "100.00");
-    EXPECT_EQ(Format0_00(1234567.891), "1234567.89");
-    EXPECT_EQ(Format0_00(123456789012.345), "123456789012.35");
-    EXPECT_EQ(Format0_00(1e-20), "0.00");
-}
-
-TEST(ValueRulesFormat, NegativeThatRoundsToZeroKeepsItsSign) {
-    EXPECT_EQ(Format0_00(-0.001), "-0.00");
-    EXPECT_EQ(Format0_00(-1.1e-16), "-0.00");
-    EXPECT_EQ(Format0_00(-0.0049), "-0.00");
+    // Binary 2.675 and 1.005 lie just below the half; the 15-digit form does
+    // not. A negative that rounds to zero keeps its sign.
+    for (const auto& [value, text] : std::vector<std::pair<double, QString>>{
+             {0.015, "0.02"}, {2.675, "2.68"}, {1.005, "1.01"}, {0.125, "0.13"}, {-2.675, "-2.68"},
+             {-0.005, "-0.01"}, {0.0049, "0.00"}, {0, "0.00"}, {0.5, "0.50"}, {7, "7.00"},
+             {0.995, "1.00"}, {99.995, "100.00"}, {1234567.891, "1234567.89"},
+             {123456789012.345, "123456789012.35"}, {1e-20, "0.00"}, {-0.001, "-0.00"},
+             {-1.1e-16, "-0.00"}, {-0.0049, "-0.00"}})
+        EXPECT_EQ(Format0_00(value), text) << value;
 }
 
 TEST(ValueRulesFormat, Round2IsTheFormattedTextReadBack) {
@@ -67,66 +51,27 @@ TEST(ValueRulesFormat, Round2IsTheFormattedTextReadBack) {
     }
 }
 
-TEST(ValueRulesFormat, Round2ReadsTheFormattedTextBack) {
-    EXPECT_EQ(Round2(2.675), 2.68);
-    EXPECT_EQ(Round2(0.015), 0.02);
-    EXPECT_EQ(Round2(-0.001), 0.0);
-    EXPECT_EQ(Round2(10.0 / 3), 3.33);
-    // Products that land a hair off the half, as the split shares do.
-    EXPECT_EQ(Round2(100.5 * 0.3), 30.15);
-    EXPECT_EQ(Round2(10.01 * 0.3), 3.0);
-}
-
-TEST(ValueRulesFormat, TwoDigitsPadWithoutCutting) {
-    EXPECT_EQ(Format00(0), "00");
-    EXPECT_EQ(Format00(5), "05");
-    EXPECT_EQ(Format00(12), "12");
-    EXPECT_EQ(Format00(123), "123");
-    EXPECT_EQ(Format00(-5), "-05");
-}
-
 TEST(ValueRulesVal, LongestLeadingNumberWithBlanksSkipped) {
-    EXPECT_EQ(Val(" 70%"), 70);
-    EXPECT_EQ(Val("abc"), 0);
-    EXPECT_EQ(Val(""), 0);
-    EXPECT_EQ(Val("2.5"), 2.5);
-    EXPECT_EQ(Val("1 2 3"), 123);
-    EXPECT_EQ(Val("-3.5x"), -3.5);
-    EXPECT_EQ(Val(".5"), 0.5);
-    EXPECT_EQ(Val("1.2.3"), 1.2);
-    EXPECT_EQ(Val("12abc"), 12);
-    EXPECT_EQ(Val("-"), 0);
-    EXPECT_EQ(Val("70 %"), 70);
-}
-
-TEST(ValueRulesVal, ExponentOnlyWithDigitsBehindIt) {
-    EXPECT_EQ(Val("1e3"), 1000);
-    EXPECT_EQ(Val("1e"), 1);
-    EXPECT_EQ(Val("2e-1x"), 0.2);
+    // An exponent counts only with digits behind it.
+    for (const auto& [text, value] : std::vector<std::pair<QString, double>>{
+             {" 70%", 70}, {"abc", 0}, {"", 0}, {"2.5", 2.5}, {"1 2 3", 123}, {"-3.5x", -3.5},
+             {".5", 0.5}, {"1.2.3", 1.2}, {"12abc", 12}, {"-", 0}, {"70 %", 70}, {"1e3", 1000},
+             {"1e", 1}, {"2e-1x", 0.2}})
+        EXPECT_EQ(Val(text), value) << text.toStdString();
 }
 
 TEST(ValueRulesDoubleText, FifteenDigitsNoExponentNoTrailingZeros) {
-    EXPECT_EQ(DoubleText(0.3), "0.3");
-    EXPECT_EQ(DoubleText(0.333), "0.333");
-    EXPECT_EQ(DoubleText(33.3 / 100), "0.333");
-    EXPECT_EQ(DoubleText(0.1 + 0.2), "0.3");
-    EXPECT_EQ(DoubleText(1), "1");
-    EXPECT_EQ(DoubleText(0), "0");
-    EXPECT_EQ(DoubleText(5), "5");
-    EXPECT_EQ(DoubleText(0.07 * 100), "7");
-    EXPECT_EQ(DoubleText(-2.5), "-2.5");
-    EXPECT_EQ(DoubleText(1e-5), "0.00001");
-    EXPECT_EQ(DoubleText(1e15), "1000000000000000");
-    EXPECT_EQ(DoubleText(123456.789), "123456.789");
+    for (const auto& [value, text] : std::vector<std::pair<double, QString>>{
+             {0.3, "0.3"}, {33.3 / 100, "0.333"}, {0.1 + 0.2, "0.3"}, {1, "1"}, {0, "0"},
+             {0.07 * 100, "7"}, {-2.5, "-2.5"}, {1e-5, "0.00001"}, {1e15, "1000000000000000"},
+             {123456.789, "123456.789"}})
+        EXPECT_EQ(DoubleText(value), text) << value;
 }
 
 TEST(ValueRulesRounding, TiesGoToEven) {
-    EXPECT_EQ(RoundHalfEven(2.5), 2);
-    EXPECT_EQ(RoundHalfEven(3.5), 4);
-    EXPECT_EQ(RoundHalfEven(0.5), 0);
-    EXPECT_EQ(RoundHalfEven(-2.5), -2);
-    EXPECT_EQ(RoundHalfEven(2.4999), 2);
-    EXPECT_EQ(RoundHalfEven(2.51), 3);
+    for (const auto& [value, rounded] : std::vector<std::pair<double, int>>{
+             {2.5, 2}, {3.5, 4}, {0.5, 0}, {-2.5, -2}, {2.4999, 2}, {2.51, 3}})
+        EXPECT_EQ(RoundHalfEven(value), rounded) << value;
 }
 
 TEST(ValueRulesRounding, BeyondThirtyTwoBitsOverflows) {

@@ -8,38 +8,44 @@
 
 using namespace yunqi;
 
-// A read that fails halfway is the driver's error, never the end of the rows.
-TEST(DatabaseFaultsTest, AReadThatFailsHalfwayIsNoEnd) {
+// A failure is the driver's error with its number, never the end of the rows.
+TEST(DatabaseFaultsTest, FailuresAreTheDriversNeverAnEnd) {
     TestDatabase db;
     db.Exec("CREATE TABLE n (x INTEGER)");
     db.Exec("INSERT INTO n VALUES (1),(2),(3),(4)");
-    auto session = db.Session();
-    // abs() of the smallest integer fails at the third row, after two were read.
-    Recordset rs = session->Open(
-        "Select Case When x < 3 Then x Else abs(-9223372036854775807 - 1) End As v From n");
-    int read = 0;
-    try {
-        for (; !rs.AtEnd(); rs.MoveNext()) ++read;
-        ADD_FAILURE() << "the failed read passed for the end after " << read << " rows";
-    } catch (const RuntimeError& e) {
-        EXPECT_EQ(read, 2);
-        EXPECT_TRUE(e.description().contains("integer overflow")) << e.description().toStdString();
-    }
-}
-
-TEST(DatabaseFaultsTest, ATextFileIsNoLedger) {
-    TestDatabase db;
+    const QString text = db.Path() + ".txt";
     {
-        QFile f(db.Path() + ".txt");
+        QFile f(text);
         ASSERT_TRUE(f.open(QIODevice::WriteOnly));
         f.write("this is no ledger, only text\n");
     }
-    auto session = DatabaseSession::OpenEmbedded(db.Path() + ".txt");
-    try {
-        session->Open("Select * From 票据类型");
-        ADD_FAILURE();
-    } catch (const RuntimeError& e) {
-        EXPECT_EQ(e.number(), 26);
-        EXPECT_EQ(e.description(), "file is not a database");
+    struct Case {
+        const char* name;
+        QString file, sql;
+        int rowsRead;
+        long number;
+        const char* description;
+    };
+    const Case cases[] = {
+        {"a missing table", db.Path(), "Select * From no_such_table", 0, 1,
+         "no such table: no_such_table"},
+        // abs() of the smallest integer fails at the third row.
+        {"a read that fails halfway", db.Path(),
+         "Select Case When x < 3 Then x Else abs(-9223372036854775807 - 1) End From n", 2, 1,
+         "integer overflow"},
+        {"a text file", text, "Select * From 票据类型", 0, 26, "file is not a database"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        auto session = DatabaseSession::OpenEmbedded(c.file);
+        int read = 0;
+        try {
+            for (Recordset rs = session->Open(c.sql); !rs.AtEnd(); rs.MoveNext()) ++read;
+            ADD_FAILURE() << "the failure passed for the end after " << read << " rows";
+        } catch (const RuntimeError& e) {
+            EXPECT_EQ(read, c.rowsRead);
+            EXPECT_EQ(e.number(), c.number);
+            EXPECT_EQ(e.description(), c.description);
+        }
     }
 }

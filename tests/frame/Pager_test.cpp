@@ -2,37 +2,29 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
+
+#include "cli/GridCsv.h"
 #include "core/RuntimeError.h"
+#include "frame/Conditions.h"
+#include "frame/SplitRatios.h"
+#include "frame/TextMeasure.h"
+#include "reports/Reports.h"
+#include "support/TestDatabase.h"
 
 using namespace yunqi;
-
 using namespace Pager;
 
-TEST(PagerArithmetic, PageSizeRoundsAfterTakingTheHeaderRowOff) {
-    EXPECT_EQ(PageSizeFor(7500, 300), 24);
-    EXPECT_EQ(PageSizeFor(7000, 300), 22);  // 22.33
-    // 21.5 and 20.5: rounding before subtracting would give 21 both times.
-    EXPECT_EQ(PageSizeFor(6750, 300), 22);
-    EXPECT_EQ(PageSizeFor(6450, 300), 20);
-    EXPECT_EQ(PageSizeFor(600, 300), 1);
-}
-
-TEST(PagerArithmetic, PageCountAddsAPageOnlyForARemainder) {
-    EXPECT_EQ(PageCountOf(10, 5), 2);
-    EXPECT_EQ(PageCountOf(11, 5), 3);
-    EXPECT_EQ(PageCountOf(22, 22), 1);
-    EXPECT_EQ(PageCountOf(23, 22), 2);
-    EXPECT_EQ(PageCountOf(1, 22), 1);
-    EXPECT_EQ(PageCountOf(0, 22), 0);
-    try {
-        PageCountOf(3, 0);
-        ADD_FAILURE() << "no error for a page size of 0";
-    } catch (const RuntimeError& e) {
-        EXPECT_EQ(e.number(), 11);
-    }
-}
-
-TEST(PagerArithmetic, FirstRowOfAPageCountsAcrossPages) {
+TEST(PagerArithmetic, PageSizeCountAndFirstRow) {
+    // Rounded after the header row is taken off: 21.5 and 20.5 would both give 21.
+    for (const auto& [height, size] : std::vector<std::pair<int, int>>{
+             {7500, 24}, {7000, 22}, {6750, 22}, {6450, 20}, {600, 1}})
+        EXPECT_EQ(PageSizeFor(height, 300), size) << height;
+    // {rows, page size, pages}: a page more only for a remainder.
+    for (const auto& [rows, size, pages] : std::vector<std::tuple<int, int, int>>{
+             {10, 5, 2}, {11, 5, 3}, {22, 22, 1}, {23, 22, 2}, {1, 22, 1}, {0, 22, 0}})
+        EXPECT_EQ(PageCountOf(rows, size), pages) << rows << '/' << size;
+    EXPECT_THROW(PageCountOf(3, 0), RuntimeError);
     EXPECT_EQ(FirstRowOf(1, 22), 1);
     EXPECT_EQ(FirstRowOf(3, 22), 45);
 }
@@ -40,48 +32,66 @@ TEST(PagerArithmetic, FirstRowOfAPageCountsAcrossPages) {
 TEST(PagerText, PadsToTwoDigitsWithoutCutting) {
     EXPECT_EQ(PageText(1, 3), "第 01 页 共 03 页");
     EXPECT_EQ(PageText(12, 123), "第 12 页 共 123 页");
-    EXPECT_EQ(PageText(123, 123), "第 123 页 共 123 页");
-    EXPECT_EQ(EmptyPageText(), "第 00 页 共 00 页");
     EXPECT_EQ(PageText(0, 0), EmptyPageText());
 }
 
 TEST(PagerImages, StayInsideTheStatement) {
-    EXPECT_EQ(TargetPage(PagerImage::First, 3, 5), 1);
-    EXPECT_EQ(TargetPage(PagerImage::Last, 3, 5), 5);
-    EXPECT_EQ(TargetPage(PagerImage::Previous, 3, 5), 2);
-    EXPECT_EQ(TargetPage(PagerImage::Previous, 2, 5), 1);
-    EXPECT_EQ(TargetPage(PagerImage::Previous, 1, 5), 1);
-    EXPECT_EQ(TargetPage(PagerImage::Previous, 0, 5), 1);
-    EXPECT_EQ(TargetPage(PagerImage::Next, 3, 5), 4);
-    EXPECT_EQ(TargetPage(PagerImage::Next, 5, 5), 5);
-    EXPECT_EQ(TargetPage(PagerImage::Next, 1, 1), 1);
-    // A page beyond the count (left by a resize) goes back to the last.
-    EXPECT_EQ(TargetPage(PagerImage::Next, 7, 5), 5);
+    using enum PagerImage;
+    // {image, current page, target} of five pages; a page beyond the count
+    // (left by a resize) goes back to the last.
+    for (const auto& [image, current, target] : std::vector<std::tuple<PagerImage, int, int>>{
+             {First, 3, 1}, {Last, 3, 5}, {Previous, 3, 2}, {Previous, 1, 1}, {Previous, 0, 1},
+             {Next, 3, 4}, {Next, 5, 5}, {Next, 7, 5}})
+        EXPECT_EQ(TargetPage(image, current, 5), target) << int(image) << ' ' << current;
+    EXPECT_EQ(TargetPage(Next, 1, 1), 1);
 }
 
-TEST(PagerImages, ToolTips) {
-    EXPECT_EQ(ToolTipOf(PagerImage::First), "首页");
-    EXPECT_EQ(ToolTipOf(PagerImage::Previous), "上一页");
-    EXPECT_EQ(ToolTipOf(PagerImage::Next), "下一页");
-    EXPECT_EQ(ToolTipOf(PagerImage::Last), "尾页");
+TEST(PagerPageText, NumericValueRoundedTiesToEvenWithinTheCount) {
+    // {text, pages, page or 0 for none}; the range is checked before rounding.
+    for (const auto& [text, pages, page] : std::vector<std::tuple<QString, int, int>>{
+             {"2", 3, 2}, {" 3页", 3, 3}, {"2.5", 3, 2}, {"3.5", 4, 4}, {"1.5", 4, 2},
+             {"0.4", 3, 0}, {"0", 3, -1}, {"abc", 3, -1}, {"", 3, -1}, {"-1", 3, -1},
+             {"4", 3, -1}, {"3.5", 3, -1}, {"1", 0, -1}})
+        EXPECT_EQ(PageFromText(text, pages).value_or(-1), page) << text.toStdString();
 }
 
-TEST(PagerPageText, NumericValueRoundedTiesToEven) {
-    EXPECT_EQ(PageFromText("2", 3), 2);
-    EXPECT_EQ(PageFromText(" 3页", 3), 3);
-    EXPECT_EQ(PageFromText("2.5", 3), 2);
-    EXPECT_EQ(PageFromText("3.5", 4), 4);
-    EXPECT_EQ(PageFromText("1.5", 4), 2);
-    // The range is checked before rounding.
-    EXPECT_EQ(PageFromText("0.4", 3), 0);
+// Each paged statement on the golden ledger, shown page by page at every page
+// size: the pages hold the statement's rows in order, numbered across pages,
+// the total and 其中 rows included, as the companion's CSV lists them.
+class PagedStatements : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(PagedStatements, PagesTogetherAreTheWholeStatement) {
+    TestDatabase db;
+    FillGoldenLedger(db);
+    auto session = db.Session();
+    const StatementConditions conditions{"D1", "GY01", Conditions::LoadInvoiceTypes(*session),
+                                         QDate(2024, 3, 1), QDate(2024, 3, 31)};
+    auto statement = FindReport(GetParam())->makePaged(*session);
+    FlexGrid grid1, grid2 = SplitRatios::NewGrid();
+    statement->InitGridHeader(grid1);
+    statement->ExtractFeeItems(conditions, grid2, grid1);
+    ASSERT_EQ(grid2.Rows(), 2);
+    grid2.SetTextMatrix(1, SplitRatios::kDeveloperCol, "66.7");
+    grid2.SetTextMatrix(1, SplitRatios::kPropertyCol, "33.3");
+    statement->BuildGridHeader(grid1, grid2);
+    QFile golden(QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/") + GetParam() + "/statement.csv");
+    ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
+    const QString whole = QString::fromUtf8(golden.readAll()).section('\n', 2);
+    ASSERT_TRUE(statement->RunStatistics(conditions, grid2, 1));
+    const int records = statement->UpperBound();
+    for (int size = 1; size <= records + 1; ++size) {
+        SCOPED_TRACE(size);
+        ASSERT_TRUE(statement->RunStatistics(conditions, grid2, size));
+        ASSERT_EQ(statement->PageCount(), (records + size - 1) / size);
+        QString pages;
+        for (int page = 1; page <= statement->PageCount(); ++page) {
+            statement->ShowPage(grid1, page, size, EstimatedTextMeasure());
+            pages += GridCsv(grid1, 2);
+        }
+        EXPECT_EQ(pages, whole);
+    }
 }
 
-TEST(PagerPageText, NothingOutsideOneToPageCount) {
-    EXPECT_FALSE(PageFromText("0", 3));
-    EXPECT_FALSE(PageFromText("abc", 3));
-    EXPECT_FALSE(PageFromText("", 3));
-    EXPECT_FALSE(PageFromText("-1", 3));
-    EXPECT_FALSE(PageFromText("4", 3));
-    EXPECT_FALSE(PageFromText("3.5", 3));
-    EXPECT_FALSE(PageFromText("1", 0));  // before any run
-}
+INSTANTIATE_TEST_SUITE_P(Reports, PagedStatements,
+                         ::testing::Values("invoice", "preinvoice", "parking"),
+                         [](const auto& info) { return std::string(info.param); });

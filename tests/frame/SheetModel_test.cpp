@@ -7,29 +7,28 @@ using namespace yunqi;
 using VT = SheetModel::ValueType;
 
 TEST(SheetModelTest, AssignedTextConvertsAsTheSpreadsheetDoes) {
+    struct Case {
+        QString text;
+        VT type;
+        double number;
+        QString shown;
+    };
+    const Case cases[] = {
+        {"'00123", VT::Text, 0, "00123"},  {"00123", VT::Number, 123, ""},
+        {"-12.50", VT::Number, -12.5, ""}, {"2013-05-06", VT::Date, 41400, ""},  // its serial
+        {"合  计", VT::Text, 0, "合  计"},  {"'", VT::Text, 0, ""},
+        {"2013-02-30", VT::Text, 0, "2013-02-30"}, {"12 楼", VT::Text, 0, "12 楼"},
+    };
     SheetModel sheet;
-    sheet.Cells(1, 1).SetValue("'00123");
-    sheet.Cells(1, 2).SetValue("00123");
-    sheet.Cells(1, 3).SetValue("-12.50");
-    sheet.Cells(1, 4).SetValue("2013-05-06");
-    sheet.Cells(1, 5).SetValue("合  计");
-    sheet.Cells(1, 6).SetValue("'");
-    sheet.Cells(1, 7).SetValue("2013-02-30");
-    sheet.Cells(1, 8).SetValue("12 楼");
+    for (const Case& c : cases) {
+        sheet.Cells(1, 1).SetValue(c.text);
+        EXPECT_EQ(sheet.ValueAt(1, 1).type, c.type) << c.text.toStdString();
+        if (c.type == VT::Text)
+            EXPECT_EQ(sheet.ValueAt(1, 1).text, c.shown) << c.text.toStdString();
+        else
+            EXPECT_EQ(sheet.ValueAt(1, 1).number, c.number) << c.text.toStdString();
+    }
     sheet.Cells(1, 9).SetValue(7.0);
-    EXPECT_EQ(sheet.ValueAt(1, 1).type, VT::Text);
-    EXPECT_EQ(sheet.ValueAt(1, 1).text, "00123");
-    EXPECT_EQ(sheet.ValueAt(1, 2).type, VT::Number);
-    EXPECT_EQ(sheet.ValueAt(1, 2).number, 123);
-    EXPECT_EQ(sheet.ValueAt(1, 3).number, -12.5);
-    EXPECT_EQ(sheet.ValueAt(1, 4).type, VT::Date);
-    EXPECT_EQ(sheet.ValueAt(1, 4).number, 41400);  // the spreadsheet's serial of 2013-05-06
-    EXPECT_EQ(sheet.ValueAt(1, 5).type, VT::Text);
-    EXPECT_EQ(sheet.ValueAt(1, 5).text, "合  计");
-    EXPECT_EQ(sheet.ValueAt(1, 6).type, VT::Text);
-    EXPECT_EQ(sheet.ValueAt(1, 6).text, "");
-    EXPECT_EQ(sheet.ValueAt(1, 7).type, VT::Text);
-    EXPECT_EQ(sheet.ValueAt(1, 8).type, VT::Text);
     EXPECT_EQ(sheet.ValueAt(1, 9).number, 7);
     EXPECT_EQ(sheet.ValueAt(5, 5).type, VT::Empty);
 }

@@ -75,10 +75,10 @@ TYPED_TEST(TicketAmounts, FourDecimalsAreRoundedToTheCentWhenRead) {
         // A day of its own: a batch of its own in the parking statement.
         const QString no = QStringLiteral("T%1").arg(i + 1);
         const QString day = QStringLiteral("2024-03-%1").arg(i + 10);
-        this->db.AddTicket(no, "S1", day, PaidOn<TypeParam>(day), QString(),
-                           c.ordinary.amount + c.parking.amount, "现金", "甲", QString(), "D1");
-        this->db.AddLine("S1", no, "01", c.ordinary.amount, c.ordinary.tax);
-        this->db.AddLine("S1", no, "02", c.parking.amount, c.parking.tax);
+        this->db.Add({.no = no, .issued = day, .paid = PaidOn<TypeParam>(day),
+                      .amount = c.ordinary.amount + c.parking.amount, .item = ""});
+        this->db.Line(no, "01", c.ordinary.amount, c.ordinary.tax);
+        this->db.Line(no, "02", c.parking.amount, c.parking.tax);
     }
     ASSERT_TRUE(this->Run());
 

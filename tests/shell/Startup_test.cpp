@@ -3,10 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QTemporaryDir>
-#include <cstdio>
-#include <cstdlib>
 
 #include "core/Dialogs.h"
 #include "db/OpenDatabase.h"
@@ -37,52 +34,6 @@ class StartUpTest : public ::testing::Test {
     RecordingDialogs dialogs;
 };
 
-// QSettings looks for its folder once per process, so each case runs Main in a
-// process of its own, with XDG_CONFIG_HOME pointing at a folder of the test.
-class MainTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        GTEST_FLAG_SET(death_test_style, "threadsafe");
-        saved = qgetenv("XDG_CONFIG_HOME");
-        qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
-    }
-    void TearDown() override {
-        if (saved.isNull())
-            qunsetenv("XDG_CONFIG_HOME");
-        else
-            qputenv("XDG_CONFIG_HOME", saved);
-    }
-    void WriteStore(const QString& text) {
-        QDir(config.path()).mkpath("云栖账房");
-        QFile f(config.filePath("云栖账房/云栖账房.ini"));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(text.toUtf8());
-    }
-    // Runs Main with recording dialogs and ends the process: status 0 when
-    // check() holds, else 1 with what was seen on stderr.
-    // The process ends without destructors, so it removes its own folders.
-    [[noreturn]] void RunMain(const std::function<bool(int, bool, RecordingDialogs&)>& check,
-                              const QString& ledger = QString()) {
-        RecordingDialogs dialogs;
-        SetAppDialogs(&dialogs);
-        bool shown = false;
-        const int status = Main([&] { shown = true; });
-        const bool ok = check(status, shown, dialogs);
-        if (!ok) {
-            std::fprintf(stderr, "status %d shown %d edition %s\n", status, int(shown),
-                         qPrintable(AppSession().SessionEdition));
-            for (const auto& m : dialogs.messages)
-                std::fprintf(stderr, "%s | %s\n", qPrintable(m.title), qPrintable(m.text));
-        }
-        std::fflush(stderr);
-        QDir(config.path()).removeRecursively();
-        if (!ledger.isEmpty()) QFileInfo(ledger).dir().removeRecursively();
-        std::_Exit(ok ? 0 : 1);
-    }
-    QTemporaryDir config;
-    QByteArray saved;
-};
-
 }  // namespace
 
 TEST(ConnectionTextTest, ValuesGoInAsTheyStand) {
@@ -94,23 +45,6 @@ TEST(ConnectionTextTest, ValuesGoInAsTheyStand) {
               "DRIVER={FreeTDS};SERVER=db.local;PORT=1433;DATABASE=账房;UID=sa;PWD={p;w}}d};"
               "TDS_Version=7.1;APP=" + QCoreApplication::applicationName() +
                   ";ClientCharset=UTF-8");
-}
-
-TEST_F(StartUpTest, NoSectionMeansDefaultsAndTwoMessagesInOrder) {
-    const DbSettings s = FromIni("[Other]\nx=1\n");
-    EXPECT_EQ(s.Edition, "2000");
-    EXPECT_EQ(s.Driver, DefaultDriver());
-    EXPECT_TRUE(s.Svr.isEmpty() && s.UID.isEmpty() && s.PWD.isEmpty() && s.DBname.isEmpty());
-    bool shown = false;
-    EXPECT_EQ(StartUp(s, [&] { shown = true; }), 1);
-    EXPECT_FALSE(shown);
-    EXPECT_EQ(AppSession().SessionEdition, "2000");
-    ASSERT_EQ(dialogs.messages.size(), 2u);
-    EXPECT_TRUE(dialogs.messages[0].text.startsWith("错误信息："));
-    EXPECT_GT(dialogs.messages[0].text.size(), 5);
-    EXPECT_EQ(dialogs.messages[0].title, "信息文本");
-    EXPECT_EQ(dialogs.messages[1].text, "数据库连接失败!");
-    EXPECT_EQ(dialogs.messages[1].title, "连接提示");
 }
 
 TEST_F(StartUpTest, FreeTdsOnAClosedPortGivesTheDriversDescription) {
@@ -156,37 +90,6 @@ TEST(ConnectionTextTest, OdbcServerForms) {
     s.PWD = " {x} ";
     EXPECT_TRUE(OdbcConnectionString(s).contains("SERVER=db.local;PORT=1433;"));
     EXPECT_TRUE(OdbcConnectionString(s).contains(";PWD= {x} ;"));
-}
-
-TEST_F(MainTest, ReadsTheStoreUnderXdgConfigHome) {
-    TestDatabase db;
-    WriteStore("[DBConfig]\nEdition=2012\nDriver=SQLite\nDBname=\"" + db.Path() +
-               "\"\nUID=sa\nPWD=\"p;w'd\"\n");
-    EXPECT_EXIT(RunMain([](int status, bool shown, RecordingDialogs& dialogs) {
-                    const SessionState& st = AppSession();
-                    return status == 0 && shown && dialogs.messages.empty() &&
-                           st.SessionEdition == "2012" && st.SessionConnection &&
-                           st.SessionConnectionText.startsWith(
-                               "Provider=SQLOLEDB.1;Password=p;w'd;Persist Security "
-                               "Info=False;User ID=sa;Initial Catalog='");
-                }, db.Path()),
-                ::testing::ExitedWithCode(0), "");
-}
-
-TEST_F(MainTest, NoStoreMeansEdition2000AndTwoMessages) {
-    EXPECT_EXIT(RunMain([](int status, bool shown, RecordingDialogs& dialogs) {
-                    const auto& m = dialogs.messages;
-                    return status == 1 && !shown && AppSession().SessionEdition == "2000" &&
-                           AppSession().SessionConnectionText ==
-                               "Provider=SQLOLEDB.1;Password=;Persist Security Info=False;User "
-                               "ID=;Initial Catalog='';Data Source=''" &&
-                           m.size() == 2 && m[0].title == "信息文本" &&
-                           m[0].text.startsWith("错误信息：[FreeTDS]") &&
-                           m[0].icon == MsgIcon::Information && m[1].title == "连接提示" &&
-                           m[1].text == "数据库连接失败!" && m[1].icon == MsgIcon::Information &&
-                           m[1].buttons == MsgButtons::Ok;
-                }),
-                ::testing::ExitedWithCode(0), "");
 }
 
 TEST(CenterInMainWindowTest, HalvesTheFreeSpaceInSinglePrecision) {

@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QList>
 #include <algorithm>
-#include <utility>
 
 namespace yunqi {
 
@@ -119,55 +118,28 @@ QString FirstDifference(const QByteArray& actual, const QByteArray& expected) {
     qsizetype k = 0;
     while (k < got.size() && k < want.size() && got[k] == want[k]) ++k;
     // The column in characters, as an editor counts it.
-    qsizetype shownColumn = 0;
+    qsizetype column = 0;
     if (k < got.size() && k < want.size()) {
         const QString a = QString::fromUtf8(got[k]), b = QString::fromUtf8(want[k]);
-        while (shownColumn < a.size() && shownColumn < b.size() && a[shownColumn] == b[shownColumn])
-            ++shownColumn;
+        while (column < a.size() && column < b.size() && a[column] == b[column]) ++column;
     }
-
-    // The first hunk: the fewest lines dropped from the one and added to the
-    // other after which both go on alike for a few lines, or end together.
-    auto alike = [&](qsizetype i, qsizetype j) {
-        for (qsizetype n = 0; n < 3; ++n) {
-            const bool inWant = i + n < want.size(), inGot = j + n < got.size();
-            if (!inWant || !inGot) return inWant == inGot;
-            if (want[i + n] != got[j + n]) return false;
-        }
-        return true;
-    };
-    auto firstHunk = [&]() -> std::pair<qsizetype, qsizetype> {
-        for (qsizetype d = 1; d <= 400; ++d)
-            for (qsizetype i = 0; i <= d; ++i)
-                if (k + i <= want.size() && k + d - i <= got.size() && alike(k + i, k + d - i))
-                    return {i, d - i};
-        return {want.size() - k, got.size() - k};
-    };
-    const auto [dropped, added] = firstHunk();
-
     QString text =
         QStringLiteral("first difference at line %1, column %2 (expected %3 lines, got %4):\n")
             .arg(k + 1)
-            .arg(shownColumn + 1)
+            .arg(column + 1)
             .arg(LineCount(expected))
             .arg(LineCount(actual));
-    auto add = [&](const char* mark, const QList<QByteArray>& lines, qsizetype n) {
-        text += QStringLiteral("%1 %2  %3\n")
-                    .arg(QLatin1String(mark))
-                    .arg(n + 1, 5)
-                    .arg(Shown(lines[n], shownColumn));
+    // A few lines before, then the expected lines and the produced ones from there.
+    auto add = [&](const char* mark, const QList<QByteArray>& lines, qsizetype from, qsizetype to) {
+        for (qsizetype n = std::max<qsizetype>(0, from); n < std::min(to, lines.size()); ++n)
+            text += QStringLiteral("%1 %2  %3\n")
+                        .arg(QLatin1String(mark))
+                        .arg(n + 1, 5)
+                        .arg(Shown(lines[n], column));
     };
-    auto addSome = [&](const char* mark, const QList<QByteArray>& lines, qsizetype from,
-                       qsizetype count) {
-        for (qsizetype n = from; n < from + std::min<qsizetype>(count, 8); ++n) add(mark, lines, n);
-        if (count > 8)
-            text += QStringLiteral("%1 (%2 more)\n").arg(QLatin1String(mark)).arg(count - 8);
-    };
-    for (qsizetype n = std::max<qsizetype>(0, k - 3); n < k; ++n) add(" ", want, n);
-    addSome("-", want, k, dropped);
-    addSome("+", got, k, added);
-    for (qsizetype n = k + dropped; n < std::min(k + dropped + 2, want.size()); ++n)
-        add(" ", want, n);
+    add(" ", want, k - 3, k);
+    add("-", want, k, k + 4);
+    add("+", got, k, k + 4);
     return text;
 }
 

@@ -11,7 +11,8 @@ namespace yunqi {
 QByteArray PrettyXml(const QByteArray& xml);
 
 // Where two texts part, for a failure message: the first differing line with
-// its number and a few lines around it. Empty when they are the same.
+// its number, a few lines before it, and a few of each text from there.
+// Empty when they are the same.
 QString FirstDifference(const QByteArray& actual, const QByteArray& expected);
 
 // Compares produced bytes with a golden file and tells the first difference;

@@ -14,6 +14,9 @@
 #include <QTest>
 
 #include "frame/widgets/FlexGridView.h"
+#include "frame/widgets/PagedReportWindow.h"
+#include "reports/Reports.h"
+#include "shell/widgets/MainWindow.h"
 
 namespace yunqi::testing {
 
@@ -74,6 +77,44 @@ inline void ScrollByClicks(QScrollBar* bar, int clicks) {
         QTest::mouseClick(bar, Qt::LeftButton, {}, at);
         Settle();
     }
+}
+
+// A control of a window by its design name.
+template <typename T = QWidget>
+T* Child(QWidget* w, const char* name) {
+    T* child = w->findChild<T*>(QString::fromUtf8(name));
+    EXPECT_TRUE(child) << name;
+    return child;
+}
+
+inline void ClickButton(QWidget* w, const char* name) { Click(Child<QAbstractButton>(w, name)); }
+
+// Text typed into a box, then Enter.
+inline void Type(QWidget* w, const QString& text) {
+    QTest::keyClicks(w, text);
+    QTest::keyClick(w, Qt::Key_Return);
+    Settle();
+}
+
+// The main program's window with a menu entry for every report, shown at a
+// working size.
+inline std::unique_ptr<MainWindow> MainWindowOfAllReports(DatabaseSession& session) {
+    std::map<QString, MainWindow::WindowFactory> windows;
+    for (const ReportDefinition* report : AllReports())
+        windows.emplace(report->menuEntry,
+                        [report, &session] { return NewReportWindow(*report, session); });
+    auto main = std::make_unique<MainWindow>(std::move(windows));
+    main->resize(1400, 1000);
+    main->show();
+    Settle();
+    return main;
+}
+
+// The window of a 统计报表 entry, chosen with the mouse.
+template <typename T = ReportWindow>
+T* OpenFromMenu(MainWindow& main, const QString& entry) {
+    ChooseFromMenu(main.menuBar(), QStringLiteral("统计报表"), entry);
+    return qobject_cast<T*>(main.OpenWindow(entry));
 }
 
 }  // namespace yunqi::testing

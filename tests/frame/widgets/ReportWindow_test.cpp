@@ -1,74 +1,62 @@
-// The invoice window as an operator meets it: opened from the menu of the
+// The report windows as an operator meets them: opened from the menu of the
 // main window, driven by mouse and keys in a real event loop.
 #include "frame/widgets/ReportWindow.h"
 
 #include <gtest/gtest.h>
 
+#include <QComboBox>
 #include <QDateEdit>
 #include <QFile>
-#include <QHeaderView>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMdiSubWindow>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QToolButton>
 
 #include "cli/DemoDatabase.h"
+#include "cli/GridCsv.h"
 #include "core/Dialogs.h"
 #include "core/RuntimeError.h"
 #include "db/SessionState.h"
+#include "frame/Pager.h"
 #include "frame/widgets/EventDriver.h"
-#include "frame/widgets/PagedReportWindow.h"
-#include "reports/Reports.h"
-#include "shell/widgets/MainWindow.h"
+#include "frame/widgets/MonthlyReportWindow.h"
+#include "reports/invoice/InvoiceStatement.h"
+#include "support/GoldenText.h"
 #include "support/TestDatabase.h"
+#include "support/ZipParts.h"
+
+namespace yunqi {
+// Test names by the report's command, not its address.
+void PrintTo(const ReportDefinition* report, std::ostream* os) { *os << report->command.toStdString(); }
+}  // namespace yunqi
 
 using namespace yunqi;
 using namespace yunqi::testing;
 
 namespace {
 
-const QString kEntry = QStringLiteral("增值税开票明细表");
+const QString kInvoice = QStringLiteral("增值税开票明细表");
+const QString kReconciliation = QStringLiteral("开票票据核对表");
 
-// A statement that tells the test what the window shows while it works.
-class WatchedStatement : public PagedStatement {
+// The invoice statement telling the test what the window shows while it works.
+class WatchedStatement : public InvoiceStatement {
   public:
     struct Hooks {
         std::function<void()> onBuildHeader, onShowPage;
     };
-    WatchedStatement(std::unique_ptr<PagedStatement> inner, const Hooks& hooks)
-        : inner_(std::move(inner)), hooks_(hooks) {}
-    void InitGridHeader(FlexGrid& g) const override { inner_->InitGridHeader(g); }
-    Trapped ExtractFeeItems(const StatementConditions& c, FlexGrid& g2, FlexGrid& g1) override {
-        return inner_->ExtractFeeItems(c, g2, g1);
-    }
+    WatchedStatement(DatabaseSession& session, const Hooks& hooks)
+        : InvoiceStatement(session), hooks_(hooks) {}
     void BuildGridHeader(FlexGrid& g1, const FlexGrid& g2) override {
         if (hooks_.onBuildHeader) hooks_.onBuildHeader();
-        inner_->BuildGridHeader(g1, g2);
-    }
-    RunOutcome RunStatistics(const StatementConditions& c, const FlexGrid& g2, int size) override {
-        return inner_->RunStatistics(c, g2, size);
+        InvoiceStatement::BuildGridHeader(g1, g2);
     }
     void ShowPage(FlexGrid& g, int page, int size, const TextMeasure& m) const override {
-        inner_->ShowPage(g, page, size, m);
+        InvoiceStatement::ShowPage(g, page, size, m);
         if (hooks_.onShowPage) hooks_.onShowPage();
     }
-    void WriteRow(GridRow& row, int r, const TextMeasure& m) const override {
-        inner_->WriteRow(row, r, m);
-    }
-    void WriteSheet(SheetModel& s, ExportFrame::ExportSteps& st,
-                    const WorkbookContext& c) const override {
-        inner_->WriteSheet(s, st, c);
-    }
-    const FeeItemList& FeeItems() const override { return inner_->FeeItems(); }
-    int FeeColumnCount() const override { return inner_->FeeColumnCount(); }
-    int PageCount() const override { return inner_->PageCount(); }
-    int UpperBound() const override { return inner_->UpperBound(); }
 
   private:
-    std::unique_ptr<PagedStatement> inner_;
     const Hooks& hooks_;
 };
 
@@ -88,67 +76,22 @@ std::vector<long>& RecordedErrors() {
     return errors;
 }
 
-// A ledger of 45 tickets of department 01 in March 2024 with one parking
-// item, and 30 more departments, so that the list is longer than its pane.
-class InvoiceWindowTest : public ::testing::Test {
+// Dialogs and run-time errors recorded; the main window made by each test.
+class WindowTest : public ::testing::Test {
   protected:
     void SetUp() override {
         SetAppDialogs(&dialogs);
         RecordedErrors().clear();
         SetRuntimeErrorHandler(
             [](const RuntimeError& e) { RecordedErrors().push_back(e.number()); });
-        db.Exec("BEGIN");  // one write to the disk, not one a row
-        db.Exec("INSERT INTO 职能部门new VALUES ('01','一部',NULL)");
-        db.Exec("INSERT INTO 设置管理处 VALUES ('01','GY01','云栖苑')");
-        for (int i = 2; i <= 31; ++i) {
-            const QString code = QString("%1").arg(i, 2, 10, QChar('0'));
-            db.Exec(QString("INSERT INTO 职能部门new VALUES ('%1','分部',NULL)").arg(code));
-            db.Exec(QString("INSERT INTO 设置管理处 VALUES ('%1','GY%1','分部%1')").arg(code));
-        }
-        db.Exec("INSERT INTO 票据类型 VALUES ('01','增值税专用发票',0)");
-        db.Exec("INSERT INTO 票据入库单 VALUES ('S1','01')");
-        db.Exec(
-            "INSERT INTO setupsfxm VALUES ('01','物业费',0.06,'物业','物业费'),"
-            "('07','停车费',0.05,'停车收费','停车费')");
-        db.Exec("INSERT INTO 收款方式列表 VALUES ('现金')");
-        for (int i = 1; i <= 45; ++i) {
-            const QString no = QString("%1").arg(i, 5, 10, QChar('0'));
-            db.AddTicket(no, "S1", "2024-03-10", "2024-03-10", QString(), 100, "现金", "甲",
-                         QString(), "01");
-            db.AddLine("S1", no, i % 2 ? "01" : "07", 100, "NULL");
-        }
-        db.Exec("COMMIT");
-        session = db.Session();
-        definition = *FindReport("invoice");
-        definition.makePaged = [this](DatabaseSession& s) {
-            return std::make_unique<WatchedStatement>(FindReport("invoice")->makePaged(s), hooks);
-        };
-        main = std::make_unique<MainWindow>(std::map<QString, MainWindow::WindowFactory>{
-            {kEntry, [this] { return NewReportWindow(definition, *session); }}});
-        main->resize(1400, 1000);
-        main->show();
-        Settle();
     }
     void TearDown() override {
         main.reset();
         SetRuntimeErrorHandler(nullptr);
         SetAppDialogs(nullptr);
     }
-
-    PagedReportWindow* OpenFromMenu() {
-        ChooseFromMenu(main->menuBar(), QStringLiteral("统计报表"), kEntry);
-        return qobject_cast<PagedReportWindow*>(main->OpenWindow(kEntry));
-    }
-    QMdiSubWindow* Frame(QWidget* w) { return qobject_cast<QMdiSubWindow*>(w->parentWidget()); }
-
-    template <typename T = QWidget>
-    static T* Child(QWidget* w, const char* name) {
-        T* child = w->findChild<T*>(QString::fromUtf8(name));
-        EXPECT_TRUE(child) << name;
-        return child;
-    }
-    static void ClickButton(QWidget* w, const char* name) {
-        Click(Child<QAbstractButton>(w, name));
+    static QMdiSubWindow* Frame(QWidget* w) {
+        return qobject_cast<QMdiSubWindow*>(w->parentWidget());
     }
     static void ClickEntry(QWidget* w, int row) {
         auto* list = Child<QListWidget>(w, "List1");
@@ -160,50 +103,220 @@ class InvoiceWindowTest : public ::testing::Test {
         Child<QDateEdit>(w, "DTPicker1(0)")->setDate(from);
         Child<QDateEdit>(w, "DTPicker1(1)")->setDate(to);
     }
+    static void Months(QWidget* w, const char* year, const char* from, const char* to) {
+        Child<QComboBox>(w, "Combo1")->setCurrentText(year);
+        Child<QComboBox>(w, "Combo2")->setCurrentText(from);
+        Child<QComboBox>(w, "Combo3")->setCurrentText(to);
+    }
+
+    WatchingDialogs dialogs;
+    TestDatabase db;
+    std::unique_ptr<DatabaseSession> session;
+    std::unique_ptr<MainWindow> main;
+};
+
+// ---- Every report on the golden ledger ------------------------------------------
+
+class ReportWindows : public WindowTest,
+                      public ::testing::WithParamInterface<const ReportDefinition*> {};
+
+// A window shows what the companion writes for the same conditions (its CSV
+// is the grid as one page holds it) and exports the same workbook.
+TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
+    const ReportDefinition& report = *GetParam();
+    FillGoldenLedger(db);
+    session = db.Session();
+    main = MainWindowOfAllReports(*session);
+    ReportWindow* w = OpenFromMenu(*main, report.menuEntry);
+    ASSERT_TRUE(w);
+    EXPECT_EQ(w->objectName(), report.windowName);
+    EXPECT_FALSE(Frame(w)->isMaximized());
+    const bool paged = report.conditions == ConditionsKind::DateWindow;
+    // The conditions first: the reconciliation's title takes the year at the click.
+    if (paged)
+        SetDates(w, QDate(2024, 3, 1), QDate(2024, 3, 31));
+    else
+        Months(w, "2024", "03", "03");
+    ClickEntry(w, 0);
+    ClickButton(w, "Command3");
+    if (paged) {
+        // 07's shares typed in, as the companion's --ratio gives them.
+        ClickCell(Child<FlexGridView>(w, "MSFlexGrid2"), 1, 2);
+        auto* editor = Child<QLineEdit>(w, "txtGRD");
+        Type(editor, "66.7");
+        Type(editor, "33.3");
+        ClickButton(w, "Command6");
+        EXPECT_FALSE(Child<QPushButton>(w, "Command6")->isEnabled());
+    }
+    EXPECT_TRUE(dialogs.messages.empty()) << dialogs.texts().join('|').toStdString();
+    const QString golden = QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/") + report.command + '/';
+    auto expectSame = [](const QByteArray& shown, const QString& file) {
+        QFile f(file);
+        ASSERT_TRUE(f.open(QIODevice::ReadOnly)) << file.toStdString();
+        const QString difference = FirstDifference(shown, f.readAll());
+        EXPECT_TRUE(difference.isEmpty()) << file.toStdString() << ": " << difference.toStdString();
+    };
+    expectSame(GridCsv(w->Grid1()).toUtf8(), golden + "statement.csv");
+
+    QTemporaryDir dir;
+    dialogs.saveAnswers = {dir.filePath("out.xlsx")};
+    ClickButton(w, "Command2");
+    EXPECT_EQ(dialogs.saveDialogDefaults.value(0),
+              w->TitleText() + (paged ? QStringLiteral("_20240301-20240331") : QString()));
+    EXPECT_EQ(w->LastExport(), dir.filePath("out.xlsx"));
+    EXPECT_EQ(dialogs.texts().value(0), report.texts.exportedText);
+    EXPECT_TRUE(Child(w, "Command1")->isVisible());
+    EXPECT_FALSE(Child(w, "ProgressBar1")->isVisible());
+    const auto parts = ReadZipParts(dir.filePath("out.xlsx"));
+    ASSERT_TRUE(parts.count("xl/worksheets/sheet1.xml"));
+    expectSame(PrettyXml(parts.at("xl/worksheets/sheet1.xml")), golden + "sheet1.xml");
+    EXPECT_TRUE(RecordedErrors().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Golden, ReportWindows, ::testing::ValuesIn(AllReports()),
+                         [](const auto& info) { return info.param->command.toStdString(); });
+
+// ---- The reconciliation's window -------------------------------------------------
+
+class MonthlyWindowTest : public WindowTest {
+  protected:
+    MonthlyReportWindow* Open() {
+        session = db.Session();
+        main = MainWindowOfAllReports(*session);
+        return OpenFromMenu<MonthlyReportWindow>(*main, kReconciliation);
+    }
+};
+
+TEST_F(MonthlyWindowTest, ADepartmentMonthsInOrderAndTicketsComeFirst) {
+    FillGoldenLedger(db);
+    MonthlyReportWindow* w = Open();
+    ASSERT_TRUE(w);
+    EXPECT_EQ(Child<QComboBox>(w, "Combo1")->currentText(), QString::number(QDate::currentDate().year()));
+    ClickButton(w, "Command3");
+    EXPECT_EQ(dialogs.texts(), QStringList{"请先选择统计部门!"});
+    Months(w, "2024", "12", "01");
+    ClickEntry(w, 0);
+    EXPECT_EQ(w->TitleText(), "2024年度【云栖苑】票据核对表");
+    ClickButton(w, "Command3");
+    EXPECT_EQ(dialogs.texts().last(), "截至月份不能小于开始月份,请重新选择!");
+    Months(w, "2023", "01", "12");
+    ClickButton(w, "Command3");
+    EXPECT_EQ(dialogs.texts().last(), "没有满足条件的开票数据,请重新设置条件!");
+    EXPECT_EQ(dialogs.texts().size(), 3);
+    EXPECT_TRUE(Child(w, "Picture5")->isHidden());
+    EXPECT_EQ(w->Grid1().Rows(), 2);
+    // The title keeps the year of the click.
+    EXPECT_EQ(w->TitleText(), "2024年度【云栖苑】票据核对表");
+}
+
+TEST_F(MonthlyWindowTest, PaneKeepsItsBoxAtTheBottom) {
+    MonthlyReportWindow* w = Open();
+    ASSERT_TRUE(w);
+    for (int grow : {0, 150}) {
+        w->parentWidget()->resize(1000 + grow, 700 + grow);
+        Settle();
+        auto* strip = Child(w, "Picture4");
+        auto* box = Child(w, "Picture6");
+        auto* list = Child(w, "List1");
+        // In twips: Picture6.Top = Picture4.Top - Picture6.Height + 30, and the
+        // list reaches 60 below Picture6's top.
+        EXPECT_NEAR(box->y(), strip->y() - box->height() + 2, 1);
+        EXPECT_NEAR(list->y() + list->height(), box->y() + 4, 1);
+        auto* c1 = Child(w, "Command1");
+        auto* c2 = Child(w, "Command2");
+        EXPECT_NEAR(strip->width() - c1->geometry().right() - 1, c2->x(), 1);
+        EXPECT_TRUE(box->isVisible());
+        EXPECT_TRUE(Child(w, "Command3")->isVisible());
+    }
+}
+
+TEST_F(MonthlyWindowTest, UntrappedFailureStopsTheRun) {
+    FillGoldenLedger(db);
+    // Without an ordinary type the month's statement has an empty "In ()".
+    db.Exec("DELETE FROM 票据类型 WHERE 票据类型代号 = '02'");
+    MonthlyReportWindow* w = Open();
+    ASSERT_TRUE(w);
+    Months(w, "2024", "03", "03");
+    ClickEntry(w, 0);
+    ClickButton(w, "Command3");
+    EXPECT_EQ(RecordedErrors(), std::vector<long>{102});
+    EXPECT_EQ(w->Grid1().Rows(), 2);
+    EXPECT_TRUE(Child(w, "Picture5")->isHidden());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+// ---- The paged window: the invoice statement ------------------------------------
+
+// A ledger of 45 tickets of department 01 in March 2024 with one parking
+// item, and 30 more departments, so that the list is longer than its pane.
+class InvoiceWindowTest : public WindowTest {
+  protected:
+    void SetUp() override {
+        WindowTest::SetUp();
+        db.Exec("BEGIN");  // one write to the disk, not one a row
+        db.Department("01", "GY01", "云栖苑");
+        for (int i = 2; i <= 31; ++i) {
+            const QString code = QString("%1").arg(i, 2, 10, QChar('0'));
+            db.Department(code, "GY" + code, "分部" + code);
+        }
+        db.Types("01");
+        db.Item("01", "物业费", "0.06", "物业");
+        db.Item("07", "停车费", "0.05", "停车收费");
+        db.Methods({"现金"});
+        for (int i = 1; i <= 45; ++i)
+            db.Add({.no = QString("%1").arg(i, 5, 10, QChar('0')), .issued = "2024-03-10",
+                    .amount = 100, .item = i % 2 ? "01" : "07", .dept = "01"});
+        db.Exec("COMMIT");
+        session = db.Session();
+        definition = *FindReport("invoice");
+        definition.makePaged = [this](DatabaseSession& s) {
+            return std::make_unique<WatchedStatement>(s, hooks);
+        };
+        main = std::make_unique<MainWindow>(std::map<QString, MainWindow::WindowFactory>{
+            {kInvoice, [this] { return NewReportWindow(definition, *session); }}});
+        main->resize(1400, 1000);
+        main->show();
+        Settle();
+    }
+    PagedReportWindow* Open() { return OpenFromMenu<PagedReportWindow>(*main, kInvoice); }
     // Department 01, March 2024, fee items extracted.
     void Extract(PagedReportWindow* w) {
         ClickEntry(w, 0);
         SetDates(w, QDate(2024, 3, 1), QDate(2024, 3, 31));
         ClickButton(w, "Command3");
     }
-    static void Type(QWidget* w, const QString& text) {
-        QTest::keyClicks(w, text);
-        QTest::keyClick(w, Qt::Key_Return);
-        Settle();
-    }
 
-    WatchingDialogs dialogs;
-    TestDatabase db;
-    std::unique_ptr<DatabaseSession> session;
     ReportDefinition definition;
     WatchedStatement::Hooks hooks;
-    std::unique_ptr<MainWindow> main;
 };
 
 }  // namespace
 
-TEST_F(InvoiceWindowTest, OpensFromTheMenuAtItsDesignSize) {
-    PagedReportWindow* w = OpenFromMenu();
+TEST_F(InvoiceWindowTest, OpensFromTheMenuAtItsDesignSizeOnceWithTheSession) {
+    AppSession().SessionOperatorText = "张三";
+    AppSession().SessionDepartmentText = "财务部";
+    PagedReportWindow* w = Open();
+    AppSession().SessionOperatorText.clear();
+    AppSession().SessionDepartmentText.clear();
     ASSERT_TRUE(w);
+    for (const auto& [panel, text] : std::vector<std::pair<const char*, QString>>{
+             {"Panel2", "张三"}, {"Panel4", "财务部"}, {"Panel8", QDate::currentDate().toString("yyyy-MM-dd")}})
+        EXPECT_EQ(Child<QLabel>(w, panel)->text(), text) << panel;
     QMdiSubWindow* frame = Frame(w);
-    ASSERT_TRUE(frame);
     EXPECT_FALSE(frame->isMaximized());
-    EXPECT_TRUE(w->isVisible());
     // 18120 by 10950 twips at 15 twips a pixel.
     EXPECT_NEAR(w->width(), 1208, 1);
     EXPECT_NEAR(w->height(), 730, 1);
-    EXPECT_EQ(main->Area()->subWindowList().size(), 1);
     // Chosen again: raised, not reopened.
-    ChooseFromMenu(main->menuBar(), QStringLiteral("统计报表"), kEntry);
-    EXPECT_EQ(main->OpenWindow(kEntry), w);
+    EXPECT_EQ(Open(), w);
     EXPECT_EQ(main->Area()->subWindowList().size(), 1);
     EXPECT_EQ(main->Area()->activeSubWindow(), frame);
-}
-
-TEST_F(InvoiceWindowTest, OpensClippedToASmallArea) {
+    // In a small area: clipped to it.
+    w->close();
     main->resize(900, 600);
     Settle();
-    PagedReportWindow* w = OpenFromMenu();
+    EXPECT_TRUE(main->Area()->subWindowList().isEmpty());  // the frame went along
+    w = Open();
     const QSize area = main->Area()->viewport()->size();
     EXPECT_LE(Frame(w)->width(), area.width());
     EXPECT_LE(Frame(w)->height(), area.height());
@@ -211,18 +324,14 @@ TEST_F(InvoiceWindowTest, OpensClippedToASmallArea) {
 }
 
 TEST_F(InvoiceWindowTest, Command1ClosesTheFrameAndTheMenuReopensAFreshWindow) {
-    PagedReportWindow* w = OpenFromMenu();
+    PagedReportWindow* w = Open();
     Extract(w);
     ASSERT_TRUE(Child<QPushButton>(w, "Command6")->isEnabled());
-    ASSERT_EQ(w->TitleText(), "【云栖苑】增值税开票明细表");
-
     ClickButton(w, "Command1");
-    EXPECT_EQ(main->OpenWindow(kEntry), nullptr);
+    EXPECT_EQ(main->OpenWindow(kInvoice), nullptr);
     EXPECT_TRUE(main->Area()->subWindowList().isEmpty());
-
-    w = OpenFromMenu();
+    w = Open();
     ASSERT_TRUE(w);
-    EXPECT_EQ(main->Area()->subWindowList().size(), 1);
     EXPECT_EQ(w->TitleText(), "增值税开票明细表");
     EXPECT_FALSE(Child<QPushButton>(w, "Command6")->isEnabled());
     EXPECT_TRUE(w->SelectedEntry().isEmpty());
@@ -230,28 +339,34 @@ TEST_F(InvoiceWindowTest, Command1ClosesTheFrameAndTheMenuReopensAFreshWindow) {
     EXPECT_TRUE(w->Conditions().DeptCode.isEmpty());
 }
 
-TEST_F(InvoiceWindowTest, AClosedWidgetTakesItsFrameAlong) {
-    PagedReportWindow* w = OpenFromMenu();
-    w->close();
-    Settle();
-    EXPECT_TRUE(main->Area()->subWindowList().isEmpty());
+TEST_F(InvoiceWindowTest, Command3AsksForADepartmentThenDatesInOrder) {
+    PagedReportWindow* w = Open();
+    ClickButton(w, "Command3");
+    EXPECT_EQ(dialogs.texts(), QStringList{"请先选择统计部门!"});
+    ClickEntry(w, 0);
+    SetDates(w, QDate(2024, 3, 31), QDate(2024, 3, 1));
+    ClickButton(w, "Command3");
+    EXPECT_EQ(dialogs.texts().last(), "截至日期不能小于开始日期!");
+    EXPECT_EQ(w->focusWidget(), Child<QDateEdit>(w, "DTPicker1(1)"));
+    EXPECT_FALSE(Child<QPushButton>(w, "Command6")->isEnabled());
+    // The header alone: nothing to export, no message.
+    dialogs.messages.clear();
+    ClickButton(w, "Command2");
+    EXPECT_TRUE(dialogs.saveDialogDefaults.isEmpty());
+    EXPECT_TRUE(dialogs.messages.empty());
 }
 
 TEST_F(InvoiceWindowTest, RatioEditorOpensOnDataCellsOnlyAlsoScrolledSideways) {
-    PagedReportWindow* w = OpenFromMenu();
+    PagedReportWindow* w = Open();
     Extract(w);
     auto* grid2 = Child<FlexGridView>(w, "MSFlexGrid2");
     auto* editor = Child<QLineEdit>(w, "txtGRD");
     ASSERT_EQ(w->Grid2().Rows(), 2);
-
     // The headings of the shares are no cells to edit.
     for (int col : {2, 3}) {
         ClickCell(grid2, 0, col);
         EXPECT_FALSE(editor->isVisible()) << col;
     }
-    EXPECT_EQ(w->Grid2().TextMatrix(0, 2), "开发商");
-    EXPECT_EQ(w->Grid2().TextMatrix(0, 3), "物业公司");
-
     // The widths of the design format string are wider than the grid.
     ASSERT_TRUE(grid2->horizontalScrollBar()->isVisible());
     ClickCell(grid2, 1, 2);
@@ -260,7 +375,6 @@ TEST_F(InvoiceWindowTest, RatioEditorOpensOnDataCellsOnlyAlsoScrolledSideways) {
     EXPECT_EQ(QRect(grid2->mapTo(editor->parentWidget(), grid2->CellRect(1, 2).topLeft()),
                     grid2->CellRect(1, 2).size()),
               editor->geometry());
-
     ClickCell(grid2, 1, 1);  // elsewhere: closed, nothing written
     EXPECT_FALSE(editor->isVisible());
 
@@ -272,12 +386,10 @@ TEST_F(InvoiceWindowTest, RatioEditorOpensOnDataCellsOnlyAlsoScrolledSideways) {
     const QRect cell = grid2->CellRect(1, 3);
     EXPECT_EQ(QRect(grid2->mapTo(editor->parentWidget(), cell.topLeft()), cell.size()),
               editor->geometry());
-    // The heading above it scrolled along.
-    EXPECT_EQ(grid2->CellRect(0, 3).left(), cell.left());
 }
 
 TEST_F(InvoiceWindowTest, SharesTypedWithEnterAndTheSumRule) {
-    PagedReportWindow* w = OpenFromMenu();
+    PagedReportWindow* w = Open();
     Extract(w);
     auto* grid2 = Child<FlexGridView>(w, "MSFlexGrid2");
     auto* editor = Child<QLineEdit>(w, "txtGRD");
@@ -298,7 +410,7 @@ TEST_F(InvoiceWindowTest, SharesTypedWithEnterAndTheSumRule) {
 }
 
 TEST_F(InvoiceWindowTest, ATallerWindowShowsTheEndOfTheList) {
-    PagedReportWindow* w = OpenFromMenu();
+    PagedReportWindow* w = Open();
     QMdiSubWindow* frame = Frame(w);
     frame->resize(frame->width(), frame->height() + 150);
     Settle();
@@ -323,7 +435,7 @@ TEST_F(InvoiceWindowTest, ATallerWindowShowsTheEndOfTheList) {
 }
 
 TEST_F(InvoiceWindowTest, ArrowKeysCarryTheTitleAndCommand3ReadsWhatItShows) {
-    PagedReportWindow* w = OpenFromMenu();
+    PagedReportWindow* w = Open();
     auto* list = Child<QListWidget>(w, "List1");
     list->setFocus();
     QTest::keyClick(list, Qt::Key_Down);
@@ -341,121 +453,8 @@ TEST_F(InvoiceWindowTest, ArrowKeysCarryTheTitleAndCommand3ReadsWhatItShows) {
     EXPECT_EQ(w->TitleText(), "【云栖苑】增值税开票明细表");
 }
 
-TEST_F(InvoiceWindowTest, HeaderRowsStayAtTheTopWhileTheBodyScrolls) {
-    PagedReportWindow* w = OpenFromMenu();
-    Extract(w);
-    ClickButton(w, "Command6");
-    auto* grid1 = Child<FlexGridView>(w, "MSFlexGrid1");
-    ASSERT_GT(w->Grid1().Rows(), 20);
-    QScrollBar* bar = grid1->verticalScrollBar();
-    ASSERT_TRUE(bar->isVisible());  // a page is taller than the grid
-    const int headerHeight = grid1->CellRect(2, 0).top() - grid1->CellRect(0, 0).top();
-    const QRect headerStrip(0, 0, grid1->viewport()->width(), headerHeight + 1);
-    const QImage before = grid1->grab(headerStrip).toImage();
-    const QPoint rowZero = grid1->CellRect(0, 1).center(), rowOne = grid1->CellRect(1, 2).center();
-    const QPoint rowTwo = grid1->CellRect(2, 0).center();
-
-    ScrollByClicks(bar, 2);
-    ASSERT_GT(bar->value(), 0);
-    // Rows 0 and 1 are drawn where they were, the body under them moved.
-    EXPECT_EQ(grid1->CellAt(rowZero), std::make_pair(0, 1));
-    EXPECT_EQ(grid1->CellAt(rowOne), std::make_pair(1, 2));
-    EXPECT_EQ(grid1->grab(headerStrip).toImage(), before);
-    EXPECT_GT(grid1->CellAt(rowTwo).first, 2);
-    // The merges of the header are kept: 序 over both rows, the band over its columns.
-    EXPECT_EQ(grid1->FixedRowsView()->rowSpan(0, 0), 2);
-    EXPECT_EQ(grid1->CellAt(grid1->CellRect(1, 1).center() - QPoint(grid1->columnWidth(0), 0)),
-              std::make_pair(0, 0));
-    EXPECT_EQ(grid1->FixedRowsView()->columnSpan(0, 2), 3);
-    EXPECT_EQ(grid1->CellAt(grid1->CellRect(1, 4).center() -
-                            QPoint(0, grid1->FixedRowsView()->rowHeight(0))),
-              std::make_pair(0, 2));
-}
-
-TEST_F(InvoiceWindowTest, NumbersRightTextLeftAtTheGeneralAlignment) {
-    PagedReportWindow* w = OpenFromMenu();
-    Extract(w);
-    ClickButton(w, "Command6");
-    auto* grid1 = Child<FlexGridView>(w, "MSFlexGrid1");
-    const FlexGrid& g = w->Grid1();
-    const int n = w->Statement().FeeColumnCount();
-    const int money = 6, total = 6 + n, method = 7 + n;
-    ASSERT_EQ(g.ColAlignment(money), FlexGrid::AlignGeneral);
-    ASSERT_EQ(g.ColAlignment(method), FlexGrid::AlignGeneral);
-    EXPECT_EQ(g.TextMatrix(2, money), "100.00");
-    EXPECT_EQ(grid1->model()->index(2, money).data(Qt::TextAlignmentRole).toInt(), int(Qt::AlignRight | Qt::AlignVCenter));
-    EXPECT_EQ(grid1->model()->index(2, total).data(Qt::TextAlignmentRole).toInt(), int(Qt::AlignRight | Qt::AlignVCenter));
-    EXPECT_EQ(g.TextMatrix(2, method), "现金");
-    EXPECT_EQ(grid1->model()->index(2, method).data(Qt::TextAlignmentRole).toInt(), int(Qt::AlignLeft | Qt::AlignVCenter));
-}
-
-TEST_F(InvoiceWindowTest, TextsOfTheLabelsButtonsAndStatusPanels) {
-    AppSession().SessionOperatorText = "张三";
-    AppSession().SessionDepartmentText = "财务部";
-    AppSession().SessionPostText = "出纳";
-    PagedReportWindow* w = OpenFromMenu();
-    AppSession().SessionOperatorText.clear();
-    AppSession().SessionDepartmentText.clear();
-    AppSession().SessionPostText.clear();
-    EXPECT_EQ(w->windowTitle(), "增值税开票明细表");
-    const QString today = QDate::currentDate().toString("yyyy-MM-dd");
-    struct Case {
-        const char* name;
-        QString text;
-    };
-    const Case cases[] = {
-        {"Label1(1)", "增值税开票统计条件"},
-        {"Label1(0)", "增值税开票明细表"},
-        {"Label1(10)", "开票日期范围"},
-        {"Label1(13)", "至"},
-        {"Label1(3)", "设置停车费分账比例"},
-        {"Label1(11)", "选择部门"},
-        {"Label19", "第 00 页 共 00 页"},
-        {"Label21", "转到"},
-        {"Label22", "页"},
-        {"Label2", "正在导出数据，请稍等......"},
-        {"Label3", ""},
-        {"Command3", "提取收费项目"},
-        {"Command6", "开始统计"},
-        {"Command2", "导出Excel"},
-        {"Command1", "退出"},
-        {"Image2(0)", "首页"},
-        {"Image2(1)", "上一页"},
-        {"Image2(2)", "下一页"},
-        {"Image2(3)", "尾页"},
-        {"Panel1", "操作员"},
-        {"Panel2", "张三"},
-        {"Panel3", "部门"},
-        {"Panel4", "财务部"},
-        {"Panel5", "岗位"},
-        {"Panel6", "出纳"},
-        {"Panel7", "云栖账房"},
-        {"Panel8", today},
-        {"Panel9", "hh:mm:ss"},
-    };
-    for (const Case& c : cases) {
-        QWidget* control = Child(w, c.name);
-        if (!control) continue;
-        QString text;
-        if (auto* label = qobject_cast<QLabel*>(control)) text = label->text();
-        if (auto* image = qobject_cast<QToolButton*>(control))
-            text = image->toolTip();
-        else if (auto* button = qobject_cast<QAbstractButton*>(control))
-            text = button->text();
-        if (c.text == "hh:mm:ss")
-            EXPECT_TRUE(QRegularExpression("^\\d\\d:\\d\\d:\\d\\d$").match(text).hasMatch())
-                << text.toStdString();
-        else
-            EXPECT_EQ(text, c.text) << c.name;
-    }
-    // Nine panels, the seventh the wide one.
-    const auto panels =
-        Child<QWidget>(w, "StatusBar1")->findChildren<QLabel*>(QRegularExpression("^Panel\\d$"));
-    EXPECT_EQ(panels.size(), 9);
-}
-
 TEST_F(InvoiceWindowTest, TheRunEndsWithPageOrMessageBeforeThePanelGoes) {
-    PagedReportWindow* w = OpenFromMenu();
+    PagedReportWindow* w = Open();
     QWidget* panel = Child(w, "Picture5");
     std::vector<std::pair<bool, bool>> seen;  // the busy panel shown, the hourglass on
     auto look = [&] {
@@ -465,128 +464,68 @@ TEST_F(InvoiceWindowTest, TheRunEndsWithPageOrMessageBeforeThePanelGoes) {
     dialogs.onMessage = look;
     Extract(w);
     ClickButton(w, "Command6");
-    ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(seen[0], std::make_pair(true, true));
-    EXPECT_FALSE(panel->isVisible());
-    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-
     // No rows in May: the message, then the panel goes.
     ClickButton(w, "Command3");
     SetDates(w, QDate(2024, 5, 1), QDate(2024, 5, 31));
-    seen.clear();
     ClickButton(w, "Command6");
     EXPECT_EQ(dialogs.texts().last(), "无满足统计条件的数据，请重新设置统计条件！");
-    ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(seen[0], std::make_pair(true, true));
+    EXPECT_EQ(seen, (std::vector<std::pair<bool, bool>>{{true, true}, {true, true}}));
     EXPECT_FALSE(panel->isVisible());
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
     EXPECT_EQ(w->Grid1().Rows(), 2);
 }
 
 TEST_F(InvoiceWindowTest, Command6DisablesItselfBeforeTheHeaderUnlessTheReportSaysFirst) {
-    std::vector<bool> enabledAtHeader;
-    hooks.onBuildHeader = [&] {
-        if (auto* w = main->OpenWindow(kEntry))
-            enabledAtHeader.push_back(w->findChild<QPushButton*>("Command6")->isEnabled());
-    };
-    PagedReportWindow* w = OpenFromMenu();
-    Extract(w);
-    ClickButton(w, "Command6");
-    ASSERT_EQ(enabledAtHeader, std::vector<bool>{false});  // the invoice report: disabled first
-    ClickButton(w, "Command1");
-
-    definition.headerBeforeDisable = true;  // as the parking report asks
-    enabledAtHeader.clear();
-    w = OpenFromMenu();
-    Extract(w);
-    ClickButton(w, "Command6");
-    EXPECT_EQ(enabledAtHeader, std::vector<bool>{true});
-    EXPECT_FALSE(Child<QPushButton>(w, "Command6")->isEnabled());
-}
-
-TEST_F(InvoiceWindowTest, PagerClickBeforeAnyRunIsARuntimeError) {
-    PagedReportWindow* w = OpenFromMenu();
-    auto* text6 = Child<QLineEdit>(w, "Text6");
-    Type(text6, "2");  // Text6 fails safe: no pages yet, the box is emptied
-    EXPECT_TRUE(text6->text().isEmpty());
-    EXPECT_TRUE(RecordedErrors().empty());
-    ClickButton(w, "Image2(2)");
-    EXPECT_EQ(RecordedErrors(), std::vector<long>{9});  // subscript out of range
-    EXPECT_EQ(Child<QLabel>(w, "Label19")->text(), "第 00 页 共 00 页");
-}
-
-TEST_F(InvoiceWindowTest, RoadOfOneStatement) {
-    PagedReportWindow* w = OpenFromMenu();
-    ASSERT_TRUE(w);
-    auto* command6 = Child<QPushButton>(w, "Command6");
-    ClickButton(w, "Command3");
-    EXPECT_EQ(dialogs.texts(), QStringList{"请先选择统计部门!"});
-    ClickEntry(w, 0);
-    SetDates(w, QDate(2024, 3, 31), QDate(2024, 3, 1));
-    ClickButton(w, "Command3");
-    EXPECT_EQ(dialogs.texts().last(), "截至日期不能小于开始日期!");
-    EXPECT_EQ(w->focusWidget(), Child<QDateEdit>(w, "DTPicker1(1)"));
-    dialogs.messages.clear();
-    ClickButton(w, "Command2");  // the header alone: nothing to export, no message
-    EXPECT_TRUE(dialogs.saveDialogDefaults.isEmpty());
-    EXPECT_TRUE(dialogs.messages.empty());
-
-    Extract(w);
-    EXPECT_TRUE(command6->isEnabled());
-    ClickCell(Child<FlexGridView>(w, "MSFlexGrid2"), 1, 2);
-    auto* editor = Child<QLineEdit>(w, "txtGRD");
-    Type(editor, "60");
-    Type(editor, "40");
-    EXPECT_TRUE(dialogs.messages.empty());
-
-    ClickButton(w, "Command6");
-    EXPECT_FALSE(command6->isEnabled());
-    EXPECT_EQ(w->Grid1().TextMatrix(1, 8), "开发商60%");
-    const int pageSize = w->PageSize();
-    ASSERT_GT(pageSize, 0);
-    const int rows = 45 + 2;
-    const int pages = (rows + pageSize - 1) / pageSize;
-    EXPECT_EQ(w->Grid1().Rows(), 2 + std::min(pageSize, rows));
-    EXPECT_EQ(w->Grid1().TextMatrix(2, 0), "1");
-    auto* label19 = Child<QLabel>(w, "Label19");
-    EXPECT_EQ(label19->text(), QString("第 01 页 共 %1 页").arg(pages, 2, 10, QChar('0')));
-
-    ClickButton(w, "Image2(3)");
-    EXPECT_EQ(w->CurrentPage(), pages);
-    EXPECT_EQ(w->Grid1().TextMatrix(w->Grid1().Rows() - 1, 1), "其中");
-    ClickButton(w, "Image2(2)");
-    EXPECT_EQ(w->CurrentPage(), pages);
-    ClickButton(w, "Image2(0)");
-    EXPECT_EQ(w->CurrentPage(), 1);
-    ClickButton(w, "Image2(1)");
-    EXPECT_EQ(w->CurrentPage(), 1);
-
-    auto* text6 = Child<QLineEdit>(w, "Text6");
-    Type(text6, "abc");
-    EXPECT_TRUE(text6->text().isEmpty());
-    EXPECT_EQ(w->CurrentPage(), 1);
-    if (pages >= 2) {
-        Type(text6, "1.5");  // ties to even
-        EXPECT_EQ(w->CurrentPage(), 2);
-        EXPECT_EQ(text6->text(), "1.5");
+    for (const bool first : {false, true}) {
+        definition.headerBeforeDisable = first;  // as the parking report asks
+        PagedReportWindow* w = Open();
+        Extract(w);
+        std::vector<bool> enabledAtHeader;
+        hooks.onBuildHeader = [&] {
+            enabledAtHeader.push_back(Child<QPushButton>(w, "Command6")->isEnabled());
+        };
+        ClickButton(w, "Command6");
+        hooks.onBuildHeader = nullptr;
+        EXPECT_EQ(enabledAtHeader, std::vector<bool>{first});
+        EXPECT_FALSE(Child<QPushButton>(w, "Command6")->isEnabled());
+        ClickButton(w, "Command1");
     }
+}
 
-    QTemporaryDir dir;
-    dialogs.saveAnswers = {std::nullopt, dir.filePath("本月.xlsx")};
-    ClickButton(w, "Command2");
-    EXPECT_EQ(dialogs.texts().last(), "您取消了导出操作！");
-    EXPECT_TRUE(Child<QPushButton>(w, "Command2")->isVisible());
-    ClickButton(w, "Command2");
-    EXPECT_EQ(dialogs.saveDialogDefaults.last(), "【云栖苑】增值税开票明细表_20240301-20240331");
-    EXPECT_EQ(w->LastExport(), dir.filePath("本月.xlsx"));
-    EXPECT_TRUE(QFile::exists(dir.filePath("本月.xlsx")));
-    EXPECT_EQ(dialogs.texts().last(), "增值税开票明细表导出成功！");
-    EXPECT_TRUE(Child<QPushButton>(w, "Command1")->isVisible());
-    EXPECT_FALSE(Child<QWidget>(w, "ProgressBar1")->isVisible());
+TEST_F(InvoiceWindowTest, PagerStripGoesThroughThePages) {
+    PagedReportWindow* w = Open();
+    // Before any run Text6 fails safe (the box is emptied); an image click is
+    // a run-time error, subscript out of range.
+    auto* text6 = Child<QLineEdit>(w, "Text6");
+    Type(text6, "2");
+    EXPECT_TRUE(text6->text().isEmpty());
+    ClickButton(w, "Image2(2)");
+    EXPECT_EQ(RecordedErrors(), std::vector<long>{9});
+    Extract(w);
+    ClickButton(w, "Command6");
+    const int pages = w->Statement().PageCount();
+    ASSERT_GE(pages, 2);
+    auto expectPage = [&](int page) {
+        EXPECT_EQ(w->CurrentPage(), page);
+        EXPECT_EQ(Child<QLabel>(w, "Label19")->text(), Pager::PageText(page, pages));
+        EXPECT_EQ(w->Grid1().TextMatrix(2, 0),
+                  QString::number(Pager::FirstRowOf(page, w->PageSize())));
+    };
+    expectPage(1);
+    for (const auto& [image, page] : std::vector<std::pair<const char*, int>>{
+             {"Image2(3)", pages}, {"Image2(2)", pages}, {"Image2(1)", pages - 1},
+             {"Image2(0)", 1}, {"Image2(1)", 1}}) {
+        SCOPED_TRACE(image);
+        ClickButton(w, image);
+        expectPage(page);
+    }
+    Type(text6, "1.5");  // ties to even
+    expectPage(2);
+    EXPECT_EQ(RecordedErrors().size(), 1u);
 }
 
 TEST_F(InvoiceWindowTest, ResizeKeepsMarginsAndThePage) {
-    PagedReportWindow* w = OpenFromMenu();
+    PagedReportWindow* w = Open();
     Extract(w);
     ClickButton(w, "Command6");
     const QString page = Child<QLabel>(w, "Label19")->text();
@@ -618,47 +557,34 @@ TEST_F(InvoiceWindowTest, PrivilegesAndTheCloseQuestion) {
         EXPECT_FALSE(main->findChild<QAction*>(QString::fromUtf8(name))->isEnabled()) << name;
     EXPECT_TRUE(main->findChild<QAction*>("关于软件")->isEnabled());
 
-    main->Choose(kEntry);
+    main->Choose(kInvoice);
     dialogs.answers = {MsgResult::No};
     EXPECT_FALSE(main->close());
     EXPECT_EQ(dialogs.texts().last(), "确认要退出系统吗？");
-    EXPECT_EQ(dialogs.messages.back().title, "云栖报表台");
     EXPECT_TRUE(main->isVisible());
     Settle();
-    EXPECT_EQ(main->OpenWindow(kEntry), nullptr);
+    EXPECT_EQ(main->OpenWindow(kInvoice), nullptr);
     EXPECT_TRUE(main->Area()->subWindowList().isEmpty());
 }
 
 // The window on a demo ledger, as the README shows it.
-TEST(InvoiceWindowDemoTest, ScreenshotOfTheWindowOpenedFromTheMenu) {
-    RecordingDialogs dialogs;
-    SetAppDialogs(&dialogs);
+class InvoiceWindowDemoTest : public WindowTest {};
+
+TEST_F(InvoiceWindowDemoTest, ScreenshotOfTheWindowOpenedFromTheMenu) {
     QTemporaryDir dir;
-    const QString file = dir.filePath("demo.sqlite");
-    WriteDemoDatabase(file, 3000, 7);
-    auto session = DatabaseSession::OpenEmbedded(file);
-    {
-        MainWindow main(std::map<QString, MainWindow::WindowFactory>{
-            {kEntry, [&] { return NewReportWindow(*FindReport("invoice"), *session); }}});
-        main.resize(1280, 900);
-        main.show();
-        Settle();
-        ChooseFromMenu(main.menuBar(), QStringLiteral("统计报表"), kEntry);
-        auto* w = qobject_cast<PagedReportWindow*>(main.OpenWindow(kEntry));
-        ASSERT_TRUE(w);
-        auto* list = w->findChild<QListWidget*>("List1");
-        const auto found = list->findItems("01 ", Qt::MatchStartsWith);
-        ASSERT_FALSE(found.isEmpty());
-        ClickAt(list, list->viewport()->mapTo(list, list->visualItemRect(found[0]).center()));
-        w->findChild<QDateEdit*>("DTPicker1(0)")->setDate(QDate(2024, 1, 1));
-        w->findChild<QDateEdit*>("DTPicker1(1)")->setDate(QDate(2024, 12, 31));
-        Click(w->findChild<QPushButton*>("Command3"));
-        Click(w->findChild<QPushButton*>("Command6"));
-        EXPECT_GT(w->Grid1().Rows(), 10);
-        EXPECT_TRUE(dialogs.messages.empty());
-        EXPECT_FALSE(qobject_cast<QMdiSubWindow*>(w->parentWidget())->isMaximized());
-        if (const QByteArray shot = qgetenv("YUNQI_SCREENSHOT"); !shot.isEmpty())
-            EXPECT_TRUE(main.grab().save(QString::fromUtf8(shot)));
-    }
-    SetAppDialogs(nullptr);
+    WriteDemoDatabase(dir.filePath("demo.sqlite"), 3000, 7);
+    session = DatabaseSession::OpenEmbedded(dir.filePath("demo.sqlite"));
+    main = MainWindowOfAllReports(*session);
+    main->resize(1280, 900);
+    auto* w = OpenFromMenu<PagedReportWindow>(*main, kInvoice);
+    ASSERT_TRUE(w);
+    ASSERT_TRUE(w->SelectedEntry().isEmpty());
+    ClickEntry(w, 0);  // department 01
+    SetDates(w, QDate(2024, 1, 1), QDate(2024, 12, 31));
+    ClickButton(w, "Command3");
+    ClickButton(w, "Command6");
+    EXPECT_GT(w->Grid1().Rows(), 10);
+    EXPECT_TRUE(dialogs.messages.empty());
+    if (const QByteArray shot = qgetenv("YUNQI_SCREENSHOT"); !shot.isEmpty())
+        EXPECT_TRUE(main->grab().save(QString::fromUtf8(shot)));
 }

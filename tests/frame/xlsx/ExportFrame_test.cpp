@@ -7,10 +7,12 @@
 #include <QTemporaryDir>
 
 #include "core/RuntimeError.h"
+#include "support/Files.h"
 
 using namespace yunqi;
 
 using namespace ExportFrame;
+using yunqi::test::ReadAll;
 
 namespace {
 
@@ -39,12 +41,6 @@ ExportRequest TwoRows(bool fail = false) {
             }};
 }
 
-QByteArray Read(const QString& path) {
-    QFile f(path);
-    f.open(QIODevice::ReadOnly);
-    return f.readAll();
-}
-
 }  // namespace
 
 TEST(ExportFrameTest, FileNameRules) {
@@ -56,9 +52,6 @@ TEST(ExportFrameTest, FileNameRules) {
     } catch (const RuntimeError& e) {
         EXPECT_EQ(e.number(), 5);
     }
-    EXPECT_EQ(DefaultFileName("【云栖苑】增值税开票明细表", QDate(2024, 1, 1), QDate(2024, 12, 31)),
-              "【云栖苑】增值税开票明细表_20240101-20241231");
-    EXPECT_EQ(ErrorText(5, "无效"), "错误号: 5错误描述: 无效");
 }
 
 TEST(ExportFrameTest, StepsInOrderAndTheFileAtTheStem) {
@@ -73,7 +66,6 @@ TEST(ExportFrameTest, StepsInOrderAndTheFileAtTheStem) {
                                          "-bar", "buttons"}));
     EXPECT_EQ(dialogs.yields, 3);
     EXPECT_EQ(dialogs.saveDialogDefaults, QStringList{"表_20240101-20241231"});
-    EXPECT_EQ(dialogs.saveDialogFilters, QStringList{"电子表(.xlsx)|*.xlsx|电子表(.xls)|*.xls"});
     ASSERT_EQ(dialogs.messages.size(), 1u);
     EXPECT_EQ(dialogs.messages[0].text, "导出成功！");
     EXPECT_EQ(dialogs.messages[0].title, "系统提示");
@@ -109,11 +101,11 @@ TEST(ExportFrameTest, GuardsAndFailuresLeaveFilesAlone) {
     EXPECT_TRUE(dialogs.messages[0].text.startsWith("错误号: 5错误描述: "));
     EXPECT_TRUE(dialogs.messages[1].text.startsWith("错误号: 76错误描述: "));
     EXPECT_EQ(dialogs.messages[2].text, "错误号: 1004错误描述: 写入失败");
-    EXPECT_EQ(Read(existing), "keep me");
+    EXPECT_EQ(ReadAll(existing), "keep me");
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"old.xlsx"});
 
     // Replaced when the new workbook is complete.
     EXPECT_EQ(ExportToExcel(existing, TwoRows(), nullptr, dialogs), existing);
-    EXPECT_TRUE(Read(existing).startsWith("PK"));
+    EXPECT_TRUE(ReadAll(existing).startsWith("PK"));
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"old.xlsx"});
 }

@@ -12,7 +12,6 @@
 #include "core/Dialogs.h"
 #include "frame/widgets/EventDriver.h"
 #include "shell/WindowPlacement.h"
-#include "shell/widgets/AboutWindow.h"
 #include "shell/widgets/Banner.h"
 #include "shell/widgets/QtTranslations.h"
 
@@ -34,37 +33,6 @@ TEST(BannerTest, SliceRepeatsOnlyWhereTheWindowIsWide) {
     const QImage wide = Banner::Paint(design, 1600);
     EXPECT_EQ(wide.pixelColor(615, 10), QColor(Qt::red));
     EXPECT_EQ(wide.pixelColor(1000, 10), QColor(Qt::red));
-}
-
-TEST(MainWindowTest, MenuAboutAndOneInstance) {
-    RecordingDialogs dialogs;
-    SetAppDialogs(&dialogs);
-    {
-        MainWindow main({});
-        main.show();
-        QStringList menus;
-        for (QAction* a : main.findChildren<QAction*>())
-            if (!a->objectName().isEmpty()) menus << a->objectName();
-        for (const char* name :
-             {"统计报表", "停车费明细表", "增值税开票明细表", "增值税预开明细表", "开票票据核对表",
-              "退出系统", "退出", "关于", "关于软件", "联系我们"})
-            EXPECT_TRUE(menus.contains(QString::fromUtf8(name))) << name;
-        EXPECT_EQ(main.windowTitle(), "云栖账房报表");
-
-        main.findChild<QAction*>("联系我们")->trigger();
-        EXPECT_TRUE(dialogs.messages.empty());
-        main.Choose("关于软件");
-        QWidget* about = main.OpenWindow("关于软件");
-        ASSERT_TRUE(about);
-        main.Choose("关于软件");
-        EXPECT_EQ(main.OpenWindow("关于软件"), about);
-        EXPECT_EQ(about->windowTitle(), "关于云栖账房系统");
-        EXPECT_EQ(about->findChild<QLabel*>("Label7")->text(), "系统信息设置系统1.0.0");
-        static_cast<AboutWindow*>(about)->ClickSysInfo();
-        EXPECT_EQ(dialogs.texts(), QStringList{"此时系统信息不可用"});
-        EXPECT_EQ(dialogs.messages[0].icon, MsgIcon::None);
-    }
-    SetAppDialogs(nullptr);
 }
 
 namespace {
@@ -136,10 +104,6 @@ TEST_F(AboutWindowTest, CmdOKClosesTheFrameAndTheMenuReopensItCentred) {
     EXPECT_EQ(main->Area()->subWindowList().size(), 1);
     EXPECT_EQ(about->findChild<QLabel*>("lblTitle")->text(), "云栖账房系统的一部分");
     EXPECT_EQ(Frame(about)->pos(), Centred(Frame(about)));
-}
-
-TEST_F(AboutWindowTest, SysInfoSaysItIsUnavailable) {
-    QWidget* about = OpenFromMenu();
     Click(about->findChild<QPushButton*>("cmdSysInfo"));
     EXPECT_EQ(dialogs.texts(), QStringList{"此时系统信息不可用"});
     EXPECT_EQ(dialogs.messages[0].icon, MsgIcon::None);
