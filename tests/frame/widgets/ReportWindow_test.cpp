@@ -4,12 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMdiSubWindow>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTemporaryDir>
 
@@ -138,6 +140,11 @@ TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
     else
         Months(w, "2024", "03", "03");
     ClickEntry(w, 0);
+    // A click below the last department keeps it selected.
+    auto* list = Child<QListWidget>(w, "List1");
+    const QRect below = list->viewport()->rect();
+    ClickAt(list, list->viewport()->mapTo(list, below.bottomLeft() + QPoint(20, -5)));
+    EXPECT_EQ(list->selectedItems().size(), 1);
     ClickButton(w, "Command3");
     if (paged) {
         // 07's shares typed in, as the companion's --ratio gives them.
@@ -160,7 +167,14 @@ TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
 
     QTemporaryDir dir;
     dialogs.saveAnswers = {dir.filePath("out.xlsx")};
+    // The busy pointer stands while the rows go out and is gone at the message.
+    bool busyWhileWriting = false, busyAtMessage = true;
+    QObject::connect(Child<QProgressBar>(w, "ProgressBar1"), &QProgressBar::valueChanged, w,
+                     [&](int) { busyWhileWriting = QApplication::overrideCursor() != nullptr; });
+    dialogs.onMessage = [&] { busyAtMessage = QApplication::overrideCursor() != nullptr; };
     ClickButton(w, "Command2");
+    EXPECT_TRUE(busyWhileWriting);
+    EXPECT_FALSE(busyAtMessage);
     EXPECT_EQ(dialogs.saveDialogDefaults.value(0),
               w->TitleText() + (paged ? QStringLiteral("_20240301-20240331") : QString()));
     EXPECT_EQ(w->LastExport(), dir.filePath("out.xlsx"));
@@ -171,6 +185,33 @@ TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
     ASSERT_TRUE(parts.count("xl/worksheets/sheet1.xml"));
     expectSame(PrettyXml(parts.at("xl/worksheets/sheet1.xml")), golden + "sheet1.xml");
     EXPECT_TRUE(RecordedErrors().empty());
+}
+
+// Every button and picker takes a mouse click at its centre, at the design
+// size and maximised: nothing drawn over it takes the click instead.
+TEST_P(ReportWindows, EveryControlTakesAClickWhereItIsDrawn) {
+    FillGoldenLedger(db);
+    session = db.Session();
+    main = MainWindowOfAllReports(*session);
+    ReportWindow* w = OpenFromMenu(*main, GetParam()->menuEntry);
+    ASSERT_TRUE(w);
+    for (const bool maximised : {false, true}) {
+        if (maximised) Frame(w)->showMaximized();
+        Settle();
+        int seen = 0;
+        for (QWidget* control : w->findChildren<QWidget*>()) {
+            if (!control->isVisibleTo(w) || !(qobject_cast<QAbstractButton*>(control) ||
+                                               qobject_cast<QAbstractSpinBox*>(control) ||
+                                               qobject_cast<QComboBox*>(control)))
+                continue;
+            ++seen;
+            const QWidget* hit = w->childAt(control->mapTo(w, control->rect().center()));
+            EXPECT_TRUE(hit == control || control->isAncestorOf(hit))
+                << control->objectName().toStdString() << (maximised ? " maximised" : "")
+                << " is covered by " << (hit ? hit->objectName().toStdString() : "nothing");
+        }
+        EXPECT_GE(seen, 3);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Golden, ReportWindows, ::testing::ValuesIn(AllReports()),
@@ -522,6 +563,21 @@ TEST_F(InvoiceWindowTest, PagerStripGoesThroughThePages) {
     Type(text6, "1.5");  // ties to even
     expectPage(2);
     EXPECT_EQ(RecordedErrors().size(), 1u);
+
+    // The label holds five-digit counts whole, clear of the images beside it.
+    auto* label = Child<QLabel>(w, "Label19");
+    EXPECT_LE(label->fontMetrics().horizontalAdvance(Pager::PageText(99999, 99999)),
+              label->width());
+    EXPECT_LT(label->geometry().right(), Child(w, "Image2(2)")->geometry().left());
+    // A run without rows: the label reads no pages, while its message is up and after.
+    Extract(w);
+    SetDates(w, QDate(2030, 1, 1), QDate(2030, 1, 31));
+    QString atMessage;
+    dialogs.onMessage = [&] { atMessage = label->text(); };
+    ClickButton(w, "Command6");
+    EXPECT_EQ(atMessage, Pager::EmptyPageText());
+    EXPECT_EQ(label->text(), Pager::EmptyPageText());
+    EXPECT_EQ(w->Grid1().Rows(), 2);
 }
 
 TEST_F(InvoiceWindowTest, ResizeKeepsMarginsAndThePage) {
