@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QDialogButtonBox>
+#include <QFile>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMdiSubWindow>
@@ -33,6 +35,32 @@ TEST(BannerTest, SliceRepeatsOnlyWhereTheWindowIsWide) {
     const QImage wide = Banner::Paint(design, 1600);
     EXPECT_EQ(wide.pixelColor(615, 10), QColor(Qt::red));
     EXPECT_EQ(wide.pixelColor(1000, 10), QColor(Qt::red));
+}
+
+// MDI.BMP beside the program is one picture stretched over the client area
+// from the first show on: its marked corners at the area's corners.
+TEST(BackdropTest, StretchedFromTheFirstShow) {
+    const QString file = QCoreApplication::applicationDirPath() + "/MDI.BMP";
+    QImage picture(40, 30, QImage::Format_RGB888);
+    picture.fill(Qt::blue);
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 3; ++j) {
+            picture.setPixelColor(i, j, Qt::red);
+            picture.setPixelColor(39 - i, 29 - j, Qt::green);
+        }
+    ASSERT_TRUE(picture.save(file, "BMP"));
+    MainWindow main({});
+    QFile::remove(file);
+    main.resize(900, 700);
+    main.show();
+    Settle();
+    const QImage shown = main.Area()->viewport()->grab().toImage();
+    const int w = shown.width(), h = shown.height();
+    EXPECT_EQ(shown.pixelColor(2, 2), QColor(Qt::red));
+    EXPECT_EQ(shown.pixelColor(w - 3, h - 3), QColor(Qt::green));
+    // A picture tiled at its own size, or at 100 by 30, puts a corner mark here.
+    EXPECT_EQ(shown.pixelColor(201, 151), QColor(Qt::blue));
+    EXPECT_EQ(shown.pixelColor(w / 2, h / 2), QColor(Qt::blue));
 }
 
 namespace {
