@@ -4,15 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <cstdio>
-#include <memory>
-#include <ostream>
 
 #include "core/Dialogs.h"
 #include "db/OpenDatabase.h"
@@ -23,83 +19,62 @@ using namespace yunqi;
 
 namespace {
 
-bool FreeTdsInstalled() {
-    QFile list(QStringLiteral("/etc/odbcinst.ini"));
-    return list.open(QIODevice::ReadOnly) && list.readAll().contains("[FreeTDS]");
-}
-
-// One run of the listener: started on a free port, stopped by itself after
-// one login or its time bound.
+// One run of the listener on a free port; it stops after one login or 40 s,
+// which outlasts the driver's login time-out of 30 s, so that a stalled login
+// shows as the driver's time-out.
 class TdsListener {
   public:
-    // Its time bound outlasts the driver's login time-out of 30 s, so that a
-    // stalled login shows as the driver's time-out.
-    explicit TdsListener(const QStringList& args = {}) {
-        process_.setProgram(QStringLiteral("/usr/bin/python3"));
-        process_.setArguments(QStringList{QStringLiteral(YUNQI_TEST_DIR "/db/tds_listener.py"),
-                                          QStringLiteral("--seconds"), QStringLiteral("40")} +
-                              args);
-        process_.start();
+    explicit TdsListener(QStringList args) {
+        args.prepend(QStringLiteral(YUNQI_TEST_DIR "/db/tds_listener.py"));
+        process_.start(QStringLiteral("/usr/bin/python3"), args);
         if (!process_.waitForReadyRead(10000)) return;
         const QString first = QString::fromUtf8(process_.readLine()).trimmed();
         if (first.startsWith(QLatin1String("port ")))
-            port_ = first.mid(5).toInt();
+            port_ = first.mid(5);
         else
             refusal_ = first;
     }
     ~TdsListener() {
         if (!process_.waitForFinished(45000)) process_.kill();
     }
-    int Port() const { return port_; }
-    QString PortText() const { return QString::number(port_); }
-    // Why it did not start, when it did not.
-    const QString& Refusal() const { return refusal_; }
-
-    // The records written until it stopped: browser requests and logins.
-    std::vector<QJsonObject> Records() {
+    QString port_, refusal_;  // the port, or why it did not start
+    // The records written until it stopped: browser requests and the login.
+    QJsonObject Records() {
         process_.waitForFinished(45000);
-        std::vector<QJsonObject> records;
+        QJsonObject all;
         for (const QByteArray& line : process_.readAllStandardOutput().split('\n'))
-            if (!line.trimmed().isEmpty())
-                records.push_back(QJsonDocument::fromJson(line).object());
-        return records;
-    }
-    QJsonObject Login() {
-        for (const QJsonObject& r : Records())
-            if (r.contains(QLatin1String("version"))) return r;
-        return {};
+        {
+            const QJsonObject record = QJsonDocument::fromJson(line).object();
+            for (auto i = record.begin(); i != record.end(); ++i) all[i.key()] = i.value();
+        }
+        return all;
     }
 
   private:
     QProcess process_;
-    int port_ = 0;
-    QString refusal_;
 };
 
 // An environment variable for the length of a scope.
-class ScopedEnv {
-  public:
-    ScopedEnv(const char* name, const QString& value)
-        : name_(name), had_(qEnvironmentVariableIsSet(name)), old_(qgetenv(name)) {
-        qputenv(name, value.toLocal8Bit());
+struct ScopedEnv {
+    ScopedEnv(const char* name, const QByteArray& value) : name(name) {
+        if (*name) qputenv(name, value);
     }
     ~ScopedEnv() {
-        if (had_)
-            qputenv(name_, old_);
-        else
-            qunsetenv(name_);
+        if (*name) qunsetenv(name);
     }
-
-  private:
-    const char* name_;
-    bool had_;
-    QByteArray old_;
+    const char* name;
 };
 
-class FreeTdsStackTest : public ::testing::Test {
+DbSettings Server(const QString& svr, const char* edition = "2000") {
+    return {.Edition = edition, .Svr = svr, .UID = "出纳", .PWD = "secret", .DBname = "账房",
+            .Driver = "FreeTDS"};
+}
+
+class FreeTdsStack : public ::testing::Test {
   protected:
     void SetUp() override {
-        if (!FreeTdsInstalled())
+        QFile list(QStringLiteral("/etc/odbcinst.ini"));
+        if (!list.open(QIODevice::ReadOnly) || !list.readAll().contains("[FreeTDS]"))
             GTEST_SKIP() << "the FreeTDS ODBC driver is not installed (package tdsodbc)";
         SetAppDialogs(&dialogs);
     }
@@ -107,237 +82,135 @@ class FreeTdsStackTest : public ::testing::Test {
         SetAppDialogs(nullptr);
         AppSession().SessionConnection.reset();
     }
-    static DbSettings Server(const QString& svr, const QString& edition = QStringLiteral("2000")) {
-        DbSettings s;
-        s.Edition = edition;
-        s.Svr = svr;
-        s.UID = QStringLiteral("出纳");
-        s.PWD = QStringLiteral("secret");
-        s.DBname = QStringLiteral("账房");
-        s.Driver = QStringLiteral("FreeTDS");
-        return s;
-    }
     RecordingDialogs dialogs;
 };
 
-template <typename Row>
-class FreeTdsStackTable : public FreeTdsStackTest, public ::testing::WithParamInterface<Row> {};
-
-template <typename Row>
-std::string RowName(const ::testing::TestParamInfo<Row>& info) {
-    return info.param.name;
-}
-
-// Rows print as their names, not as bytes.
-template <typename Row>
-requires requires(const Row& r) { r.name; }
-void PrintTo(const Row& row, std::ostream* os) { *os << row.name; }
-
-struct EditionRow {
+// Every edition's TDS version and every way an office names its server reach
+// the listener with the user, application and database configured, the
+// Chinese texts as UTF-16, and the password as written.
+struct LoginRow {
     const char* name;
     const char* edition;
+    const char* svr;  // PORT stands for the listener's
+    const char* password;
     const char* version;  // as the login packet states it
+    enum { Port, TdsPort, Browser, Dsn } how = Port;
 };
-using FreeTdsEditionTest = FreeTdsStackTable<EditionRow>;
+void PrintTo(const LoginRow& row, std::ostream* os) { *os << row.name; }
 
-TEST_P(FreeTdsEditionTest, LoginAsksForTheEditionsTdsVersion) {
-    TdsListener listener;
-    ASSERT_GT(listener.Port(), 0) << listener.Refusal().toStdString();
-    EXPECT_FALSE(OpenDatabase(Server("127.0.0.1," + listener.PortText(), GetParam().edition)));
-    EXPECT_EQ(listener.Login()["version"].toString(), GetParam().version);
-}
-
-INSTANTIATE_TEST_SUITE_P(Editions, FreeTdsEditionTest,
-                         ::testing::Values(EditionRow{"e2000", "2000", "0x71000001"},
-                                           EditionRow{"e2005", "2005", "0x72090002"},
-                                           EditionRow{"e2008", "2008", "0x730B0003"},
-                                           EditionRow{"e2008R2", "2008 R2", "0x730B0003"},
-                                           EditionRow{"e2012", "2012", "0x74000004"},
-                                           EditionRow{"e2019", "2019", "0x74000004"},
-                                           EditionRow{"unknown", "Azure", "0x74000004"}),
-                         RowName<EditionRow>);
-
-enum class Form { Host, HostPort, Instance, InstancePort, Dsn };
-struct FormRow {
-    const char* name;
-    Form form;
-};
-using FreeTdsSettingsFormTest = FreeTdsStackTable<FormRow>;
-
-// Every way an office names its server reaches the listener with the user,
-// application and database configured; the Chinese texts as UTF-16.
-TEST_P(FreeTdsSettingsFormTest, LoginReachesTheListenerAsConfigured) {
-    const Form form = GetParam().form;
+const LoginRow kLogins[] = {
+    {"e2000", "2000", "127.0.0.1,PORT", "p}w}d", "0x71000001"},
+    {"e2005", "2005", "127.0.0.1,PORT", "pw}", "0x72090002"},
+    {"e2008", "2008", "127.0.0.1,PORT", "p;w'd", "0x730B0003"},
+    {"e2008R2", "2008 R2", "127.0.0.1,PORT", "{pwd", "0x730B0003"},
+    {"e2012", "2012", "127.0.0.1,PORT", " {x} ", "0x74000004"},
+    {"e2019", "2019", "127.0.0.1,PORT", "a=b,c", "0x74000004"},
+    {"unknownEdition", "Azure", "127.0.0.1,PORT", "账房密码", "0x74000004"},
+    // The port is FreeTDS's to choose: 1433, or as told.
+    {"host", "2000", "127.0.0.1", "secret", "0x71000001", LoginRow::TdsPort},
+    {"hostBlankPort", "2000", "127.0.0.1, PORT", "secret", "0x71000001"},
     // FreeTDS asks for an instance's port on the browser's own port, 1434.
-    TdsListener listener(form == Form::Instance
+    {"instance", "2000", "127.0.0.1\\LEDGER", "secret", "0x71000001", LoginRow::Browser},
+    {"instancePort", "2000", "127.0.0.1\\LEDGER,PORT", "secret", "0x71000001"},
+    // The data source's server of freetds.conf holds address, port and version.
+    {"dsn", "2000", "elsewhere.invalid", "secret", "0x72090002", LoginRow::Dsn},
+};
+
+class FreeTdsLogin : public FreeTdsStack, public ::testing::WithParamInterface<LoginRow> {};
+
+TEST_P(FreeTdsLogin, ReachesTheListenerAsConfigured) {
+    const LoginRow& row = GetParam();
+    TdsListener listener(row.how == LoginRow::Browser
                              ? QStringList{QStringLiteral("--browser-port"), QStringLiteral("1434")}
                              : QStringList{});
-    if (form == Form::Instance && listener.Port() == 0)
-        GTEST_SKIP() << "no browser answer on 127.0.0.1: " << listener.Refusal().toStdString();
-    ASSERT_GT(listener.Port(), 0) << listener.Refusal().toStdString();
-    // Written as an administrator writes the settings file.
-    QString svr, dsn;
+    if (row.how == LoginRow::Browser && listener.port_.isEmpty())
+        GTEST_SKIP() << "no browser answer on 127.0.0.1: " << listener.refusal_.toStdString();
+    ASSERT_FALSE(listener.port_.isEmpty()) << listener.refusal_.toStdString();
+    DbSettings s = Server(QString::fromUtf8(row.svr).replace("PORT", listener.port_), row.edition);
+    s.PWD = QString::fromUtf8(row.password);
     QTemporaryDir dir;
-    std::vector<std::unique_ptr<ScopedEnv>> env;
-    switch (form) {
-        case Form::Host:  // the port is FreeTDS's to choose: 1433, or as told
-            svr = QStringLiteral("127.0.0.1");
-            env.push_back(std::make_unique<ScopedEnv>("TDSPORT", listener.PortText()));
-            break;
-        case Form::HostPort:
-            svr = QStringLiteral("127.0.0.1, ") + listener.PortText();
-            break;
-        case Form::Instance:
-            svr = QStringLiteral("127.0.0.1\\LEDGER");
-            break;
-        case Form::InstancePort:
-            svr = QStringLiteral("127.0.0.1\\LEDGER,") + listener.PortText();
-            break;
-        case Form::Dsn: {
-            // The data source names a server of freetds.conf, which holds
-            // address, port and version.
-            QFile odbc(dir.filePath("odbc.ini")), conf(dir.filePath("freetds.conf"));
-            ASSERT_TRUE(odbc.open(QIODevice::WriteOnly) && conf.open(QIODevice::WriteOnly));
-            odbc.write("[yunqi-ledger]\nDriver = FreeTDS\nServername = ledger\n");
-            conf.write("[ledger]\n\thost = 127.0.0.1\n\tport = " + listener.PortText().toLatin1() +
-                       "\n\ttds version = 7.2\n\tencryption = off\n");
-            odbc.close();
-            conf.close();
-            env.push_back(std::make_unique<ScopedEnv>("ODBCINI", dir.filePath("odbc.ini")));
-            env.push_back(std::make_unique<ScopedEnv>("FREETDSCONF", dir.filePath("freetds.conf")));
-            svr = QStringLiteral("elsewhere.invalid");
-            dsn = QStringLiteral("DSN=yunqi-ledger\n");
-            break;
-        }
+    QFile odbc(dir.filePath("odbc.ini")), conf(dir.filePath("freetds.conf"));
+    if (row.how == LoginRow::Dsn) {
+        s.DSN = QStringLiteral("yunqi-ledger");
+        ASSERT_TRUE(odbc.open(QIODevice::WriteOnly) && conf.open(QIODevice::WriteOnly));
+        odbc.write("[yunqi-ledger]\nDriver = FreeTDS\nServername = ledger\n");
+        conf.write("[ledger]\n\thost = 127.0.0.1\n\tport = " + listener.port_.toLatin1() +
+                   "\n\ttds version = 7.2\n\tencryption = off\n");
+        odbc.close();
+        conf.close();
     }
-    {
-        QFile ini(dir.filePath("settings.ini"));
-        ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
-        ini.write(
-            ("[DBConfig]\nEdition=2000\nSvr=" + svr + "\nUID=出纳\nPWD=secret\nDBname=账房\n" + dsn)
-                .toUtf8());
-    }
-    QSettings store(dir.filePath("settings.ini"), QSettings::IniFormat);
-    const DbSettings s = ReadDbSettings(store);
+    const bool dsn = row.how == LoginRow::Dsn;
+    ScopedEnv port(row.how == LoginRow::TdsPort ? "TDSPORT" : "", listener.port_.toLatin1());
+    ScopedEnv odbcIni(dsn ? "ODBCINI" : "", QFile::encodeName(odbc.fileName()));
+    ScopedEnv tdsConf(dsn ? "FREETDSCONF" : "", QFile::encodeName(conf.fileName()));
     EXPECT_FALSE(OpenDatabase(s));
-    QJsonObject login;
-    QStringList browsed;
-    for (const QJsonObject& r : listener.Records()) {
-        if (r.contains(QLatin1String("browser"))) browsed << r["browser"].toString();
-        if (r.contains(QLatin1String("version"))) login = r;
-    }
-    ASSERT_FALSE(login.isEmpty()) << "no login reached the listener";
+    const QJsonObject login = listener.Records();
+    ASSERT_TRUE(login.contains("version")) << "no login reached the listener";
+    EXPECT_EQ(login["version"].toString(), row.version);
     EXPECT_EQ(login["user"].toString(), "出纳");
     EXPECT_EQ(login["app"].toString(), QCoreApplication::applicationName());
     EXPECT_EQ(login["database"].toString(), "账房");
-    EXPECT_TRUE(login["password"].toString() == "secret") << "the password differs";
-    EXPECT_EQ(browsed, form == Form::Instance ? QStringList{"LEDGER"} : QStringList{});
-    // The data source's version, whatever Edition says.
-    EXPECT_EQ(login["version"].toString(), form == Form::Dsn ? "0x72090002" : "0x71000001");
-}
-
-INSTANTIATE_TEST_SUITE_P(Forms, FreeTdsSettingsFormTest,
-                         ::testing::Values(FormRow{"host", Form::Host},
-                                           FormRow{"hostPort", Form::HostPort},
-                                           FormRow{"instance", Form::Instance},
-                                           FormRow{"instancePort", Form::InstancePort},
-                                           FormRow{"dsn", Form::Dsn}),
-                         RowName<FormRow>);
-
-struct PasswordRow {
-    const char* name;
-    const char* password;
-};
-using FreeTdsPasswordTest = FreeTdsStackTable<PasswordRow>;
-
-// The password reaches the server as written (never printed here).
-TEST_P(FreeTdsPasswordTest, ReachesTheListenerAsWritten) {
-    TdsListener listener;
-    ASSERT_GT(listener.Port(), 0) << listener.Refusal().toStdString();
-    DbSettings s = Server("127.0.0.1," + listener.PortText());
-    s.PWD = QString::fromUtf8(GetParam().password);
-    EXPECT_FALSE(OpenDatabase(s));
-    const QString got = listener.Login()["password"].toString();
+    // Never printed: compared, and told only by its length.
+    const QString got = login["password"].toString();
     EXPECT_TRUE(got == s.PWD) << "the password arrived with " << got.size() << " characters, not "
                               << s.PWD.size() << ", or changed";
+    EXPECT_EQ(login["browser"].toString(), row.how == LoginRow::Browser ? "LEDGER" : "");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Passwords, FreeTdsPasswordTest,
-    ::testing::Values(PasswordRow{"closingBrace", "p}w}d"}, PasswordRow{"endsInBrace", "pw}"},
-                      PasswordRow{"semicolon", "p;w'd"}, PasswordRow{"openingBrace", "{pwd"},
-                      PasswordRow{"blanks", " {x} "}, PasswordRow{"equals", "a=b,c"},
-                      PasswordRow{"chinese", "账房密码"}),
-    RowName<PasswordRow>);
+INSTANTIATE_TEST_SUITE_P(Rows, FreeTdsLogin, ::testing::ValuesIn(kLogins),
+                         [](const auto& info) { return std::string(info.param.name); });
 
-struct UncarriedRow {
+// A start-up that fails says why, then that the connection failed. A value
+// FreeTDS would read back altered is refused before any server is asked; a
+// listener that closes after the login leaves the driver's description; a
+// failed login answered as the old server answers it (the DONE of TDS 7.1,
+// the connection kept) ends with the server's message, not a time-out.
+struct StartUpRow {
     const char* name;
     const char* uid;
     const char* pwd;
     const char* dbName;
-    const char* told;  // how the first message begins
+    const char* reply;  // the listener's, or none
+    const char* begins;  // the first message's text after "错误信息："
+    const char* holds;
 };
-using FreeTdsUncarriedTest = FreeTdsStackTable<UncarriedRow>;
+void PrintTo(const StartUpRow& row, std::ostream* os) { *os << row.name; }
 
-// A value FreeTDS would read back altered is refused at start-up with the
-// reason, before any server is asked: two messages, in order.
-TEST_P(FreeTdsUncarriedTest, StartUpSaysWhyAndFails) {
-    DbSettings s = Server(QStringLiteral("127.0.0.1,1"));
-    s.UID = QString::fromUtf8(GetParam().uid);
-    s.PWD = QString::fromUtf8(GetParam().pwd);
-    s.DBname = QString::fromUtf8(GetParam().dbName);
+const StartUpRow kStartUps[] = {
+    {"uncarriedPassword", "sa", "p;w}d", "db", nullptr, "PWD holds \"}\" and \";\"", ""},
+    {"uncarriedUser", "{sa}", "x", "db", nullptr, "UID starts with \"{\" and holds \"}\"", ""},
+    {"uncarriedDatabase", "sa", "x", "账;房}", nullptr, "DBname holds \"}\" and \";\"", ""},
+    {"closedAfterLogin", "出纳", "x", "db", "close", "[FreeTDS]", "Unexpected EOF from the server"},
+    {"loginFailedOn2000", "出纳", "x", "db", "fail", "[FreeTDS]",
+     "Login failed for user '出纳'."},
+};
+
+class FreeTdsStartUp : public FreeTdsStack, public ::testing::WithParamInterface<StartUpRow> {};
+
+TEST_P(FreeTdsStartUp, SaysWhyThenThatTheConnectionFailed) {
+    const StartUpRow& row = GetParam();
+    std::optional<TdsListener> listener;
+    if (row.reply) listener.emplace(QStringList{QStringLiteral("--reply"), row.reply});
+    DbSettings s = Server("127.0.0.1," + (listener ? listener->port_ : QStringLiteral("1")));
+    s.UID = QString::fromUtf8(row.uid);
+    s.PWD = QString::fromUtf8(row.pwd);
+    s.DBname = QString::fromUtf8(row.dbName);
     bool shown = false;
     EXPECT_EQ(StartUp(s, [&] { shown = true; }), 1);
     EXPECT_FALSE(shown);
+    if (listener) EXPECT_TRUE(listener->Records().contains("version"));
     ASSERT_EQ(dialogs.messages.size(), 2u);
-    EXPECT_TRUE(dialogs.messages[0].text.startsWith(QStringLiteral("错误信息：") + GetParam().told))
-        << dialogs.messages[0].text.toStdString();
-    EXPECT_EQ(dialogs.messages[0].title, "信息文本");
-    EXPECT_EQ(dialogs.messages[1].text, "数据库连接失败!");
-}
-
-INSTANTIATE_TEST_SUITE_P(Values, FreeTdsUncarriedTest,
-                         ::testing::Values(UncarriedRow{"password", "sa", "p;w}d", "db",
-                                                        "PWD holds \"}\" and \";\""},
-                                           UncarriedRow{"user", "{sa}", "x", "db",
-                                                        "UID starts with \"{\" and holds \"}\""},
-                                           UncarriedRow{"database", "sa", "x", "账;房}",
-                                                        "DBname holds \"}\" and \";\""}),
-                         RowName<UncarriedRow>);
-
-// The listener closes after the login: the driver's description, then the
-// start-up's own message.
-TEST_F(FreeTdsStackTest, ClosedAfterTheLoginShowsTheTwoMessagesInOrder) {
-    TdsListener listener;
-    ASSERT_GT(listener.Port(), 0) << listener.Refusal().toStdString();
-    bool shown = false;
-    EXPECT_EQ(StartUp(Server("127.0.0.1," + listener.PortText()), [&] { shown = true; }), 1);
-    EXPECT_FALSE(shown);
-    EXPECT_FALSE(listener.Login().isEmpty());
-    ASSERT_EQ(dialogs.messages.size(), 2u);
-    EXPECT_TRUE(dialogs.messages[0].text.startsWith("错误信息：[FreeTDS]"));
-    EXPECT_TRUE(dialogs.messages[0].text.contains("Unexpected EOF from the server"))
-        << dialogs.messages[0].text.toStdString();
+    const QString& text = dialogs.messages[0].text;
+    EXPECT_TRUE(text.startsWith(QStringLiteral("错误信息：") + QString::fromUtf8(row.begins)))
+        << text.toStdString();
+    EXPECT_TRUE(text.contains(QString::fromUtf8(row.holds))) << text.toStdString();
+    EXPECT_FALSE(text.contains("Timeout expired")) << text.toStdString();
     EXPECT_EQ(dialogs.messages[0].title, "信息文本");
     EXPECT_EQ(dialogs.messages[1].text, "数据库连接失败!");
     EXPECT_EQ(dialogs.messages[1].title, "连接提示");
 }
 
-// A failed login answered as the old server answers it (the DONE of TDS 7.1,
-// the connection kept) ends with the server's own message, not a time-out.
-TEST_F(FreeTdsStackTest, FailedLoginOnEdition2000EndsWithTheLoginMessage) {
-    TdsListener listener({QStringLiteral("--reply"), QStringLiteral("fail")});
-    ASSERT_GT(listener.Port(), 0) << listener.Refusal().toStdString();
-    QElapsedTimer clock;
-    clock.start();
-    EXPECT_FALSE(OpenDatabase(Server("127.0.0.1," + listener.PortText())));
-    std::printf("failed login took %.3f s\n", clock.elapsed() / 1000.0);
-    ASSERT_EQ(dialogs.messages.size(), 1u);
-    // The server's message, its user name back from UTF-16, and no time-out.
-    const QString& text = dialogs.messages[0].text;
-    EXPECT_TRUE(text.startsWith("错误信息：[FreeTDS]")) << text.toStdString();
-    EXPECT_TRUE(text.endsWith("Login failed for user '出纳'.")) << text.toStdString();
-    EXPECT_FALSE(text.contains("Timeout expired")) << text.toStdString();
-}
+INSTANTIATE_TEST_SUITE_P(Rows, FreeTdsStartUp, ::testing::ValuesIn(kStartUps),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
