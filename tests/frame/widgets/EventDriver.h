@@ -28,11 +28,10 @@ inline void Settle() {
     }
 }
 
-// A click at a point of root, given to the widget drawn there.
-inline void ClickAt(QWidget* root, const QPoint& at) {
-    QWidget* target = root->childAt(at);
-    if (!target) target = root;
-    QTest::mouseClick(target, Qt::LeftButton, {}, target->mapFrom(root, at));
+// A click at a point of w, given to the widget drawn there.
+inline void ClickAt(QWidget* w, const QPoint& at) {
+    QWidget* target = w->childAt(at) ? w->childAt(at) : w;
+    QTest::mouseClick(target, Qt::LeftButton, {}, target->mapFrom(w, at));
     Settle();
 }
 
@@ -45,19 +44,21 @@ inline void ClickCell(FlexGridView* grid, int row, int col) {
     ClickAt(grid, cell.center());
 }
 
+inline QAction* ActionNamed(QWidget* w, const QString& text) {
+    for (QAction* a : w->actions())
+        if (a->text() == text) return a;
+    return nullptr;
+}
+
 // Chooses an entry of a menu of the menu bar with the mouse.
 inline void ChooseFromMenu(QMenuBar* bar, const QString& menu, const QString& entry) {
-    QAction* top = nullptr;
-    for (QAction* a : bar->actions())
-        if (a->text() == menu) top = a;
+    QAction* top = ActionNamed(bar, menu);
     ASSERT_TRUE(top) << menu.toStdString();
     QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(top).center());
     Settle();
     QMenu* popup = top->menu();
     ASSERT_TRUE(popup->isVisible()) << menu.toStdString();
-    QAction* item = nullptr;
-    for (QAction* a : popup->actions())
-        if (a->text() == entry) item = a;
+    QAction* item = ActionNamed(popup, entry);
     ASSERT_TRUE(item) << entry.toStdString();
     const QPoint at = popup->actionGeometry(item).center();
     QTest::mouseMove(popup, at);
@@ -65,15 +66,12 @@ inline void ChooseFromMenu(QMenuBar* bar, const QString& menu, const QString& en
     Settle();
 }
 
-// Scrolls a scroll area by clicks on its scroll bar: on the page area
-// after the handle, as far as a number of clicks takes it.
+// Clicks on a scroll bar's page area just before the arrow at the far end.
 inline void ScrollByClicks(QScrollBar* bar, int clicks) {
+    const bool horizontal = bar->orientation() == Qt::Horizontal;
+    const QPoint at = horizontal ? QPoint(bar->width() - bar->height() - 3, bar->height() / 2)
+                                 : QPoint(bar->width() / 2, bar->height() - bar->width() - 3);
     for (int i = 0; i < clicks; ++i) {
-        const bool horizontal = bar->orientation() == Qt::Horizontal;
-        // Just before the arrow at the far end.
-        const int arrow = horizontal ? bar->height() : bar->width();
-        const QPoint at = horizontal ? QPoint(bar->width() - arrow - 3, bar->height() / 2)
-                                     : QPoint(bar->width() / 2, bar->height() - arrow - 3);
         QTest::mouseClick(bar, Qt::LeftButton, {}, at);
         Settle();
     }
@@ -96,18 +94,23 @@ inline void Type(QWidget* w, const QString& text) {
     Settle();
 }
 
-// The main program's window with a menu entry for every report, shown at a
-// working size.
+// The main program's window with the given entries, shown at a working size.
+inline std::unique_ptr<MainWindow> ShownMainWindow(
+    std::map<QString, MainWindow::WindowFactory> windows, QSize size = {1400, 1000}) {
+    auto main = std::make_unique<MainWindow>(std::move(windows));
+    main->resize(size);
+    main->show();
+    Settle();
+    return main;
+}
+
+// The main program's window with a menu entry for every report.
 inline std::unique_ptr<MainWindow> MainWindowOfAllReports(DatabaseSession& session) {
     std::map<QString, MainWindow::WindowFactory> windows;
     for (const ReportDefinition* report : AllReports())
         windows.emplace(report->menuEntry,
                         [report, &session] { return NewReportWindow(*report, session); });
-    auto main = std::make_unique<MainWindow>(std::move(windows));
-    main->resize(1400, 1000);
-    main->show();
-    Settle();
-    return main;
+    return ShownMainWindow(std::move(windows));
 }
 
 // The window of a 统计报表 entry, chosen with the mouse.

@@ -27,14 +27,13 @@ TEST(BannerTest, SliceRepeatsOnlyWhereTheWindowIsWide) {
     for (int x = 590; x < 610; ++x)
         for (int y = 0; y < 54; ++y) design.setPixelColor(x, y, Qt::red);
     // Narrower than 12850 twips: the design, then the final piece at width - 4000.
-    const QImage narrow = Banner::Paint(design, 800);
-    EXPECT_EQ(narrow.pixelColor(540, 10), QColor(Qt::red));    // the tail starts at 533 px
-    EXPECT_EQ(narrow.pixelColor(600, 10), QColor(Qt::black));  // no slice repeated
-    EXPECT_EQ(narrow.pixelColor(20, 10), QColor(Qt::black));
     // Wide: the slice repeats from 9150 twips (610 px) on.
-    const QImage wide = Banner::Paint(design, 1600);
-    EXPECT_EQ(wide.pixelColor(615, 10), QColor(Qt::red));
-    EXPECT_EQ(wide.pixelColor(1000, 10), QColor(Qt::red));
+    const QImage narrow = Banner::Paint(design, 800), wide = Banner::Paint(design, 1600);
+    for (const auto& [image, x, colour] : std::vector<std::tuple<const QImage*, int, QColor>>{
+             {&narrow, 540, Qt::red},    // the tail starts at 533 px
+             {&narrow, 600, Qt::black},  // no slice repeated
+             {&narrow, 20, Qt::black}, {&wide, 615, Qt::red}, {&wide, 1000, Qt::red}})
+        EXPECT_EQ(image->pixelColor(x, 10), colour) << x << (image == &wide ? " wide" : "");
 }
 
 // MDI.BMP beside the program is one picture stretched over the client area
@@ -56,11 +55,11 @@ TEST(BackdropTest, StretchedFromTheFirstShow) {
     Settle();
     const QImage shown = main.Area()->viewport()->grab().toImage();
     const int w = shown.width(), h = shown.height();
-    EXPECT_EQ(shown.pixelColor(2, 2), QColor(Qt::red));
-    EXPECT_EQ(shown.pixelColor(w - 3, h - 3), QColor(Qt::green));
-    // A picture tiled at its own size, or at 100 by 30, puts a corner mark here.
-    EXPECT_EQ(shown.pixelColor(201, 151), QColor(Qt::blue));
-    EXPECT_EQ(shown.pixelColor(w / 2, h / 2), QColor(Qt::blue));
+    // A picture tiled at its own size, or at 100 by 30, puts a corner mark at (201, 151).
+    for (const auto& [x, y, colour] : std::vector<std::tuple<int, int, QColor>>{
+             {2, 2, Qt::red}, {w - 3, h - 3, Qt::green},
+             {201, 151, Qt::blue}, {w / 2, h / 2, Qt::blue}})
+        EXPECT_EQ(shown.pixelColor(x, y), colour) << x << "," << y;
 }
 
 namespace {
@@ -70,10 +69,7 @@ class AboutWindowTest : public ::testing::Test {
   protected:
     void SetUp() override {
         SetAppDialogs(&dialogs);
-        main = std::make_unique<MainWindow>(std::map<QString, MainWindow::WindowFactory>{});
-        main->resize(1200, 800);
-        main->show();
-        Settle();
+        main = ShownMainWindow({}, {1200, 800});
     }
     void TearDown() override {
         main.reset();
@@ -82,9 +78,6 @@ class AboutWindowTest : public ::testing::Test {
     QWidget* OpenFromMenu() {
         ChooseFromMenu(main->menuBar(), QStringLiteral("关于"), QStringLiteral("关于软件"));
         return main->OpenWindow(QStringLiteral("关于软件"));
-    }
-    static QMdiSubWindow* Frame(QWidget* w) {
-        return qobject_cast<QMdiSubWindow*>(w->parentWidget());
     }
     // Where CenterInMainWindow puts a frame in the MDI area.
     QPoint Centred(QWidget* frame) const {
@@ -100,10 +93,10 @@ class AboutWindowTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(AboutWindowTest, OpensCentredAtItsSizeAndIsRaisedNotMoved) {
+TEST_F(AboutWindowTest, OpensCentredIsRaisedNotMovedAndCmdOKClosesIt) {
     QWidget* about = OpenFromMenu();
     ASSERT_TRUE(about);
-    QMdiSubWindow* frame = Frame(about);
+    auto* frame = qobject_cast<QMdiSubWindow*>(about->parentWidget());
     ASSERT_TRUE(frame);
     EXPECT_FALSE(frame->isMaximized());
     EXPECT_GE(about->width(), about->sizeHint().width());
@@ -117,21 +110,17 @@ TEST_F(AboutWindowTest, OpensCentredAtItsSizeAndIsRaisedNotMoved) {
     EXPECT_EQ(frame->pos(), QPoint(10, 20));
     EXPECT_EQ(main->Area()->activeSubWindow(), frame);
     EXPECT_EQ(main->Area()->subWindowList().size(), 1);
-}
 
-TEST_F(AboutWindowTest, CmdOKClosesTheFrameAndTheMenuReopensItCentred) {
-    QWidget* about = OpenFromMenu();
-    Frame(about)->move(0, 0);
+    // Closed by cmdOK and opened again: a fresh window, centred.
     about->findChild<QLabel*>("lblTitle")->setText("changed");
     Click(about->findChild<QPushButton*>("cmdOK"));
     EXPECT_EQ(main->OpenWindow(QStringLiteral("关于软件")), nullptr);
     EXPECT_TRUE(main->Area()->subWindowList().isEmpty());
-
     about = OpenFromMenu();
     ASSERT_TRUE(about);
     EXPECT_EQ(main->Area()->subWindowList().size(), 1);
     EXPECT_EQ(about->findChild<QLabel*>("lblTitle")->text(), "云栖账房系统的一部分");
-    EXPECT_EQ(Frame(about)->pos(), Centred(Frame(about)));
+    EXPECT_EQ(about->parentWidget()->pos(), Centred(about->parentWidget()));
     Click(about->findChild<QPushButton*>("cmdSysInfo"));
     EXPECT_EQ(dialogs.texts(), QStringList{"此时系统信息不可用"});
     EXPECT_EQ(dialogs.messages[0].icon, MsgIcon::None);

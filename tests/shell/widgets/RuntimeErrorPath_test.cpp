@@ -26,22 +26,13 @@
 
 using namespace yunqi;
 
-namespace {
-
-// A demo ledger cut in half, as a copy interrupted or a disk gone bad leaves it.
-QString TruncatedLedger(const QTemporaryDir& dir) {
-    const QString file = dir.filePath("ledger.sqlite");
-    WriteDemoDatabase(file, 2000, 3);
-    QFile(file).resize(QFileInfo(file).size() / 2);
-    return file;
-}
-
-}  // namespace
-
 TEST(RuntimeErrorPathTest, TheProgramsHandlerEndsWithTheMessageAndStatusOne) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
+    // A demo ledger cut in half, as a copy interrupted or a disk gone bad leaves it.
     QTemporaryDir dir;
-    const QString ledger = TruncatedLedger(dir);
+    const QString ledger = dir.filePath("ledger.sqlite");
+    WriteDemoDatabase(ledger, 2000, 3);
+    QFile(ledger).resize(QFileInfo(ledger).size() / 2);
     EXPECT_EXIT(
         {
             // The production set-up of main(), on the offscreen platform.
@@ -74,11 +65,10 @@ TEST(RuntimeErrorPathTest, HeadlessFormsGoToStandardErrorAndNeverWait) {
     EXPECT_EQ(dialogs.SaveFileName("name", "a|*.a"), std::nullopt);
 }
 
-// The real program, started headless on a ledger that can't be opened: the
-// two forms on standard error and status 1, where it used to wait for ever.
-// A ledger that isn't one ends start-up with the two connection messages,
-// headless without waiting; the arguments are not the program's, nor Qt's (a
-// platform named there would end the program before start-up).
+// The real program, started headless on a ledger that can't be opened or isn't
+// one: the two connection messages on standard error and status 1, without
+// waiting. The arguments are not the program's, nor Qt's (a platform named
+// there would end the program before start-up).
 TEST(RuntimeErrorPathTest, AFailedStartUpOffscreenSaysWhyAndEnds) {
     QTemporaryDir config;
     QDir(config.path()).mkpath("云栖账房");
@@ -96,21 +86,18 @@ TEST(RuntimeErrorPathTest, AFailedStartUpOffscreenSaysWhyAndEnds) {
         QSqlQuery(db).exec("CREATE TABLE other (x INTEGER)");
     }
     QSqlDatabase::removeDatabase("foreign");
-    const struct {
-        const char* file;
-        const char* reason;
-    } cases[] = {{"missing.sqlite", "unable to open database file"},
-                 {"random.sqlite", "file is not a database"},
-                 {"empty.sqlite", "no such table: 职能部门new"},
-                 {"foreign.sqlite", "no such table: 职能部门new"}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.file);
-        write("云栖账房/云栖账房.ini", ("[DBConfig]\nDriver=SQLite\nDBname=" +
-                                        config.filePath(c.file) + "\n").toUtf8());
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("XDG_CONFIG_HOME", config.path());
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    for (const auto& [file, reason] : std::vector<std::pair<const char*, const char*>>{
+             {"missing.sqlite", "unable to open database file"},
+             {"random.sqlite", "file is not a database"},
+             {"empty.sqlite", "no such table: 职能部门new"},
+             {"foreign.sqlite", "no such table: 职能部门new"}}) {
+        SCOPED_TRACE(file);
+        write("云栖账房/云栖账房.ini",
+              ("[DBConfig]\nDriver=SQLite\nDBname=" + config.filePath(file) + "\n").toUtf8());
         QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("XDG_CONFIG_HOME", config.path());
-        env.insert("QT_QPA_PLATFORM", "offscreen");
         p.setProcessEnvironment(env);
         p.start(QStringLiteral(YUNQI_BIN_DIR "/yunqi-reports"),
                 {"-reverse", "-platform", "nosuchplatform"});
@@ -118,7 +105,7 @@ TEST(RuntimeErrorPathTest, AFailedStartUpOffscreenSaysWhyAndEnds) {
         const QString err = QString::fromUtf8(p.readAllStandardError());
         EXPECT_EQ(p.exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(p.exitCode(), 1) << err.toStdString();
-        const qsizetype first = err.indexOf(QStringLiteral("信息文本: 错误信息：") + c.reason);
+        const qsizetype first = err.indexOf(QStringLiteral("信息文本: 错误信息：") + reason);
         EXPECT_GE(first, 0) << err.toStdString();
         EXPECT_GT(err.indexOf("连接提示: 数据库连接失败!"), first) << err.toStdString();
     }
