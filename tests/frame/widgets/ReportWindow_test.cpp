@@ -203,14 +203,11 @@ INSTANTIATE_TEST_SUITE_P(Golden, ReportWindows, ::testing::ValuesIn(AllReports()
 
 // ---- The reconciliation's window -------------------------------------------------
 
-class MonthlyWindowTest : public WindowTest {
-  protected:
-    MonthlyReportWindow* Open() { return OpenOnLedger<MonthlyReportWindow>(kReconciliation); }
-};
+class MonthlyWindowTest : public WindowTest {};
 
 TEST_F(MonthlyWindowTest, ADepartmentMonthsInOrderTicketsFirstAndTheBoxAtTheBottom) {
     FillGoldenLedger(db);
-    MonthlyReportWindow* w = Open();
+    auto* w = OpenOnLedger<MonthlyReportWindow>(kReconciliation);
     ASSERT_TRUE(w);
     EXPECT_EQ(Child<QComboBox>(w, "Combo1")->currentText(), QString::number(QDate::currentDate().year()));
     ClickButton(w, "Command3");
@@ -247,7 +244,7 @@ TEST_F(MonthlyWindowTest, UntrappedFailureStopsTheRun) {
     FillGoldenLedger(db);
     // Without an ordinary type the month's statement has an empty "In ()".
     db.Exec("DELETE FROM 票据类型 WHERE 票据类型代号 = '02'");
-    MonthlyReportWindow* w = Open();
+    auto* w = OpenOnLedger<MonthlyReportWindow>(kReconciliation);
     ASSERT_TRUE(w);
     Months(w, "2024", "03", "03");
     ClickEntry(w, 0);

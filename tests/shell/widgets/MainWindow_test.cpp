@@ -130,25 +130,20 @@ TEST_F(AboutWindowTest, OpensCentredIsRaisedNotMovedAndCmdOKClosesIt) {
 TEST(QtTranslationsTest, StandardButtonsAndTheSaveDialogInChinese) {
     QTranslator* translator = InstallQtTranslations(*qApp);
     ASSERT_TRUE(translator) << "qt6-translations-l10n is missing";
-    {
-        QMessageBox box;
-        box.setStandardButtons(QMessageBox::Ok);
-        EXPECT_EQ(box.button(QMessageBox::Ok)->text(), "确定");
-        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-        // With their keys: "是(&Y)", "否(&N)".
-        EXPECT_TRUE(box.button(QMessageBox::Yes)->text().startsWith("是"));
-        EXPECT_TRUE(box.button(QMessageBox::No)->text().startsWith("否"));
-    }
-    {
-        QFileDialog dialog(nullptr, QString(), QString(), "电子表 (*.xlsx)");
-        dialog.setOption(QFileDialog::DontUseNativeDialog);
-        dialog.setAcceptMode(QFileDialog::AcceptSave);
-        auto* buttons = dialog.findChild<QDialogButtonBox*>();
-        ASSERT_TRUE(buttons);
-        QStringList texts;
-        for (QAbstractButton* b : buttons->buttons()) texts << b->text();
-        EXPECT_TRUE(texts.join("|").contains("保存")) << texts.join("|").toStdString();
-    }
+    QMessageBox box;
+    box.setStandardButtons(QMessageBox::Ok | QMessageBox::Yes | QMessageBox::No);
+    EXPECT_EQ(box.button(QMessageBox::Ok)->text(), "确定");
+    // With their keys: "是(&Y)", "否(&N)".
+    EXPECT_TRUE(box.button(QMessageBox::Yes)->text().startsWith("是"));
+    EXPECT_TRUE(box.button(QMessageBox::No)->text().startsWith("否"));
+    QFileDialog dialog(nullptr, QString(), QString(), "电子表 (*.xlsx)");
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    auto* buttons = dialog.findChild<QDialogButtonBox*>();
+    ASSERT_TRUE(buttons);
+    QStringList texts;
+    for (QAbstractButton* b : buttons->buttons()) texts << b->text();
+    EXPECT_TRUE(texts.join("|").contains("保存")) << texts.join("|").toStdString();
     QCoreApplication::removeTranslator(translator);
     delete translator;
 }
