@@ -1,11 +1,10 @@
-"""Installed and packaged as a desktop expects. cmake --install into a
-temporary prefix, then moved, so that nothing can lean on the build tree:
-every file where a desktop expects it, and both programs run from the prefix
-with the build folder hidden (where a mount namespace is allowed) and nothing
-of it on their way. The Debian package as CPack makes it: its control fields
-declare what the programs need at run time, under names the archive knows; it
-holds the installed files; and the programs unpacked from it compute a
-statement."""
+"""Installed and packaged as a desktop expects. Installed into a temporary
+prefix and moved, so nothing can lean on the build tree: every file where a
+desktop expects it, and both programs run from the prefix with the build
+folder hidden (where a mount namespace is allowed). The Debian package's
+control fields declare what the programs need under names the archive knows,
+it holds the installed files, and its programs compute a statement.
+"""
 import gzip
 import os
 import re
@@ -22,9 +21,8 @@ BIN = sys.argv[1] if len(sys.argv) > 1 else "build/bin"
 BUILD = os.path.dirname(os.path.abspath(BIN))
 
 
-def png_size(data):
+def png_size(data):  # width and height of the header chunk
     return int.from_bytes(data[16:20], "big"), int.from_bytes(data[20:24], "big")
-
 
 # Installed file, and what its content must show.
 FILES = [
@@ -45,9 +43,8 @@ FILES = [
     ("share/doc/yunqi-reports/README.md", lambda b: b.startswith("# 云栖账房报表".encode())),
 ]
 
-# What the programs load, link or show with: Qt's widgets and SQL with both
-# drivers, the ODBC driver manager and FreeTDS, the workbook library, Qt's
-# Chinese texts, a CJK font.
+# What the programs load, link or show with: Qt's widgets and SQL with both drivers, the
+# ODBC driver manager and FreeTDS, the workbook library, Qt's Chinese texts, a CJK font.
 NEEDS = ["libqt6widgets6", "libqt6sql6", "libqt6sql6-sqlite", "libqt6sql6-odbc", "unixodbc",
          "tdsodbc", "libxlsxwriter4", "qt6-translations-l10n", "fonts-noto-cjk"]
 
@@ -91,11 +88,9 @@ class Install(unittest.TestCase):
         wrap = programs.hiding(BUILD)
         if wrap is None:
             print("no mount namespace here: the build folder stays in sight", file=sys.stderr)
-        rows = programs.statement_rows(bindir, self.env, wrap or ())
-        self.assertGreater(len(rows), 3)
+        self.assertGreater(len(programs.statement_rows(bindir, self.env, wrap or ())), 3)
         shown, err = programs.main_window_shown(bindir, self.env, wrap or ())
         self.assertTrue(shown, err)
-
 
 
 @unittest.skipUnless(shutil.which("dpkg-deb") and shutil.which("cpack"),
@@ -124,20 +119,17 @@ class Package(unittest.TestCase):
         self.assertEqual((fields["Package"], fields["Version"], fields["Architecture"]),
                          ("yunqi-reports", "1.0.0", "amd64"))
         depends = [re.split(r"[ (]", d.strip())[0] for d in fields["Depends"].split(",")]
-        for package in NEEDS:
-            self.assertIn(package, depends)
+        self.assertEqual(set(NEEDS) - set(depends), set())
         # Names the archive knows: each is installed here, for the build or the tests.
         r = subprocess.run(["dpkg-query", "-W", *depends], capture_output=True, text=True)
         self.assertEqual(r.returncode, 0, r.stderr)
 
     def test_files_and_a_statement_from_the_unpacked_programs(self):
         listed = {line.split()[-1].lstrip("./") for line in self.dpkg_deb("-c").splitlines()}
-        for name, _ in FILES:
-            self.assertIn("usr/" + name, listed)
+        self.assertEqual({"usr/" + name for name, _ in FILES} - listed, set())
         root = os.path.join(self.dir, "root")
         subprocess.run(["dpkg-deb", "-x", self.deb, root], check=True)
-        rows = programs.statement_rows(os.path.join(root, "usr", "bin"))
-        self.assertGreater(len(rows), 3)
+        self.assertGreater(len(programs.statement_rows(os.path.join(root, "usr", "bin"))), 3)
 
 
 if __name__ == "__main__":

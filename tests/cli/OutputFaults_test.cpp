@@ -27,6 +27,16 @@ class OutputFaults : public ::testing::Test {
     QTemporaryDir dir;
 };
 
+struct stat Stat(const QString& path) {
+    struct stat st {};
+    ::stat(QFile::encodeName(path).constData(), &st);
+    return st;
+}
+
+int Chmod(const QString& path, mode_t mode) {
+    return ::chmod(QFile::encodeName(path).constData(), mode);
+}
+
 // Each output option, a file name for it, and how its output begins.
 struct OutputKind {
     const char* option;
@@ -40,32 +50,28 @@ const OutputKind kOutputs[] = {{"--csv", ".csv", QStringLiteral("序,开票日�
 // Reads a FIFO on a thread of its own, as a reader program would, until the
 // writer is done. Opened without waiting for a writer, so that a run that
 // never opens the FIFO (or replaces it) can't hang the test.
-class FifoReader {
-  public:
+struct FifoReader {
     explicit FifoReader(const QString& path)
-        : fd_(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK)),
-          thread_([this] {
-              for (bool last = false; fd_ >= 0 && !last;) {
-                  last = done_;
-                  pollfd p{fd_, POLLIN, 0};
-                  ::poll(&p, 1, 50);
-                  char buf[65536];
-                  for (ssize_t n; (n = ::read(fd_, buf, sizeof buf)) > 0;) bytes_.append(buf, n);
-              }
-          }) {}
+        : fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK)) {}
     // Once the writer has ended.
     QByteArray Join() {
-        done_ = true;
-        thread_.join();
-        if (fd_ >= 0) ::close(fd_);
-        return bytes_;
+        done = true;
+        thread.join();
+        if (fd >= 0) ::close(fd);
+        return bytes;
     }
-
-  private:
-    int fd_;
-    std::atomic<bool> done_{false};
-    QByteArray bytes_;
-    std::thread thread_;
+    int fd;
+    std::atomic<bool> done{false};
+    QByteArray bytes;
+    std::thread thread{[this] {
+        for (bool last = false; fd >= 0 && !last;) {
+            last = done;
+            pollfd p{fd, POLLIN, 0};
+            ::poll(&p, 1, 50);
+            char buf[65536];
+            for (ssize_t n; (n = ::read(fd, buf, sizeof buf)) > 0;) bytes.append(buf, n);
+        }
+    }};
 };
 
 }  // namespace
@@ -106,12 +112,10 @@ TEST_F(OutputFaults, StandardOutputGoesToWhatTheShellOpened) {
     // replaced by a rename.
     const QString file = Path("out.csv");
     WriteAll(file, "");
-    struct stat before {}, after {};
-    ::stat(QFile::encodeName(file).constData(), &before);
+    const ino_t before = Stat(file).st_ino;
     ToolResult r = RunTool(Invoice({"--csv", "/dev/stdout"}), {.stdoutFile = file});
     EXPECT_EQ(r.status, 0) << r.Err().toStdString();
-    ::stat(QFile::encodeName(file).constData(), &after);
-    EXPECT_EQ(before.st_ino, after.st_ino);
+    EXPECT_EQ(Stat(file).st_ino, before);
     EXPECT_TRUE(ReadAll(file).startsWith(kOutputs[0].start));
     // On a full device: told, not silent.
     r = RunTool(Invoice({"--csv", "-"}), {.stdoutFile = "/dev/full"});
@@ -152,7 +156,7 @@ TEST_F(OutputFaults, EveryOutputIsWrittenWithItsPermissions) {
     const std::pair<const char*, mode_t> files[] = {{"new", 0666 & ~mask}, {"old", 0640}};
     for (const OutputKind& o : kOutputs) {
         WriteAll(Path("old") + o.suffix, "old");
-        ::chmod(QFile::encodeName(Path("old") + o.suffix).constData(), 0640);
+        Chmod(Path("old") + o.suffix, 0640);
     }
     for (const auto& [stem, mode] : files) {
         QStringList args;
@@ -161,9 +165,7 @@ TEST_F(OutputFaults, EveryOutputIsWrittenWithItsPermissions) {
         EXPECT_EQ(r.status, 0) << r.Err().toStdString();
         for (const OutputKind& o : kOutputs) {
             const QString file = Path(stem) + o.suffix;
-            struct stat st {};
-            ::stat(QFile::encodeName(file).constData(), &st);
-            EXPECT_EQ(st.st_mode & 0777, mode) << file.toStdString();
+            EXPECT_EQ(Stat(file).st_mode & 0777, mode) << file.toStdString();
             EXPECT_TRUE(ReadAll(file).startsWith(o.start)) << file.toStdString();
         }
     }
@@ -176,8 +178,7 @@ TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
     const QString ledger = DemoLedger(), log = Path("log");
     const QByteArray ledgerBytes = ReadAll(ledger);
     for (const char* name : {"ro.csv", "ro.xlsx", "existing.sqlite"}) WriteAll(Path(name), "keep");
-    for (const char* name : {"ro.csv", "ro.xlsx"})
-        ASSERT_EQ(::chmod(QFile::encodeName(Path(name)).constData(), 0444), 0);
+    for (const char* name : {"ro.csv", "ro.xlsx"}) ASSERT_EQ(Chmod(Path(name), 0444), 0);
     ASSERT_TRUE(QFile::link(ledger, Path("link.sqlite")));
     struct Case {
         const char* name;
@@ -230,9 +231,8 @@ TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
     if (::geteuid() != 0 || !nobody) GTEST_SKIP() << "running as user nobody needs root";
     // The ledger readable to that user.
     const QString ledger = DemoLedger();
-    for (const QString& path : {QFileInfo(ledger).path(), dir.path()})
-        ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0755), 0);
-    ASSERT_EQ(::chmod(QFile::encodeName(ledger).constData(), 0644), 0);
+    for (const QString& path : {QFileInfo(ledger).path(), dir.path()}) ASSERT_EQ(Chmod(path, 0755), 0);
+    ASSERT_EQ(Chmod(ledger, 0644), 0);
     struct Case {
         const char* name;
         QStringList args;     // in OPEN that user may write, in CLOSED not
@@ -250,8 +250,7 @@ TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
         const QString open = Path("open") + QString::number(++row);
         const QString closed = Path("closed") + QString::number(row);
         for (const auto& [folder, mode] : {std::pair{open, 0777}, std::pair{closed, 0755}})
-            ASSERT_TRUE(QDir().mkdir(folder) &&
-                        ::chmod(QFile::encodeName(folder).constData(), mode) == 0);
+            ASSERT_TRUE(QDir().mkdir(folder) && Chmod(folder, mode) == 0);
         QStringList args = c.args;
         args.replaceInStrings("CLOSED", closed).replaceInStrings("OPEN", open);
         const ToolResult r = RunTool(args, {.user = nobody});
