@@ -1,9 +1,6 @@
-"""Installed and packaged as a desktop expects. Installed into a temporary
-prefix and moved, so nothing can lean on the build tree: every file where a
-desktop expects it, and both programs run from the prefix with the build
-folder hidden (where a mount namespace is allowed). The Debian package's
-control fields declare what the programs need under names the archive knows,
-it holds the installed files, and its programs compute a statement.
+"""Installed into a prefix and moved, and packaged by CPack: every file where a
+desktop expects it, both programs run with the build folder out of reach, and
+the package's control fields and files.
 """
 import gzip
 import os

@@ -1,7 +1,6 @@
-// yunqi-statement as a careless or hostile user runs it: special files as
-// targets, a full file system, inputs named as outputs, read-only files and
-// folders, signals. Each case runs the real binary on a real file system
-// object; one table a fault family.
+// yunqi-statement as a careless or hostile user runs it, on real file system
+// objects: special targets, full disks, inputs as outputs, read-only files and
+// folders, signals. One table a fault family.
 #include <fcntl.h>
 #include <poll.h>
 #include <gtest/gtest.h>
@@ -35,6 +34,10 @@ struct stat Stat(const QString& path) {
 
 int Chmod(const QString& path, mode_t mode) {
     return ::chmod(QFile::encodeName(path).constData(), mode);
+}
+
+QStringList Entries(const QString& folder) {
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
 }
 
 // Each output option, a file name for it, and how its output begins.
@@ -260,9 +263,7 @@ TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
         EXPECT_TRUE(r.Err().contains(closed + '/' + c.refused + ": no new file can be made in " + closed))
             << r.Err().toStdString();
         for (const QString& folder : {open, closed})
-            EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-                      QStringList())
-                << folder.toStdString();
+            EXPECT_EQ(Entries(folder), QStringList()) << folder.toStdString();
     }
 }
 
@@ -299,9 +300,7 @@ TEST_F(OutputFaults, SignalsDuringAnExportLeaveNothing) {
             EXPECT_EQ(p.exitStatus(), QProcess::CrashExit)
                 << c.name << ' ' << signal << ' ' << p.readAllStandardError().toStdString();
             EXPECT_EQ(p.exitCode(), signal) << c.name;
-            EXPECT_EQ(QDir(out.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-                      QStringList())
-                << c.name << ' ' << signal;
+            EXPECT_EQ(Entries(out.path()), QStringList()) << c.name << ' ' << signal;
         }
     }
     EXPECT_EQ(FileType("/dev/null"), mode_t(S_IFCHR));

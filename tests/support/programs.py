@@ -57,10 +57,9 @@ def statement_rows(bindir, env=None, wrap=()):
 
 
 def main_window_shown(bindir, env=None, wrap=(), patience=60):
-    """Starts bindir's desktop program offscreen on a demo ledger; True once
-    its main window is shown (Qt's accessibility log names it), after which
-    the program is ended as a session ends it. Its standard error comes back
-    too."""
+    """Starts bindir's desktop program offscreen on a demo ledger: whether its
+    main window was shown before it was ended as a session ends it, and its
+    standard error."""
     with tempfile.TemporaryDirectory() as d:
         db = os.path.join(d, "demo.sqlite")
         tool(bindir, "make-demo-db", db, "--tickets", "200", env=env)

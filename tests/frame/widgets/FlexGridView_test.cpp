@@ -1,6 +1,5 @@
-// The grid view alone, asked what it draws where: texts, alignments and
-// colours of cells, the header merges, sizes, and the fixed rows held at the
-// top while the body scrolls.
+// The grid view alone, asked what it draws where: cells, sizes, header merges,
+// and the fixed rows held at the top while the body scrolls.
 #include "frame/widgets/FlexGridView.h"
 
 #include <gtest/gtest.h>
@@ -123,14 +122,13 @@ TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentBackColourAndSize) {
 // The header of a detail statement: 序 and 日期 down both rows, 费用 across
 // its items; held at the top while the body scrolls, and moved sideways with
 // it. Written again, the merges follow the new texts and the body stays where
-// the user scrolled it.
-TEST(FlexGridViewTest, HeaderSpansStayWhileTheBodyScrolls) {
+// the user scrolled it. Word wrap and visibility follow the grid.
+TEST(FlexGridViewTest, HeaderSpansStayWhileTheBodyScrollsAndTheViewFollowsTheGrid) {
     FlexGrid grid(40, 8, 2, 1);
     const char* header[2][8] = {{"序", "日期", "费用", "费用", "费用", "合计", "甲", "乙"},
                                 {"序", "日期", "物业", "停车", "水电", "合计", "甲", "乙"}};
     for (int c = 0; c < 8; ++c) {
-        grid.SetTextMatrix(0, c, QString::fromUtf8(header[0][c]));
-        grid.SetTextMatrix(1, c, QString::fromUtf8(header[1][c]));
+        for (int r : {0, 1}) grid.SetTextMatrix(r, c, QString::fromUtf8(header[r][c]));
         grid.SetColWidth(c, 900);
     }
     for (int r = 2; r < 40; ++r) grid.SetTextMatrix(r, 2, "费用");  // the body never merges
@@ -188,14 +186,9 @@ TEST(FlexGridViewTest, HeaderSpansStayWhileTheBodyScrolls) {
     ASSERT_GT(view.horizontalScrollBar()->value(), 0);
     EXPECT_EQ(view.CellRect(1, 3).left(), view.CellRect(row, 3).left());
     EXPECT_EQ(view.CellRect(1, 3).width(), view.CellRect(row, 3).width());
-}
 
-// The pager hides the grid and wraps its words while it fills a page; a view
-// its window hid stays hidden.
-TEST(FlexGridViewTest, WordWrapAndVisibleFollowTheGrid) {
-    FlexGrid grid(4, 3, 2, 1);
-    Shell shell(grid);
-    FlexGridView& view = *shell.view;
+    // The pager hides the grid and wraps its words while it fills a page; a
+    // view its window hid stays hidden.
     grid.SetWordWrap(true);
     for (bool visible : {false, true}) {
         grid.SetVisible(visible);
