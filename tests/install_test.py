@@ -18,8 +18,9 @@ BIN = sys.argv[1] if len(sys.argv) > 1 else "build/bin"
 BUILD = os.path.dirname(os.path.abspath(BIN))
 
 
-def png_size(data):  # width and height of the header chunk
-    return int.from_bytes(data[16:20], "big"), int.from_bytes(data[20:24], "big")
+def png(side):  # a square icon: the header's width and height
+    return lambda b: b[16:24] == side.to_bytes(4, "big") * 2
+
 
 # Installed file, and what its content must show.
 FILES = [
@@ -31,8 +32,8 @@ FILES = [
                     "Categories=Office;Finance;"))
      and "Comment[zh_CN]=" in b.decode() and "\nComment=" in b.decode()),
     ("share/icons/hicolor/scalable/apps/yunqi-reports.svg", lambda b: b"<svg" in b),
-    ("share/icons/hicolor/48x48/apps/yunqi-reports.png", lambda b: png_size(b) == (48, 48)),
-    ("share/icons/hicolor/256x256/apps/yunqi-reports.png", lambda b: png_size(b) == (256, 256)),
+    ("share/icons/hicolor/48x48/apps/yunqi-reports.png", png(48)),
+    ("share/icons/hicolor/256x256/apps/yunqi-reports.png", png(256)),
     ("share/man/man1/yunqi-statement.1.gz",
      lambda b: gzip.decompress(b).find(b".TH YUNQI-STATEMENT 1") >= 0),
     ("share/man/man1/yunqi-reports.1.gz",
@@ -99,9 +100,8 @@ class Package(unittest.TestCase):
         r = subprocess.run(["cpack", "--config", os.path.join(BUILD, "CPackConfig.cmake"),
                             "-G", "DEB", "-B", cls.dir], capture_output=True, text=True)
         assert r.returncode == 0, r.stdout + r.stderr
-        debs = [f for f in os.listdir(cls.dir) if f.endswith(".deb")]
-        assert debs == ["yunqi-reports_1.0.0_amd64.deb"], debs
-        cls.deb = os.path.join(cls.dir, debs[0])
+        cls.deb = os.path.join(cls.dir, "yunqi-reports_1.0.0_amd64.deb")
+        assert [f for f in os.listdir(cls.dir) if f.endswith(".deb")] == [os.path.basename(cls.deb)]
 
     @classmethod
     def tearDownClass(cls):

@@ -56,8 +56,7 @@ const OutputKind kOutputs[] = {{"--csv", ".csv", QStringLiteral("序,开票日�
 struct FifoReader {
     explicit FifoReader(const QString& path)
         : fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK)) {}
-    // Once the writer has ended.
-    QByteArray Join() {
+    QByteArray Join() {  // once the writer has ended
         done = true;
         thread.join();
         if (fd >= 0) ::close(fd);
@@ -213,9 +212,8 @@ TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
         if (args.first() == "invoice" && !args.contains("--sql-log")) args << "--sql-log" << log;
         const ToolResult r = RunTool(args);
         EXPECT_EQ(r.status, c.status);
-        const QStringList alternatives = c.error.split('|');
-        EXPECT_TRUE(std::any_of(alternatives.begin(), alternatives.end(),
-                                [&](const QString& e) { return r.Err().contains(e); }))
+        EXPECT_TRUE(std::ranges::any_of(c.error.split('|'),
+                                        [&](const QString& e) { return r.Err().contains(e); }))
             << r.Err().toStdString();
         EXPECT_EQ(r.Err().contains("usage:"), c.status == 2);
         EXPECT_FALSE(QFile::exists(log));
@@ -234,7 +232,8 @@ TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
     if (::geteuid() != 0 || !nobody) GTEST_SKIP() << "running as user nobody needs root";
     // The ledger readable to that user.
     const QString ledger = DemoLedger();
-    for (const QString& path : {QFileInfo(ledger).path(), dir.path()}) ASSERT_EQ(Chmod(path, 0755), 0);
+    for (const QString& folder : {QFileInfo(ledger).path(), dir.path()})
+        ASSERT_EQ(Chmod(folder, 0755), 0);
     ASSERT_EQ(Chmod(ledger, 0644), 0);
     struct Case {
         const char* name;
@@ -247,11 +246,9 @@ TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
         {"SQL log", Invoice({"--sql-log", "CLOSED/s.log", "--csv", "OPEN/s.csv"}), "s.log"},
         {"demo ledger", {"make-demo-db", "CLOSED/s.sqlite", "--tickets", "10"}, "s.sqlite"},
     };
-    int row = 0;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const QString open = Path("open") + QString::number(++row);
-        const QString closed = Path("closed") + QString::number(row);
+        const QString open = Path("open ") + c.name, closed = Path("closed ") + c.name;
         for (const auto& [folder, mode] : {std::pair{open, 0777}, std::pair{closed, 0755}})
             ASSERT_TRUE(QDir().mkdir(folder) && Chmod(folder, mode) == 0);
         QStringList args = c.args;

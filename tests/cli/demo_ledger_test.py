@@ -49,12 +49,12 @@ def statement(report, db, period, *extra):
 
 
 YEAR = ["--from", "2024-01-01", "--to", "2024-12-31"]
+MONTHS = ["--year", "2024", "--months", "01-12"]
 
 
 class DemoLedger(unittest.TestCase):
     def sql(self, text):
-        with sqlite3.connect(LEDGER[200000]) as con:
-            return con.execute(text).fetchall()
+        return sqlite3.connect(LEDGER[200000]).execute(text).fetchall()
 
     def test_books_of_contiguous_numbers_unique_in_their_type(self):
         self.assertEqual(self.sql("Select count(*) - count(distinct 类型 || 票据编号) From (%s)"
@@ -112,15 +112,15 @@ class InvoiceOnDemoLedger(unittest.TestCase):
                                            places=1)
         of = body[total_at + 1:]  # on the listed ledger
         self.assertEqual(of[0][1], "其中")
-        self.assertAlmostEqual(sum(float(r[cols - 3]) for r in of), float(total[cols - 3]), places=1)
+        self.assertAlmostEqual(sum(float(r[cols - 3]) for r in of), float(total[cols - 3]),
+                               places=1)
 
 
 class ReconciliationOnDemoLedger(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.log = os.path.join(DIR, "sql.log")
-        cls.rows = statement("reconciliation", DB, ["--year", "2024", "--months", "01-12"],
-                             "--sql-log", cls.log)
+        cls.rows = statement("reconciliation", DB, MONTHS, "--sql-log", cls.log)
 
     def test_rows_add_up(self):
         n, body = len(self.rows[0]) - 13, self.rows[2:]
@@ -172,13 +172,12 @@ def on_terminal(args, terminal=True):
     leader, follower = pty.openpty()
     p = subprocess.Popen([TOOL, *args], stdout=subprocess.DEVNULL, stderr=follower)
     os.close(follower)
-    err, chunk = b"", b"-"
-    while chunk:
-        try:
-            chunk = os.read(leader, 65536)
-        except OSError:  # the last writer has gone
-            chunk = b""
-        err += chunk
+    err = b""
+    try:
+        while chunk := os.read(leader, 65536):
+            err += chunk
+    except OSError:  # the last writer has gone
+        pass
     os.close(leader)
     return p.wait(), err.decode().replace("\r\n", "\n")
 
@@ -190,10 +189,8 @@ class StatementProgress(unittest.TestCase):
                             "--xlsx", out + ".xlsx", "--csv", out + ".csv", *extra], terminal)
 
     def test_the_steps_on_one_redrawn_line(self):
-        for report, period, label in [
-                ("invoice", YEAR, "01 增值税开票明细表"),
-                ("reconciliation", ["--year", "2024", "--months", "01-12"],
-                 "01 增值税开票票据核对表")]:
+        for report, period, label in [("invoice", YEAR, "01 增值税开票明细表"),
+                                      ("reconciliation", MONTHS, "01 增值税开票票据核对表")]:
             with self.subTest(report):
                 status, err = self.statement(report, period)
                 self.assertEqual(status, 0)
@@ -211,8 +208,7 @@ class StatementProgress(unittest.TestCase):
         self.assertEqual(self.statement("parking", YEAR, terminal=False), (0, ""))
         status, err = self.statement("invoice", ["--from", "2016-01-01", "--to", "2016-12-31"])
         self.assertEqual(status, 3)
-        message = "yunqi-statement: 没有满足条件的开票数据,请重新设置条件!\n"
-        self.assertTrue(err.endswith(REDRAW + message), err)
+        self.assertTrue(err.endswith(REDRAW + "yunqi-statement: 没有满足条件的开票数据,请重新设置条件!\n"), err)
 
 
 class Mismatches(unittest.TestCase):

@@ -16,8 +16,7 @@ QByteArray PrettyXml(const QByteArray& xml) {
         parts << it.next().captured().toUtf8();
     // 'S' a start tag, 'C' a closing one, 'T' a text, 'O' any other tag.
     auto kind = [&](qsizetype i) {
-        if (i >= parts.size()) return 'O';
-        const QByteArray& t = parts[i];
+        const QByteArray t = parts.value(i);  // past the end: a text, which joins nothing
         if (!t.startsWith('<')) return 'T';
         if (t.startsWith("</")) return 'C';
         return t.startsWith("<?") || t.startsWith("<!") || t.endsWith("/>") ? 'O' : 'S';
@@ -32,9 +31,7 @@ QByteArray PrettyXml(const QByteArray& xml) {
         const int joined = k != 'S'          ? 0
                            : kind(i + 1) == 'C' ? 1
                            : kind(i + 1) == 'T' && kind(i + 2) == 'C' ? 2 : 0;
-        out += QByteArray(2 * depth, ' ');
-        for (int n = 0; n <= joined; ++n) out += parts[i + n];
-        out += '\n';
+        out += QByteArray(2 * depth, ' ') + parts.mid(i, joined + 1).join() + '\n';
         depth += k == 'S' && joined == 0;
         i += joined;
     }

@@ -4,21 +4,20 @@ offscreen to its main window and closed."""
 import csv
 import os
 import select
+import shutil
 import signal
 import subprocess
 import sys
 import tempfile
 import time
 
-BIN = sys.argv[1] if len(sys.argv) > 1 else "build/bin"
-TOOL = os.path.join(BIN, "yunqi-statement")
+TOOL = os.path.join(sys.argv[1] if len(sys.argv) > 1 else "build/bin", "yunqi-statement")
 
 # The main window, as Qt's accessibility cache logs it when it is shown.
 MAIN_WINDOW = 'name="云栖账房报表" role=Window'.encode()
 
 
-def run(*args, **kw):
-    """A run of the companion from BIN, its outputs as text."""
+def run(*args, **kw):  # the companion under test, its outputs as text
     return subprocess.run([TOOL, *args], capture_output=True, text=True, **kw)
 
 
@@ -31,11 +30,8 @@ def hiding(folder):
     """A launcher that runs a program with folder hidden under an empty one
     (a mount namespace of its own), or None where namespaces are not allowed."""
     wrap = ["unshare", "-rm", "sh", "-c", 'mount -t tmpfs none "$0" && exec "$@"', folder]
-    try:
-        ok = subprocess.run(wrap + ["true"], capture_output=True).returncode == 0
-    except OSError:
-        ok = False
-    return wrap if ok else None
+    ok = shutil.which("unshare") and subprocess.run(wrap + ["true"], capture_output=True)
+    return wrap if ok and ok.returncode == 0 else None
 
 
 def tool(bindir, *args, env=None, wrap=(), **kw):

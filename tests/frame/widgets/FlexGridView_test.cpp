@@ -31,14 +31,13 @@ QVariant Shown(const FlexGridView& view, int row, int col, int role = Qt::Displa
 struct Shell {
     explicit Shell(const FlexGrid& grid, QSize size = {400, 240}) {
         window.resize(size + QSize(20, 20));
-        view = new FlexGridView(&window);
         view->setGeometry(QRect(QPoint(0, 0), size));
         view->SetGrid(grid);
         window.show();
         Settle();
     }
     QWidget window;
-    FlexGridView* view;
+    FlexGridView* view = new FlexGridView(&window);
 };
 
 std::pair<int, int> Cell(int row, int col) { return {row, col}; }
@@ -65,19 +64,18 @@ TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentBackColourAndSize) {
     grid.SetCellAlignmentAt(3, 4, FlexGrid::AlignLeftTop);
     grid.SetCellBackColorAt(3, 1, 0xC0FFFF);  // blue-green-red
     grid.SetCellBackColorAt(4, 0, 0x0000FF);
-    const std::pair<int, int> widths[] = {{960, 64}, {1000, 66}, {1500, 100}, {2985, 199},
-                                          {-1, -1}, {14, 0}};  // twips, pixels; -1 the default
-    for (int c = 0; c < 6; ++c)
-        if (widths[c].first >= 0) grid.SetColWidth(c, widths[c].first);
+    const std::pair<int, int> widths[] = {{960, 64},   {1000, 66}, {1500, 100},
+                                          {2985, 199}, {1200, 80}, {14, 0}};  // twips, pixels
+    for (int c = 0; c < 6; ++c) grid.SetColWidth(c, widths[c].first);
     grid.SetRowHeight(0, 450);
     grid.SetRowHeight(3, 600);
     Shell shell(grid, {760, 300});
     const FlexGridView& view = *shell.view;
     const QColor button = view.palette().color(QPalette::Button);
 
-    const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
-    const Qt::Alignment right = Qt::AlignRight | Qt::AlignVCenter;
-    const Qt::Alignment centre = Qt::AlignHCenter | Qt::AlignVCenter;
+    const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter,
+                        right = Qt::AlignRight | Qt::AlignVCenter,
+                        centre = Qt::AlignHCenter | Qt::AlignVCenter;
     struct Case {
         int row, col;
         Qt::Alignment alignment;
@@ -109,9 +107,8 @@ TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentBackColourAndSize) {
     // From one cell's start to the next, in the header and in the body.
     for (int c = 0; c < 6; ++c)
         for (int r : {0, 4})
-            if (widths[c].second >= 0)
-                EXPECT_EQ(view.CellRect(r, c + 1).left() - view.CellRect(r, c).left(),
-                          widths[c].second) << widths[c].first;
+            EXPECT_EQ(view.CellRect(r, c + 1).left() - view.CellRect(r, c).left(), widths[c].second)
+                << widths[c].first;
     // The standard 300 twips elsewhere, unless the font needs more.
     const int standard = std::max(20, view.verticalHeader()->minimumSectionSize());
     const int heights[] = {30, standard, standard, 40, standard};
