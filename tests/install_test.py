@@ -1,11 +1,7 @@
-"""Installed and packaged as a desktop expects. cmake --install into a
-temporary prefix, then moved, so that nothing can lean on the build tree:
-every file where a desktop expects it, and both programs run from the prefix
-with the build folder hidden (where a mount namespace is allowed) and nothing
-of it on their way. The Debian package as CPack makes it: its control fields
-declare what the programs need at run time, under names the archive knows; it
-holds the installed files; and the programs unpacked from it compute a
-statement."""
+"""Installed into a prefix and moved, and packaged by CPack: every file where a
+desktop expects it, both programs run with the build folder out of reach, and
+the package's control fields and files.
+"""
 import gzip
 import os
 import re
@@ -22,8 +18,8 @@ BIN = sys.argv[1] if len(sys.argv) > 1 else "build/bin"
 BUILD = os.path.dirname(os.path.abspath(BIN))
 
 
-def png_size(data):
-    return int.from_bytes(data[16:20], "big"), int.from_bytes(data[20:24], "big")
+def png(side):  # a square icon: the header's width and height
+    return lambda b: b[16:24] == side.to_bytes(4, "big") * 2
 
 
 # Installed file, and what its content must show.
@@ -36,8 +32,8 @@ FILES = [
                     "Categories=Office;Finance;"))
      and "Comment[zh_CN]=" in b.decode() and "\nComment=" in b.decode()),
     ("share/icons/hicolor/scalable/apps/yunqi-reports.svg", lambda b: b"<svg" in b),
-    ("share/icons/hicolor/48x48/apps/yunqi-reports.png", lambda b: png_size(b) == (48, 48)),
-    ("share/icons/hicolor/256x256/apps/yunqi-reports.png", lambda b: png_size(b) == (256, 256)),
+    ("share/icons/hicolor/48x48/apps/yunqi-reports.png", png(48)),
+    ("share/icons/hicolor/256x256/apps/yunqi-reports.png", png(256)),
     ("share/man/man1/yunqi-statement.1.gz",
      lambda b: gzip.decompress(b).find(b".TH YUNQI-STATEMENT 1") >= 0),
     ("share/man/man1/yunqi-reports.1.gz",
@@ -45,9 +41,8 @@ FILES = [
     ("share/doc/yunqi-reports/README.md", lambda b: b.startswith("# 云栖账房报表".encode())),
 ]
 
-# What the programs load, link or show with: Qt's widgets and SQL with both
-# drivers, the ODBC driver manager and FreeTDS, the workbook library, Qt's
-# Chinese texts, a CJK font.
+# What the programs load, link or show with: Qt's widgets and SQL with both drivers, the
+# ODBC driver manager and FreeTDS, the workbook library, Qt's Chinese texts, a CJK font.
 NEEDS = ["libqt6widgets6", "libqt6sql6", "libqt6sql6-sqlite", "libqt6sql6-odbc", "unixodbc",
          "tdsodbc", "libxlsxwriter4", "qt6-translations-l10n", "fonts-noto-cjk"]
 
@@ -91,11 +86,9 @@ class Install(unittest.TestCase):
         wrap = programs.hiding(BUILD)
         if wrap is None:
             print("no mount namespace here: the build folder stays in sight", file=sys.stderr)
-        rows = programs.statement_rows(bindir, self.env, wrap or ())
-        self.assertGreater(len(rows), 3)
+        self.assertGreater(len(programs.statement_rows(bindir, self.env, wrap or ())), 3)
         shown, err = programs.main_window_shown(bindir, self.env, wrap or ())
         self.assertTrue(shown, err)
-
 
 
 @unittest.skipUnless(shutil.which("dpkg-deb") and shutil.which("cpack"),
@@ -107,9 +100,8 @@ class Package(unittest.TestCase):
         r = subprocess.run(["cpack", "--config", os.path.join(BUILD, "CPackConfig.cmake"),
                             "-G", "DEB", "-B", cls.dir], capture_output=True, text=True)
         assert r.returncode == 0, r.stdout + r.stderr
-        debs = [f for f in os.listdir(cls.dir) if f.endswith(".deb")]
-        assert debs == ["yunqi-reports_1.0.0_amd64.deb"], debs
-        cls.deb = os.path.join(cls.dir, debs[0])
+        cls.deb = os.path.join(cls.dir, "yunqi-reports_1.0.0_amd64.deb")
+        assert [f for f in os.listdir(cls.dir) if f.endswith(".deb")] == [os.path.basename(cls.deb)]
 
     @classmethod
     def tearDownClass(cls):
@@ -124,20 +116,17 @@ class Package(unittest.TestCase):
         self.assertEqual((fields["Package"], fields["Version"], fields["Architecture"]),
                          ("yunqi-reports", "1.0.0", "amd64"))
         depends = [re.split(r"[ (]", d.strip())[0] for d in fields["Depends"].split(",")]
-        for package in NEEDS:
-            self.assertIn(package, depends)
+        self.assertEqual(set(NEEDS) - set(depends), set())
         # Names the archive knows: each is installed here, for the build or the tests.
         r = subprocess.run(["dpkg-query", "-W", *depends], capture_output=True, text=True)
         self.assertEqual(r.returncode, 0, r.stderr)
 
     def test_files_and_a_statement_from_the_unpacked_programs(self):
         listed = {line.split()[-1].lstrip("./") for line in self.dpkg_deb("-c").splitlines()}
-        for name, _ in FILES:
-            self.assertIn("usr/" + name, listed)
+        self.assertEqual({"usr/" + name for name, _ in FILES} - listed, set())
         root = os.path.join(self.dir, "root")
         subprocess.run(["dpkg-deb", "-x", self.deb, root], check=True)
-        rows = programs.statement_rows(os.path.join(root, "usr", "bin"))
-        self.assertGreater(len(rows), 3)
+        self.assertGreater(len(programs.statement_rows(os.path.join(root, "usr", "bin"))), 3)
 
 
 if __name__ == "__main__":

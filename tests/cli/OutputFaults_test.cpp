@@ -1,7 +1,6 @@
-// yunqi-statement as a careless or hostile user runs it: special files as
-// targets, a full file system, inputs named as outputs, read-only files and
-// folders, signals. Each case runs the real binary on a real file system
-// object; one table a fault family.
+// yunqi-statement as a careless or hostile user runs it, on real file system
+// objects: special targets, full disks, inputs as outputs, read-only files and
+// folders, signals. One table a fault family.
 #include <fcntl.h>
 #include <poll.h>
 #include <gtest/gtest.h>
@@ -27,6 +26,20 @@ class OutputFaults : public ::testing::Test {
     QTemporaryDir dir;
 };
 
+struct stat Stat(const QString& path) {
+    struct stat st {};
+    ::stat(QFile::encodeName(path).constData(), &st);
+    return st;
+}
+
+int Chmod(const QString& path, mode_t mode) {
+    return ::chmod(QFile::encodeName(path).constData(), mode);
+}
+
+QStringList Entries(const QString& folder) {
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
 // Each output option, a file name for it, and how its output begins.
 struct OutputKind {
     const char* option;
@@ -40,32 +53,27 @@ const OutputKind kOutputs[] = {{"--csv", ".csv", QStringLiteral("序,开票日�
 // Reads a FIFO on a thread of its own, as a reader program would, until the
 // writer is done. Opened without waiting for a writer, so that a run that
 // never opens the FIFO (or replaces it) can't hang the test.
-class FifoReader {
-  public:
+struct FifoReader {
     explicit FifoReader(const QString& path)
-        : fd_(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK)),
-          thread_([this] {
-              for (bool last = false; fd_ >= 0 && !last;) {
-                  last = done_;
-                  pollfd p{fd_, POLLIN, 0};
-                  ::poll(&p, 1, 50);
-                  char buf[65536];
-                  for (ssize_t n; (n = ::read(fd_, buf, sizeof buf)) > 0;) bytes_.append(buf, n);
-              }
-          }) {}
-    // Once the writer has ended.
-    QByteArray Join() {
-        done_ = true;
-        thread_.join();
-        if (fd_ >= 0) ::close(fd_);
-        return bytes_;
+        : fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK)) {}
+    QByteArray Join() {  // once the writer has ended
+        done = true;
+        thread.join();
+        if (fd >= 0) ::close(fd);
+        return bytes;
     }
-
-  private:
-    int fd_;
-    std::atomic<bool> done_{false};
-    QByteArray bytes_;
-    std::thread thread_;
+    int fd;
+    std::atomic<bool> done{false};
+    QByteArray bytes;
+    std::thread thread{[this] {
+        for (bool last = false; fd >= 0 && !last;) {
+            last = done;
+            pollfd p{fd, POLLIN, 0};
+            ::poll(&p, 1, 50);
+            char buf[65536];
+            for (ssize_t n; (n = ::read(fd, buf, sizeof buf)) > 0;) bytes.append(buf, n);
+        }
+    }};
 };
 
 }  // namespace
@@ -106,12 +114,10 @@ TEST_F(OutputFaults, StandardOutputGoesToWhatTheShellOpened) {
     // replaced by a rename.
     const QString file = Path("out.csv");
     WriteAll(file, "");
-    struct stat before {}, after {};
-    ::stat(QFile::encodeName(file).constData(), &before);
+    const ino_t before = Stat(file).st_ino;
     ToolResult r = RunTool(Invoice({"--csv", "/dev/stdout"}), {.stdoutFile = file});
     EXPECT_EQ(r.status, 0) << r.Err().toStdString();
-    ::stat(QFile::encodeName(file).constData(), &after);
-    EXPECT_EQ(before.st_ino, after.st_ino);
+    EXPECT_EQ(Stat(file).st_ino, before);
     EXPECT_TRUE(ReadAll(file).startsWith(kOutputs[0].start));
     // On a full device: told, not silent.
     r = RunTool(Invoice({"--csv", "-"}), {.stdoutFile = "/dev/full"});
@@ -152,7 +158,7 @@ TEST_F(OutputFaults, EveryOutputIsWrittenWithItsPermissions) {
     const std::pair<const char*, mode_t> files[] = {{"new", 0666 & ~mask}, {"old", 0640}};
     for (const OutputKind& o : kOutputs) {
         WriteAll(Path("old") + o.suffix, "old");
-        ::chmod(QFile::encodeName(Path("old") + o.suffix).constData(), 0640);
+        Chmod(Path("old") + o.suffix, 0640);
     }
     for (const auto& [stem, mode] : files) {
         QStringList args;
@@ -161,9 +167,7 @@ TEST_F(OutputFaults, EveryOutputIsWrittenWithItsPermissions) {
         EXPECT_EQ(r.status, 0) << r.Err().toStdString();
         for (const OutputKind& o : kOutputs) {
             const QString file = Path(stem) + o.suffix;
-            struct stat st {};
-            ::stat(QFile::encodeName(file).constData(), &st);
-            EXPECT_EQ(st.st_mode & 0777, mode) << file.toStdString();
+            EXPECT_EQ(Stat(file).st_mode & 0777, mode) << file.toStdString();
             EXPECT_TRUE(ReadAll(file).startsWith(o.start)) << file.toStdString();
         }
     }
@@ -176,8 +180,7 @@ TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
     const QString ledger = DemoLedger(), log = Path("log");
     const QByteArray ledgerBytes = ReadAll(ledger);
     for (const char* name : {"ro.csv", "ro.xlsx", "existing.sqlite"}) WriteAll(Path(name), "keep");
-    for (const char* name : {"ro.csv", "ro.xlsx"})
-        ASSERT_EQ(::chmod(QFile::encodeName(Path(name)).constData(), 0444), 0);
+    for (const char* name : {"ro.csv", "ro.xlsx"}) ASSERT_EQ(Chmod(Path(name), 0444), 0);
     ASSERT_TRUE(QFile::link(ledger, Path("link.sqlite")));
     struct Case {
         const char* name;
@@ -209,9 +212,8 @@ TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
         if (args.first() == "invoice" && !args.contains("--sql-log")) args << "--sql-log" << log;
         const ToolResult r = RunTool(args);
         EXPECT_EQ(r.status, c.status);
-        const QStringList alternatives = c.error.split('|');
-        EXPECT_TRUE(std::any_of(alternatives.begin(), alternatives.end(),
-                                [&](const QString& e) { return r.Err().contains(e); }))
+        EXPECT_TRUE(std::ranges::any_of(c.error.split('|'),
+                                        [&](const QString& e) { return r.Err().contains(e); }))
             << r.Err().toStdString();
         EXPECT_EQ(r.Err().contains("usage:"), c.status == 2);
         EXPECT_FALSE(QFile::exists(log));
@@ -230,9 +232,9 @@ TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
     if (::geteuid() != 0 || !nobody) GTEST_SKIP() << "running as user nobody needs root";
     // The ledger readable to that user.
     const QString ledger = DemoLedger();
-    for (const QString& path : {QFileInfo(ledger).path(), dir.path()})
-        ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0755), 0);
-    ASSERT_EQ(::chmod(QFile::encodeName(ledger).constData(), 0644), 0);
+    for (const QString& folder : {QFileInfo(ledger).path(), dir.path()})
+        ASSERT_EQ(Chmod(folder, 0755), 0);
+    ASSERT_EQ(Chmod(ledger, 0644), 0);
     struct Case {
         const char* name;
         QStringList args;     // in OPEN that user may write, in CLOSED not
@@ -244,14 +246,11 @@ TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
         {"SQL log", Invoice({"--sql-log", "CLOSED/s.log", "--csv", "OPEN/s.csv"}), "s.log"},
         {"demo ledger", {"make-demo-db", "CLOSED/s.sqlite", "--tickets", "10"}, "s.sqlite"},
     };
-    int row = 0;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const QString open = Path("open") + QString::number(++row);
-        const QString closed = Path("closed") + QString::number(row);
+        const QString open = Path("open ") + c.name, closed = Path("closed ") + c.name;
         for (const auto& [folder, mode] : {std::pair{open, 0777}, std::pair{closed, 0755}})
-            ASSERT_TRUE(QDir().mkdir(folder) &&
-                        ::chmod(QFile::encodeName(folder).constData(), mode) == 0);
+            ASSERT_TRUE(QDir().mkdir(folder) && Chmod(folder, mode) == 0);
         QStringList args = c.args;
         args.replaceInStrings("CLOSED", closed).replaceInStrings("OPEN", open);
         const ToolResult r = RunTool(args, {.user = nobody});
@@ -261,9 +260,7 @@ TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
         EXPECT_TRUE(r.Err().contains(closed + '/' + c.refused + ": no new file can be made in " + closed))
             << r.Err().toStdString();
         for (const QString& folder : {open, closed})
-            EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-                      QStringList())
-                << folder.toStdString();
+            EXPECT_EQ(Entries(folder), QStringList()) << folder.toStdString();
     }
 }
 
@@ -300,9 +297,7 @@ TEST_F(OutputFaults, SignalsDuringAnExportLeaveNothing) {
             EXPECT_EQ(p.exitStatus(), QProcess::CrashExit)
                 << c.name << ' ' << signal << ' ' << p.readAllStandardError().toStdString();
             EXPECT_EQ(p.exitCode(), signal) << c.name;
-            EXPECT_EQ(QDir(out.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-                      QStringList())
-                << c.name << ' ' << signal;
+            EXPECT_EQ(Entries(out.path()), QStringList()) << c.name << ' ' << signal;
         }
     }
     EXPECT_EQ(FileType("/dev/null"), mode_t(S_IFCHR));

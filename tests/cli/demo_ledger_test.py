@@ -1,26 +1,11 @@
-"""The demo ledger and the statements on it, end to end.
-
-The ledger is numbered as an office numbers its tickets: each stock-in note a
-contiguous range of one type's running number, unique in the type, given to
-one department; a household's tickets paid together; every kind of ticket
-kept. Every statement of every department has rows in March 2024, and the largest
-department's year of parking stays under the 32,767-batch limit.
-
-Checked against the ledger itself: the invoice statement holds every ticket
-of the window, each row's 合计 is the sum of its money columns, and the 其中
-block adds up once every payment method is listed; the reconciliation's rows
-add up as the check says, its invoice columns agree with the ledger, one
-statement a month. A single statement tells its step on one line of a
-terminal's standard error, redrawn in place and cleared before a message and
-at the end; nothing under --quiet or off a terminal. A batch names where the
-books do not reconcile: mismatches.csv holds the reconciliation rows whose
-差额 is not zero, and standard error ends with how many departments they are.
+"""The demo ledger and the statements on it, end to end: the ledger numbered
+and filled as an office's, statements checked against it, the progress line on
+a terminal, and the batch's mismatches read back from the reconciliations.
 """
 import csv
 import io
 import os
 import pty
-import re
 import shutil
 import sqlite3
 import subprocess
@@ -28,32 +13,22 @@ import sys
 import tempfile
 import unittest
 
-BIN = sys.argv[1] if len(sys.argv) > 1 else "build/bin"
-TOOL = os.path.join(BIN, "yunqi-statement")
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+from programs import TOOL, read, run  # noqa: E402
+
 DIR = tempfile.mkdtemp()
 LEDGER = {n: os.path.join(DIR, "%d.sqlite" % n) for n in (20000, 200000)}
 DB = LEDGER[20000]
 
 TICKETS = ("Select p.*, s.票据类型编号 As 类型, t.票据类型 As 类型名 From 票据 p "
            "Join 票据入库单 s Using (入库单编号) Join 票据类型 t On t.票据类型代号 = s.票据类型编号")
+# Voided, red-letter and replacing tickets: DemoDatabase_test.
 KINDS = {
-    "voided": "作废日期 Is Not Null",
     "invoiced ahead, paid later": "预开 = 1 And 收款日期 > 开票日期",
     "invoiced ahead, not paid": "预开 = 1 And 收款日期 Is Null",
-    "red-letter": "金额 < 0",
-    "replacing another": "被换票票据编号 Is Not Null",
     "receipt": "类型名 = '收据'",
     "electronic, with its order": "类型名 Like '%电子%' And 交易订单号 Is Not Null",
 }
-
-
-def run(*args):
-    return subprocess.run([TOOL, *args], capture_output=True, text=True)
-
-
-def read(path):
-    with open(path, encoding="utf-8") as f:
-        return list(csv.reader(f))
 
 
 def setUpModule():
@@ -66,17 +41,20 @@ def tearDownModule():
     shutil.rmtree(DIR)
 
 
+def statement(report, db, period, *extra):
+    """Department 01's statement as CSV rows, asserted to succeed."""
+    r = run(report, "--database", db, "--dept", "01", *period, "--csv", "-", *extra)
+    assert r.returncode == 0, r.stderr
+    return list(csv.reader(io.StringIO(r.stdout)))
+
+
+YEAR = ["--from", "2024-01-01", "--to", "2024-12-31"]
+MONTHS = ["--year", "2024", "--months", "01-12"]
+
+
 class DemoLedger(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.db = sqlite3.connect(LEDGER[200000])
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.db.close()
-
     def sql(self, text):
-        return self.db.execute(text).fetchall()
+        return sqlite3.connect(LEDGER[200000]).execute(text).fetchall()
 
     def test_books_of_contiguous_numbers_unique_in_their_type(self):
         self.assertEqual(self.sql("Select count(*) - count(distinct 类型 || 票据编号) From (%s)"
@@ -102,81 +80,50 @@ class DemoLedger(unittest.TestCase):
                                   "On dh = 收费项目代号 Where 收费类别 Like '%停车%'"), [(3,)])
 
     def test_the_largest_departments_parking_year_fits_under_the_limit(self):
-        csv_path = os.path.join(DIR, "parking.csv")
-        r = run("parking", "--database", LEDGER[200000], "--dept", "01", "--from", "2024-01-01", "--to", "2024-12-31",
-                "--csv", csv_path)
-        self.assertEqual(r.returncode, 0, r.stderr)
-        self.assertLess(len(read(csv_path)) - 2, 32767)
+        self.assertLess(len(statement("parking", LEDGER[200000], YEAR)) - 2, 32767)
 
 
 class InvoiceOnDemoLedger(unittest.TestCase):
-    db, dir = DB, DIR
-
-    def statement(self, db, *extra):
-        r = run("invoice", "--database", db, "--dept", "01", "--from", "2024-01-01",
-                "--to", "2024-12-31", "--csv", "-", *extra)
-        self.assertEqual(r.returncode, 0, r.stderr)
-        return list(csv.reader(io.StringIO(r.stdout)))
-
-    def test_every_ticket_and_sums(self):
-        rows = self.statement(self.db)
-        head0, body = rows[0], rows[2:]
-        cols = len(head0)
-        self.assertTrue(all(len(r) == cols for r in rows))
-        self.assertEqual([r[0] for r in body], [str(i) for i in range(1, len(body) + 1)])
-
-        total_at = next(i for i, r in enumerate(body) if r[1] == "合  计")
-        tickets, total = body[:total_at], body[total_at]
-        n = cols - 9
-        for r in tickets:
-            fees = [float(x) for x in r[6:6 + n]]
-            self.assertAlmostEqual(sum(fees), float(r[6 + n]), places=2, msg=r)
-        for j in range(6, 7 + n):
-            self.assertAlmostEqual(sum(float(r[j]) for r in tickets), float(total[j]), places=1)
-
-        con = sqlite3.connect(self.db)
-        expected = {no for (no,) in con.execute(
+    def test_every_ticket_and_sums_and_the_breakdown_once_every_method_is_listed(self):
+        listed = os.path.join(DIR, "listed.sqlite")
+        shutil.copy(DB, listed)
+        with sqlite3.connect(listed) as con:
+            con.execute("insert into 收款方式列表 select distinct 收款方式 from 票据 "
+                        "where 收款方式 not in (select 收款方式 from 收款方式列表)")
+        expected = {no for (no,) in sqlite3.connect(DB).execute(
             "select distinct t.票据编号 from 票据 t join 票据入库单 k on k.入库单编号=t.入库单编号 "
             "join 票据类型 y on y.票据类型代号=k.票据类型编号 where y.定额=0 and t.开票部门编号='01' "
             "and exists (select 1 from 票据开票数据 d where d.票据编号=t.票据编号 and d.入库单编号=t.入库单编号) "
             "and (substr(t.开票日期,1,10) between '2024-01-01' and '2024-12-31' or "
             "(substr(t.收款日期,1,10) between '2024-01-01' and '2024-12-31' "
             "and substr(t.开票日期,1,10) < substr(t.收款日期,1,10)))")}
-        shown = {next(x for x in r[2:6] if x) for r in tickets}
-        self.assertEqual(shown, expected)
-
-    def test_breakdown_adds_up_when_every_method_is_listed(self):
-        listed = os.path.join(self.dir, "listed.sqlite")
-        shutil.copy(self.db, listed)
-        con = sqlite3.connect(listed)
-        con.execute("insert into 收款方式列表 select distinct 收款方式 from 票据 "
-                    "where 收款方式 not in (select 收款方式 from 收款方式列表)")
-        con.commit()
-        con.close()
-        body = self.statement(listed)[2:]
-        total_at = next(i for i, r in enumerate(body) if r[1] == "合  计")
-        cols = len(body[0])
-        of = body[total_at + 1:]
+        for db in (DB, listed):
+            with self.subTest(db):
+                rows = statement("invoice", db, YEAR)
+                cols, body = len(rows[0]), rows[2:]
+                total_at = next(i for i, r in enumerate(body) if r[1] == "合  计")
+                tickets, total, n = body[:total_at], body[total_at], cols - 9
+                self.assertEqual({next(x for x in r[2:6] if x) for r in tickets}, expected)
+                for r in tickets:
+                    self.assertAlmostEqual(sum(float(x) for x in r[6:6 + n]), float(r[6 + n]),
+                                           places=2, msg=r)
+                for j in range(6, 7 + n):
+                    self.assertAlmostEqual(sum(float(r[j]) for r in tickets), float(total[j]),
+                                           places=1)
+        of = body[total_at + 1:]  # on the listed ledger
         self.assertEqual(of[0][1], "其中")
-        self.assertAlmostEqual(sum(float(r[cols - 3]) for r in of),
-                               float(body[total_at][cols - 3]), places=1)
+        self.assertAlmostEqual(sum(float(r[cols - 3]) for r in of), float(total[cols - 3]),
+                               places=1)
 
 
 class ReconciliationOnDemoLedger(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.db, cls.log = DB, os.path.join(DIR, "sql.log")
-        r = run("reconciliation", "--database", cls.db, "--dept", "01", "--year", "2024",
-                "--months", "01-12", "--csv", "-", "--sql-log", cls.log)
-        assert r.returncode == 0, r.stderr
-        cls.rows = list(csv.reader(io.StringIO(r.stdout)))
+        cls.log = os.path.join(DIR, "sql.log")
+        cls.rows = statement("reconciliation", DB, MONTHS, "--sql-log", cls.log)
 
     def test_rows_add_up(self):
-        head0, body = self.rows[0], self.rows[2:]
-        c = len(head0)
-        n = c - 13
-        self.assertTrue(all(len(r) == c for r in self.rows))
-        self.assertEqual([r[0] for r in body], [str(i) for i in range(1, len(body) + 1)])
+        n, body = len(self.rows[0]) - 13, self.rows[2:]
         num = lambda t: float(t) if t else 0.0
         month, subtotals = [], []
         for r in body[:-1]:
@@ -192,15 +139,11 @@ class ReconciliationOnDemoLedger(unittest.TestCase):
                 self.assertAlmostEqual(num(r[n + 8]), sum(num(r[k]) for k in range(8, n + 8)), places=2)
                 month.append(r)
         self.assertEqual(len(subtotals), 12)
-        total = body[-1]
-        self.assertEqual(total[1:3], ["合计", ""])
-        for k in range(3, n + 11):
-            self.assertAlmostEqual(num(total[k]), sum(num(r[k]) for r in subtotals), places=2)
-        self.assertEqual(total[n + 11], "")
+        for k in range(3, n + 11):  # the total's labels and empty 差额: the golden CSV
+            self.assertAlmostEqual(num(body[-1][k]), sum(num(r[k]) for r in subtotals), places=2)
 
     def test_invoice_columns_agree_with_the_ledger(self):
-        con = sqlite3.connect(self.db)
-        sums = dict(con.execute(
+        sums = dict(sqlite3.connect(DB).execute(
             "Select strftime('%Y%m', p.开票日期), round(sum(d.税额), 2) From 票据开票数据 d "
             "Join 票据 p On p.票据编号 = d.票据编号 And p.入库单编号 = d.入库单编号 "
             "Join 票据入库单 s On s.入库单编号 = p.入库单编号 "
@@ -213,8 +156,7 @@ class ReconciliationOnDemoLedger(unittest.TestCase):
             self.assertAlmostEqual(got[m], sums.get(m) or 0.0, places=2, msg=m)
 
     def test_one_statement_a_month_and_two_sums(self):
-        with open(self.log, encoding="utf-8") as f:
-            lines = f.read().splitlines()
+        lines = open(self.log, encoding="utf-8").read().splitlines()
         self.assertEqual(len(lines), 3 + 3 * 12)
         self.assertEqual(sum(l.startswith("Select Distinct CASE") for l in lines), 12)
 
@@ -225,78 +167,62 @@ REDRAW = "\r\x1b[K"
 def on_terminal(args, terminal=True):
     """Exit status and standard error of a run whose standard error is a terminal."""
     if not terminal:
-        r = subprocess.run([TOOL, *args], capture_output=True, text=True)
+        r = run(*args)
         return r.returncode, r.stderr
     leader, follower = pty.openpty()
     p = subprocess.Popen([TOOL, *args], stdout=subprocess.DEVNULL, stderr=follower)
     os.close(follower)
     err = b""
-    while True:
-        try:
-            chunk = os.read(leader, 65536)
-        except OSError:  # the last writer has gone
-            break
-        if not chunk:
-            break
-        err += chunk
+    try:
+        while chunk := os.read(leader, 65536):
+            err += chunk
+    except OSError:  # the last writer has gone
+        pass
     os.close(leader)
     return p.wait(), err.decode().replace("\r\n", "\n")
 
 
 class StatementProgress(unittest.TestCase):
-    db, dir = DB, DIR
-
     def statement(self, report, period, *extra, terminal=True):
-        out = os.path.join(self.dir, "s")
-        return on_terminal([report, "--database", self.db, "--dept", "01", *period,
+        out = os.path.join(DIR, "s")
+        return on_terminal([report, "--database", DB, "--dept", "01", *period,
                             "--xlsx", out + ".xlsx", "--csv", out + ".csv", *extra], terminal)
 
     def test_the_steps_on_one_redrawn_line(self):
-        for report, period, label in [
-                ("invoice", ["--from", "2024-01-01", "--to", "2024-12-31"], "01 增值税开票明细表"),
-                ("reconciliation", ["--year", "2024", "--months", "01-12"],
-                 "01 增值税开票票据核对表")]:
+        for report, period, label in [("invoice", YEAR, "01 增值税开票明细表"),
+                                      ("reconciliation", MONTHS, "01 增值税开票票据核对表")]:
             with self.subTest(report):
                 status, err = self.statement(report, period)
                 self.assertEqual(status, 0)
-                rows = len(read(os.path.join(self.dir, "s.csv"))) - 2
+                rows = len(read(os.path.join(DIR, "s.csv"))) - 2
                 steps = err.split(REDRAW)
-                self.assertEqual(steps[0], "")
-                self.assertEqual(steps[-1], "")  # the line is cleared at the end
+                self.assertEqual((steps[0], steps[-1]), ("", ""))  # cleared at the end
                 self.assertTrue(all(s.startswith(label + ": ") for s in steps[1:-1]), steps)
                 said = [s[len(label) + 2:] for s in steps[1:-1]]
-                self.assertEqual(said[:2], ["extracting fee items", "computing"])
-                self.assertEqual(said[-1], "writing the CSV")
-                last = re.fullmatch(r"writing the workbook, ([\d,]+) of ([\d,]+) rows", said[-2])
-                self.assertTrue(last, said)
-                self.assertEqual(last.group(1), last.group(2))
-                self.assertEqual(int(last.group(2).replace(",", "")), rows)
+                self.assertEqual(said[:2] + said[-2:], [
+                    "extracting fee items", "computing",
+                    "writing the workbook, {0:,} of {0:,} rows".format(rows), "writing the CSV"])
 
     def test_quiet_or_no_terminal_shows_nothing_and_a_message_starts_a_clean_line(self):
-        window = ["--from", "2024-01-01", "--to", "2024-12-31"]
-        self.assertEqual(self.statement("parking", window, "--quiet"), (0, ""))
-        self.assertEqual(self.statement("parking", window, terminal=False), (0, ""))
+        self.assertEqual(self.statement("parking", YEAR, "--quiet"), (0, ""))
+        self.assertEqual(self.statement("parking", YEAR, terminal=False), (0, ""))
         status, err = self.statement("invoice", ["--from", "2016-01-01", "--to", "2016-12-31"])
         self.assertEqual(status, 3)
-        message = "yunqi-statement: 没有满足条件的开票数据,请重新设置条件!\n"
-        self.assertTrue(err.endswith(REDRAW + message), err)
+        self.assertTrue(err.endswith(REDRAW + "yunqi-statement: 没有满足条件的开票数据,请重新设置条件!\n"), err)
 
 
 class Mismatches(unittest.TestCase):
-    db, dir = DB, DIR
-
     def batch(self, month, *extra):
-        out = os.path.join(self.dir, "out")
-        r = run("batch", "--database", self.db, "--month", month, "--out", out, "--csv", *extra)
+        out = os.path.join(DIR, "out")
+        r = run("batch", "--database", DB, "--month", month, "--out", out, "--csv", *extra)
         self.assertEqual(r.returncode, 0, r.stderr)
         return out, r.stderr
 
     def expected(self, out):
         """The rows with a difference, read back from the reconciliation CSVs."""
         rows, rounding = [], 0
-        for dept, report, *_ in read(os.path.join(out, "summary.csv"))[1:]:
-            if report != "reconciliation":
-                continue
+        for dept in [d for d, rep, *_ in read(os.path.join(out, "summary.csv"))[1:]
+                     if rep == "reconciliation"]:
             grid = read(os.path.join(out, dept, "reconciliation.csv"))
             col = list(zip(grid[0], grid[1])).index(("核对结果", "差额"))
             for r in grid[2:]:
@@ -306,9 +232,13 @@ class Mismatches(unittest.TestCase):
         return rows, rounding
 
     def test_the_rows_whose_difference_is_not_zero_and_how_many_departments(self):
-        # The demo's one misfiled receipt (02, March 2024) shows from March on.
-        for month, disagreeing in [("2024-03", [["02", "202403", "小计"]]), ("2024-02", [])]:
+        # The demo's one misfiled receipt (02, March 2024) shows from March on; --quiet tells
+        # only of departments that disagree.
+        said = "yunqi-statement: batch: 1 department does not reconcile\n"
+        for month, disagreeing, quiet in [("2024-03", [["02", "202403", "小计"]], said),
+                                          ("2024-02", [], "")]:
             with self.subTest(month):
+                self.assertEqual(self.batch(month, "--quiet")[1], quiet)
                 out, err = self.batch(month)
                 if month == "2024-03":  # every statement of every department has rows
                     summary = read(os.path.join(out, "summary.csv"))[1:]
@@ -321,11 +251,6 @@ class Mismatches(unittest.TestCase):
                 self.assertEqual(err.splitlines()[-1], "yunqi-statement: batch: " + (
                     "1 department does not reconcile" if rows
                     else "0 departments do not reconcile"))
-
-    def test_quiet_tells_only_of_departments_that_disagree(self):
-        self.assertEqual(self.batch("2024-02", "--quiet")[1], "")
-        self.assertEqual(self.batch("2024-03", "--quiet")[1],
-                         "yunqi-statement: batch: 1 department does not reconcile\n")
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

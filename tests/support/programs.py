@@ -2,56 +2,63 @@
 installed: a statement on a demo ledger, and the desktop program started
 offscreen to its main window and closed."""
 import csv
-import io
 import os
 import select
+import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 
+TOOL = os.path.join(sys.argv[1] if len(sys.argv) > 1 else "build/bin", "yunqi-statement")
+
 # The main window, as Qt's accessibility cache logs it when it is shown.
 MAIN_WINDOW = 'name="云栖账房报表" role=Window'.encode()
+
+
+def run(*args, **kw):  # the companion under test, its outputs as text
+    return subprocess.run([TOOL, *args], capture_output=True, text=True, **kw)
+
+
+def read(path):
+    with open(path, encoding="utf-8") as f:
+        return list(csv.reader(f))
 
 
 def hiding(folder):
     """A launcher that runs a program with folder hidden under an empty one
     (a mount namespace of its own), or None where namespaces are not allowed."""
     wrap = ["unshare", "-rm", "sh", "-c", 'mount -t tmpfs none "$0" && exec "$@"', folder]
-    try:
-        ok = subprocess.run(wrap + ["true"], capture_output=True).returncode == 0
-    except OSError:
-        ok = False
-    return wrap if ok else None
+    ok = shutil.which("unshare") and subprocess.run(wrap + ["true"], capture_output=True)
+    return wrap if ok and ok.returncode == 0 else None
+
+
+def tool(bindir, *args, env=None, wrap=(), **kw):
+    """Runs bindir's companion and asserts it succeeded."""
+    r = subprocess.run([*wrap, os.path.join(bindir, "yunqi-statement"), *args],
+                       capture_output=True, text=True, env=env, **kw)
+    assert r.returncode == 0, (args[0], r.stderr)
 
 
 def statement_rows(bindir, env=None, wrap=()):
     """Makes a demo ledger with bindir's companion and returns the rows of an
     invoice statement on it."""
-    tool = os.path.join(bindir, "yunqi-statement")
     with tempfile.TemporaryDirectory() as d:
-        db = os.path.join(d, "demo.sqlite")
-        for args in (["make-demo-db", db, "--tickets", "2000"],
-                     ["invoice", "--database", db, "--dept", "01", "--from", "2024-01-01",
-                      "--to", "2024-12-31", "--csv", os.path.join(d, "s.csv"),
-                      "--xlsx", os.path.join(d, "s.xlsx")]):
-            r = subprocess.run([*wrap, tool, *args], capture_output=True, text=True, env=env,
-                               cwd=d)
-            assert r.returncode == 0, (args[0], r.stderr)
-        with open(os.path.join(d, "s.csv"), encoding="utf-8") as f:
-            return list(csv.reader(f))
+        db, out = os.path.join(d, "demo.sqlite"), os.path.join(d, "s.")
+        tool(bindir, "make-demo-db", db, "--tickets", "2000", env=env, wrap=wrap, cwd=d)
+        tool(bindir, "invoice", "--database", db, "--dept", "01", "--from", "2024-01-01", "--to",
+             "2024-12-31", "--csv", out + "csv", "--xlsx", out + "xlsx", env=env, wrap=wrap, cwd=d)
+        return read(out + "csv")
 
 
 def main_window_shown(bindir, env=None, wrap=(), patience=60):
-    """Starts bindir's desktop program offscreen on a demo ledger; True once
-    its main window is shown (Qt's accessibility log names it), after which
-    the program is ended as a session ends it. Its standard error comes back
-    too."""
+    """Starts bindir's desktop program offscreen on a demo ledger: whether its
+    main window was shown before it was ended as a session ends it, and its
+    standard error."""
     with tempfile.TemporaryDirectory() as d:
         db = os.path.join(d, "demo.sqlite")
-        made = subprocess.run([os.path.join(bindir, "yunqi-statement"), "make-demo-db", db,
-                               "--tickets", "200"], capture_output=True, env=env)
-        assert made.returncode == 0, made.stderr
+        tool(bindir, "make-demo-db", db, "--tickets", "200", env=env)
         os.makedirs(os.path.join(d, "云栖账房"))
         with open(os.path.join(d, "云栖账房", "云栖账房.ini"), "w", encoding="utf-8") as f:
             f.write("[DBConfig]\nDriver=SQLite\nDBname=%s\n" % db)

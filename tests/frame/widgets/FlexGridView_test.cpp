@@ -1,6 +1,5 @@
-// The grid view alone, asked what it draws where: texts, alignments and
-// colours of cells, the header merges, sizes, and the fixed rows held at the
-// top while the body scrolls.
+// The grid view alone, asked what it draws where: cells, sizes, header merges,
+// and the fixed rows held at the top while the body scrolls.
 #include "frame/widgets/FlexGridView.h"
 
 #include <gtest/gtest.h>
@@ -32,23 +31,23 @@ QVariant Shown(const FlexGridView& view, int row, int col, int role = Qt::Displa
 struct Shell {
     explicit Shell(const FlexGrid& grid, QSize size = {400, 240}) {
         window.resize(size + QSize(20, 20));
-        view = new FlexGridView(&window);
         view->setGeometry(QRect(QPoint(0, 0), size));
         view->SetGrid(grid);
         window.show();
         Settle();
     }
     QWidget window;
-    FlexGridView* view;
+    FlexGridView* view = new FlexGridView(&window);
 };
 
 std::pair<int, int> Cell(int row, int col) { return {row, col}; }
 
 }  // namespace
 
-// Texts, alignments and back colours as drawn, fixed rows and column included.
-TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentAndBackColour) {
-    FlexGrid grid(6, 5, 2, 1);
+// Texts, alignments and back colours as drawn, fixed rows and column included;
+// widths and heights in pixels at fifteen twips each.
+TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentBackColourAndSize) {
+    FlexGrid grid(6, 7, 2, 1);  // the last two columns only for their widths
     const char* texts[6][5] = {{"序", "金额", "方式", "备注", "附"},
                                {"序", "元", "方式", "备注", "附"},
                                {"1", "100.00", "现金", "", "甲"},
@@ -65,12 +64,18 @@ TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentAndBackColour) {
     grid.SetCellAlignmentAt(3, 4, FlexGrid::AlignLeftTop);
     grid.SetCellBackColorAt(3, 1, 0xC0FFFF);  // blue-green-red
     grid.SetCellBackColorAt(4, 0, 0x0000FF);
-    Shell shell(grid, {500, 260});
-    const QColor button = shell.view->palette().color(QPalette::Button);
+    const std::pair<int, int> widths[] = {{960, 64},   {1000, 66}, {1500, 100},
+                                          {2985, 199}, {1200, 80}, {14, 0}};  // twips, pixels
+    for (int c = 0; c < 6; ++c) grid.SetColWidth(c, widths[c].first);
+    grid.SetRowHeight(0, 450);
+    grid.SetRowHeight(3, 600);
+    Shell shell(grid, {760, 300});
+    const FlexGridView& view = *shell.view;
+    const QColor button = view.palette().color(QPalette::Button);
 
-    const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
-    const Qt::Alignment right = Qt::AlignRight | Qt::AlignVCenter;
-    const Qt::Alignment centre = Qt::AlignHCenter | Qt::AlignVCenter;
+    const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter,
+                        right = Qt::AlignRight | Qt::AlignVCenter,
+                        centre = Qt::AlignHCenter | Qt::AlignVCenter;
     struct Case {
         int row, col;
         Qt::Alignment alignment;
@@ -90,7 +95,6 @@ TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentAndBackColour) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(::testing::Message() << c.row << "," << c.col);
-        const FlexGridView& view = *shell.view;
         EXPECT_EQ(view.CellAt(view.CellRect(c.row, c.col).center()), Cell(c.row, c.col));
         EXPECT_EQ(Shown(view, c.row, c.col).toString(), QString::fromUtf8(texts[c.row][c.col]));
         EXPECT_EQ(Shown(view, c.row, c.col, Qt::TextAlignmentRole).toInt(), int(c.alignment));
@@ -100,19 +104,28 @@ TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentAndBackColour) {
         else
             EXPECT_EQ(back.style(), Qt::NoBrush);
     }
+    // From one cell's start to the next, in the header and in the body.
+    for (int c = 0; c < 6; ++c)
+        for (int r : {0, 4})
+            EXPECT_EQ(view.CellRect(r, c + 1).left() - view.CellRect(r, c).left(), widths[c].second)
+                << widths[c].first;
+    // The standard 300 twips elsewhere, unless the font needs more.
+    const int standard = std::max(20, view.verticalHeader()->minimumSectionSize());
+    const int heights[] = {30, standard, standard, 40, standard};
+    for (int r = 0; r < 5; ++r)
+        EXPECT_EQ(view.CellRect(r + 1, 1).top() - view.CellRect(r, 1).top(), heights[r]) << r;
 }
 
 // The header of a detail statement: 序 and 日期 down both rows, 费用 across
 // its items; held at the top while the body scrolls, and moved sideways with
 // it. Written again, the merges follow the new texts and the body stays where
-// the user scrolled it.
-TEST(FlexGridViewTest, HeaderSpansStayWhileTheBodyScrolls) {
+// the user scrolled it. Word wrap and visibility follow the grid.
+TEST(FlexGridViewTest, HeaderSpansStayWhileTheBodyScrollsAndTheViewFollowsTheGrid) {
     FlexGrid grid(40, 8, 2, 1);
     const char* header[2][8] = {{"序", "日期", "费用", "费用", "费用", "合计", "甲", "乙"},
                                 {"序", "日期", "物业", "停车", "水电", "合计", "甲", "乙"}};
     for (int c = 0; c < 8; ++c) {
-        grid.SetTextMatrix(0, c, QString::fromUtf8(header[0][c]));
-        grid.SetTextMatrix(1, c, QString::fromUtf8(header[1][c]));
+        for (int r : {0, 1}) grid.SetTextMatrix(r, c, QString::fromUtf8(header[r][c]));
         grid.SetColWidth(c, 900);
     }
     for (int r = 2; r < 40; ++r) grid.SetTextMatrix(r, 2, "费用");  // the body never merges
@@ -170,49 +183,16 @@ TEST(FlexGridViewTest, HeaderSpansStayWhileTheBodyScrolls) {
     ASSERT_GT(view.horizontalScrollBar()->value(), 0);
     EXPECT_EQ(view.CellRect(1, 3).left(), view.CellRect(row, 3).left());
     EXPECT_EQ(view.CellRect(1, 3).width(), view.CellRect(row, 3).width());
-}
 
-TEST(FlexGridViewTest, WidthsAndHeightsInPixelsAtFifteenTwipsEach) {
-    struct Size {
-        int twips, pixels;
-    };
-    const Size widths[] = {{960, 64}, {1000, 66}, {14, 0}, {1500, 100}, {2985, 199}};
-    FlexGrid grid(6, 6, 2, 1);
-    for (int c = 0; c < 5; ++c) grid.SetColWidth(c, widths[c].twips);
-    grid.SetRowHeight(0, 450);
-    grid.SetRowHeight(3, 600);
-    Shell shell(grid, {700, 300});
-    const FlexGridView& view = *shell.view;
-    // From one cell's start to the next, in the header and in the body.
-    for (int c = 0; c < 5; ++c) {
-        SCOPED_TRACE(widths[c].twips);
-        for (int r : {0, 4})
-            EXPECT_EQ(view.CellRect(r, c + 1).left() - view.CellRect(r, c).left(),
-                      widths[c].pixels);
-    }
-    // The standard 300 twips elsewhere, unless the font needs more.
-    const int standard = std::max(20, view.verticalHeader()->minimumSectionSize());
-    const int heights[] = {30, standard, standard, 40, standard};
-    for (int r = 0; r < 5; ++r) {
-        SCOPED_TRACE(r);
-        EXPECT_EQ(view.CellRect(r + 1, 1).top() - view.CellRect(r, 1).top(), heights[r]);
-    }
-}
-
-// The pager hides the grid and wraps its words while it fills a page; a view
-// its window hid stays hidden.
-TEST(FlexGridViewTest, WordWrapAndVisibleFollowTheGrid) {
-    FlexGrid grid(4, 3, 2, 1);
-    Shell shell(grid);
-    FlexGridView& view = *shell.view;
+    // The pager hides the grid and wraps its words while it fills a page; a
+    // view its window hid stays hidden.
     grid.SetWordWrap(true);
-    grid.SetVisible(false);
-    view.Refresh();
+    for (bool visible : {false, true}) {
+        grid.SetVisible(visible);
+        view.Refresh();
+        EXPECT_EQ(view.isHidden(), !visible);
+    }
     EXPECT_TRUE(view.wordWrap() && view.FixedRowsView()->wordWrap());
-    EXPECT_TRUE(view.isHidden());
-    grid.SetVisible(true);
-    view.Refresh();
-    EXPECT_FALSE(view.isHidden());
     view.hide();
     view.Refresh();
     EXPECT_TRUE(view.isHidden());
