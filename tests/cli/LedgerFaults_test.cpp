@@ -104,6 +104,7 @@ TEST_F(LedgerFaults, ALockHeldBeyondTheBusyTimeOutIsADatabaseFailure) {
     QSqlDatabase::removeDatabase("locker");
 }
 
+// The mistakes every command shares are StatementCli_test's table.
 TEST_F(LedgerFaults, ArgumentsAndEmptyWindowsHaveTheirStatus) {
     const QString out = dir.filePath("out.csv");
     const auto invoice = [&](const QString& dept, const QString& from, const QString& to,
@@ -124,7 +125,6 @@ TEST_F(LedgerFaults, ArgumentsAndEmptyWindowsHaveTheirStatus) {
     };
     const QString from = "2024-01-01", to = "2024-12-31";
     const Case cases[] = {
-        {"an unknown option", Invoice({"--bogus", "1"}), 2, "unknown option --bogus"},
         {"a share that is no number", Invoice({"--ratio", "007=60/abc"}), 2,
          "the 物业 share abc is no number"},
         {"shares that miss 100", Invoice({"--ratio", "007=60/30"}), 2, "分成比例总和必须等于100"},
@@ -142,13 +142,6 @@ TEST_F(LedgerFaults, ArgumentsAndEmptyWindowsHaveTheirStatus) {
         {"a department not in the reconciliation's list", reconciliation("99", "2024", "01-01"), 2,
          "no department with code 99 in the list"},
         {"an unknown command", {"nonsense"}, 2, "unknown command: nonsense"},
-        {"a demo ledger without a file", {"make-demo-db"}, 2, "FILE is required"},
-        {"an empty file name", {"make-demo-db", ""}, 2, "FILE needs a value"},
-        {"two files", {"make-demo-db", "a", "b"}, 2, "unexpected argument b"},
-        {"a seed without a value", {"make-demo-db", "a", "--seed"}, 2, "--seed needs a value"},
-        {"a seed twice", {"make-demo-db", "a", "--seed", "1", "--seed", "2"}, 2, "--seed given twice"},
-        {"tickets that are no number", {"make-demo-db", "a", "--tickets", "many"}, 2,
-         "--tickets wants a whole number, not many"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
