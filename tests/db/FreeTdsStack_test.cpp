@@ -22,47 +22,27 @@ namespace {
 // One run of the listener on a free port; it stops after one login or 40 s,
 // which outlasts the driver's login time-out of 30 s, so that a stalled login
 // shows as the driver's time-out.
-class TdsListener {
-  public:
+struct TdsListener {
     explicit TdsListener(QStringList args) {
         args.prepend(QStringLiteral(YUNQI_TEST_DIR "/db/tds_listener.py"));
         process_.start(QStringLiteral("/usr/bin/python3"), args);
         if (!process_.waitForReadyRead(10000)) return;
-        const QString first = QString::fromUtf8(process_.readLine()).trimmed();
-        if (first.startsWith(QLatin1String("port ")))
-            port_ = first.mid(5);
-        else
-            refusal_ = first;
+        refusal_ = QString::fromUtf8(process_.readLine()).trimmed();
+        if (refusal_.startsWith(QLatin1String("port "))) port_ = refusal_.mid(5);
     }
-    ~TdsListener() {
-        if (!process_.waitForFinished(45000)) process_.kill();
-    }
-    QString port_, refusal_;  // the port, or why it did not start
+    ~TdsListener() { process_.waitForFinished(45000); }  // else killed by QProcess
+    QString port_, refusal_;  // the port, or (without one) why it did not start
     // The records written until it stopped: browser requests and the login.
     QJsonObject Records() {
         process_.waitForFinished(45000);
         QJsonObject all;
-        for (const QByteArray& line : process_.readAllStandardOutput().split('\n'))
-        {
+        for (const QByteArray& line : process_.readAllStandardOutput().split('\n')) {
             const QJsonObject record = QJsonDocument::fromJson(line).object();
             for (auto i = record.begin(); i != record.end(); ++i) all[i.key()] = i.value();
         }
         return all;
     }
-
-  private:
     QProcess process_;
-};
-
-// An environment variable for the length of a scope.
-struct ScopedEnv {
-    ScopedEnv(const char* name, const QByteArray& value) : name(name) {
-        if (*name) qputenv(name, value);
-    }
-    ~ScopedEnv() {
-        if (*name) qunsetenv(name);
-    }
-    const char* name;
 };
 
 DbSettings Server(const QString& svr, const char* edition = "2000") {
@@ -80,6 +60,7 @@ class FreeTdsStack : public ::testing::Test {
     }
     void TearDown() override {
         SetAppDialogs(nullptr);
+        for (const char* name : {"TDSPORT", "ODBCINI", "FREETDSCONF"}) qunsetenv(name);
         AppSession().SessionConnection.reset();
     }
     RecordingDialogs dialogs;
@@ -128,21 +109,18 @@ TEST_P(FreeTdsLogin, ReachesTheListenerAsConfigured) {
     ASSERT_FALSE(listener.port_.isEmpty()) << listener.refusal_.toStdString();
     DbSettings s = Server(QString::fromUtf8(row.svr).replace("PORT", listener.port_), row.edition);
     s.PWD = QString::fromUtf8(row.password);
+    if (row.how == LoginRow::TdsPort) qputenv("TDSPORT", listener.port_.toLatin1());
     QTemporaryDir dir;
-    QFile odbc(dir.filePath("odbc.ini")), conf(dir.filePath("freetds.conf"));
-    if (row.how == LoginRow::Dsn) {
-        s.DSN = QStringLiteral("yunqi-ledger");
-        ASSERT_TRUE(odbc.open(QIODevice::WriteOnly) && conf.open(QIODevice::WriteOnly));
-        odbc.write("[yunqi-ledger]\nDriver = FreeTDS\nServername = ledger\n");
-        conf.write("[ledger]\n\thost = 127.0.0.1\n\tport = " + listener.port_.toLatin1() +
-                   "\n\ttds version = 7.2\n\tencryption = off\n");
-        odbc.close();
-        conf.close();
+    const std::pair<const char*, QByteArray> files[] = {
+        {"ODBCINI", "[yunqi-ledger]\nDriver = FreeTDS\nServername = ledger\n"},
+        {"FREETDSCONF", "[ledger]\n\thost = 127.0.0.1\n\tport = " + listener.port_.toLatin1() +
+                            "\n\ttds version = 7.2\n\tencryption = off\n"}};
+    for (const auto& [variable, text] : files) {
+        QFile file(dir.filePath(variable));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+        if (row.how == LoginRow::Dsn) qputenv(variable, QFile::encodeName(file.fileName()));
     }
-    const bool dsn = row.how == LoginRow::Dsn;
-    ScopedEnv port(row.how == LoginRow::TdsPort ? "TDSPORT" : "", listener.port_.toLatin1());
-    ScopedEnv odbcIni(dsn ? "ODBCINI" : "", QFile::encodeName(odbc.fileName()));
-    ScopedEnv tdsConf(dsn ? "FREETDSCONF" : "", QFile::encodeName(conf.fileName()));
+    if (row.how == LoginRow::Dsn) s.DSN = QStringLiteral("yunqi-ledger");
     EXPECT_FALSE(OpenDatabase(s));
     const QJsonObject login = listener.Records();
     ASSERT_TRUE(login.contains("version")) << "no login reached the listener";
@@ -152,8 +130,7 @@ TEST_P(FreeTdsLogin, ReachesTheListenerAsConfigured) {
     EXPECT_EQ(login["database"].toString(), "账房");
     // Never printed: compared, and told only by its length.
     const QString got = login["password"].toString();
-    EXPECT_TRUE(got == s.PWD) << "the password arrived with " << got.size() << " characters, not "
-                              << s.PWD.size() << ", or changed";
+    EXPECT_TRUE(got == s.PWD) << "the password arrived changed, with " << got.size() << " characters";
     EXPECT_EQ(login["browser"].toString(), row.how == LoginRow::Browser ? "LEDGER" : "");
 }
 
@@ -201,13 +178,12 @@ TEST_P(FreeTdsStartUp, SaysWhyThenThatTheConnectionFailed) {
     if (listener) EXPECT_TRUE(listener->Records().contains("version"));
     ASSERT_EQ(dialogs.messages.size(), 2u);
     const QString& text = dialogs.messages[0].text;
-    EXPECT_TRUE(text.startsWith(QStringLiteral("错误信息：") + QString::fromUtf8(row.begins)))
+    EXPECT_TRUE(text.startsWith(QStringLiteral("错误信息：") + QString::fromUtf8(row.begins)) &&
+                text.contains(QString::fromUtf8(row.holds)) && !text.contains("Timeout expired"))
         << text.toStdString();
-    EXPECT_TRUE(text.contains(QString::fromUtf8(row.holds))) << text.toStdString();
-    EXPECT_FALSE(text.contains("Timeout expired")) << text.toStdString();
     EXPECT_EQ(dialogs.messages[0].title, "信息文本");
-    EXPECT_EQ(dialogs.messages[1].text, "数据库连接失败!");
-    EXPECT_EQ(dialogs.messages[1].title, "连接提示");
+    EXPECT_EQ(std::pair(dialogs.messages[1].text, dialogs.messages[1].title),
+              std::pair(QStringLiteral("数据库连接失败!"), QStringLiteral("连接提示")));
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, FreeTdsStartUp, ::testing::ValuesIn(kStartUps),

@@ -30,8 +30,7 @@ def packet(kind, payload):
 
 def read_message(conn, deadline):
     """One TDS message (packets up to end-of-message): (type, payload)."""
-    kind, data = None, b""
-    buf = b""
+    data = buf = b""
     while True:
         while len(buf) < 8 or len(buf) < struct.unpack(">H", buf[2:4])[0]:
             left = deadline - time.monotonic()
@@ -42,22 +41,14 @@ def read_message(conn, deadline):
                 return None, b""
             buf += chunk
         length = struct.unpack(">H", buf[2:4])[0]
-        kind, status = buf[0], buf[1]
-        data += buf[8:length]
-        buf = buf[length:]
+        kind, status, data, buf = buf[0], buf[1], data + buf[8:length], buf[length:]
         if status & 0x01:
             return kind, data
 
 
-def prelogin_reply():
-    # VERSION 8.0.194 (SQL Server 2000), ENCRYPTION 2 = not supported.
-    options = [(0x00, bytes([8, 0, 0, 194, 0, 0])), (0x01, bytes([2]))]
-    head = 5 * len(options) + 1
-    table, body = b"", b""
-    for token, value in options:
-        table += struct.pack(">BHH", token, head + len(body), len(value))
-        body += value
-    return packet(0x04, table + b"\xff" + body)
+# Option table (token, offset, length), then VERSION 8.0.194 (SQL Server 2000)
+# and ENCRYPTION 2 = not supported.
+PRELOGIN_REPLY = packet(0x04, bytes.fromhex("00000b0006" "0100110001" "ff" "080000c20000" "02"))
 
 
 def login_fields(data):
@@ -137,7 +128,7 @@ def main():
         with conn:
             if read_message(conn, deadline)[0] != 0x12:
                 continue  # no pre-login
-            conn.sendall(prelogin_reply())
+            conn.sendall(PRELOGIN_REPLY)
             kind, data = read_message(conn, deadline)
             if kind != 0x10:
                 continue  # no login

@@ -26,54 +26,46 @@ using SpanTuple = std::tuple<int, int, int, int>;  // row, col, rows, cols
 
 }  // namespace
 
+// A new grid is the control's: two by two, one fixed row and column, no merging.
 TEST(FlexGridState, StartsAsTheControlDoes) {
     FlexGrid g;
-    EXPECT_EQ(std::make_tuple(g.Rows(), g.Cols(), g.FixedRows(), g.FixedCols(), g.Row()),
-              std::make_tuple(2, 2, 1, 1, 0));
-    EXPECT_EQ(g.TextMatrix(1, 1), "");
-    EXPECT_EQ(g.RowHeight(1), FlexGrid::kStandardRowHeight);
-    EXPECT_EQ(g.ColWidth(1), FlexGrid::kStandardColWidth);
-    EXPECT_EQ(g.ColAlignment(1), FlexGrid::AlignGeneral);
-    EXPECT_EQ(g.CellBackColorAt(1, 1), -1);
-    EXPECT_EQ(g.MergeCells(), FlexGrid::MergeNever);
+    EXPECT_EQ(std::make_tuple(g.Rows(), g.Cols(), g.FixedRows(), g.FixedCols(), g.Row(), g.MergeCells()),
+              std::make_tuple(2, 2, 1, 1, 0, int(FlexGrid::MergeNever)));
 }
 
 // Growing keeps every cell in place; what shrinks away comes back blank, so
 // that a page fill, which starts from the header again, shows no old row.
 TEST(FlexGridState, ResizingKeepsCellsInPlaceAndLostOnesComeBackBlank) {
     FlexGrid g(3, 2);
+    // Text, back colour, own alignment, row height, column width, column merge.
+    auto cell = [&](int r, int c) {
+        return std::make_tuple(g.TextMatrix(r, c), g.CellBackColorAt(r, c), g.CellAlignmentAt(r, c),
+                               g.RowHeight(r), g.ColWidth(c), g.MergeCol(c));
+    };
+    auto set = [&](int r, int c, const QString& text, long back, int height, int width) {
+        g.SetTextMatrix(r, c, text);
+        g.SetCellBackColorAt(r, c, back);
+        g.SetCellAlignmentAt(r, c, FlexGrid::AlignRightCenter);
+        g.SetRowHeight(r, height);
+        g.SetColWidth(c, width);
+        g.SetMergeCol(c, true);
+    };
+    const int row = FlexGrid::kStandardRowHeight, col = FlexGrid::kStandardColWidth;
     g.SetTextMatrix(0, 1, "头");
-    g.SetTextMatrix(2, 1, "甲");
-    g.SetCellBackColorAt(2, 1, 0xC0E0FF);
-    g.SetCellAlignmentAt(2, 1, FlexGrid::AlignRightCenter);
-    g.SetColWidth(1, 1400);
+    set(2, 1, "甲", 0xC0E0FF, 450, 1400);
     g.SetRows(5);
     g.SetCols(4);
-    EXPECT_EQ(g.TextMatrix(0, 1), "头");
-    EXPECT_EQ(g.TextMatrix(2, 1), "甲");
-    EXPECT_EQ(g.CellBackColorAt(2, 1), 0xC0E0FF);
-    EXPECT_EQ(g.CellAlignmentAt(2, 1), FlexGrid::AlignRightCenter);
-    EXPECT_EQ(g.CellAlignmentAt(2, 0), -1);
-    EXPECT_EQ(g.ColWidth(1), 1400);
-    EXPECT_EQ(g.TextMatrix(4, 3), "");
+    EXPECT_EQ(cell(2, 1), std::make_tuple("甲", 0xC0E0FF, int(FlexGrid::AlignRightCenter), 450, 1400, true));
+    EXPECT_EQ(cell(2, 0), std::make_tuple("", -1, -1, 450, col, false));
+    EXPECT_EQ(cell(4, 3), std::make_tuple("", -1, -1, row, col, false));
 
-    g.SetTextMatrix(4, 3, "乙");
-    g.SetRowHeight(4, 600);
-    g.SetCellBackColorAt(4, 3, 0xFFC0C0);
-    g.SetCellAlignmentAt(4, 3, FlexGrid::AlignRightCenter);
-    g.SetColWidth(3, 3800);
-    g.SetMergeCol(3, true);
+    set(4, 3, "乙", 0xFFC0C0, 600, 3800);
     g.SetRows(2);
     g.SetCols(3);
     g.SetRows(5);
     g.SetCols(4);
     EXPECT_EQ(g.TextMatrix(0, 1), "头");
-    EXPECT_EQ(g.TextMatrix(4, 3), "");
-    EXPECT_EQ(g.RowHeight(4), FlexGrid::kStandardRowHeight);
-    EXPECT_EQ(g.CellBackColorAt(4, 3), -1);
-    EXPECT_EQ(g.CellAlignmentAt(4, 3), -1);
-    EXPECT_EQ(g.ColWidth(3), FlexGrid::kStandardColWidth);
-    EXPECT_FALSE(g.MergeCol(3));
+    EXPECT_EQ(cell(4, 3), std::make_tuple("", -1, -1, row, col, false));
 }
 
 TEST(FlexGridState, CurrentCellFollowsShrinkAndIsChecked) {
@@ -126,14 +118,10 @@ TEST(FlexGridMerge, SpansOfTheHeaderRows) {
         SCOPED_TRACE(c.name);
         FlexGrid g(4, int(c.top.size()), 2, 1);
         g.SetMergeCells(c.mode);
-        for (int col = 0; col < c.top.size(); ++col) {
-            g.SetTextMatrix(0, col, c.top[col]);
-            g.SetTextMatrix(1, col, c.bottom[col]);
-            g.SetTextMatrix(2, col, c.bottom[col]);  // body rows equal to the header and
-            g.SetTextMatrix(3, col, c.bottom[col]);  // each other, one marked
-        }
-        g.SetMergeRow(0, true);
-        g.SetMergeRow(2, true);
+        // Body rows equal to the header and each other, one marked.
+        for (int col = 0; col < c.top.size(); ++col)
+            for (int r = 0; r < 4; ++r) g.SetTextMatrix(r, col, r ? c.bottom[col] : c.top[col]);
+        for (int r : {0, 2}) g.SetMergeRow(r, true);
         for (int col : c.mergeCols) g.SetMergeCol(col, true);
         std::vector<SpanTuple> spans;
         for (const FlexGrid::Span& s : g.MergedSpans())
