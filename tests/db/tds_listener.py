@@ -1,16 +1,13 @@
 #!/usr/bin/env python3
 """A TDS listener on loopback for the driver-stack tests.
 
-Answers the pre-login without encryption, reads the login packet and reports
-what it holds as one JSON line on standard output (never to a file: the
-password is in it). Then, by --reply:
-  close  closes the connection;
-  fail   answers as SQL Server 2000 answers a failed login (error 18456 and a
-         DONE in the 7.1 form) and keeps the connection until the client
-         closes it or time runs out.
-With --browser-port it also answers the browser service on UDP, naming the
-TCP port. The first line on standard output is "port N". It stops after one
-login or 40 seconds, whichever comes first.
+Answers the pre-login without encryption and prints what the login packet
+holds as one JSON line (to standard output only: the password is in it). Then
+--reply close closes the connection; fail answers as SQL Server 2000 answers a
+failed login (error 18456, a DONE in the 7.1 form) and keeps the connection
+until the client closes it. --browser-port also answers the UDP browser service
+with the TCP port. The first line printed is "port N"; it stops after one login
+or 40 seconds.
 """
 
 import argparse
@@ -97,10 +94,7 @@ def main():
     args = parser.parse_args()
     deadline = time.monotonic() + 40
 
-    server = socket.socket(socket.AF_INET, socket.SOCK_STREAM)
-    server.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
-    server.bind((HOST, 0))
-    server.listen(4)
+    server = socket.create_server((HOST, 0))
     port = server.getsockname()[1]
     browser = None
     if args.browser_port:
@@ -112,10 +106,7 @@ def main():
             return 3
     print("port %d" % port, flush=True)
 
-    while True:
-        left = deadline - time.monotonic()
-        if left <= 0:
-            break
+    while (left := deadline - time.monotonic()) > 0:
         ready = select.select([server] + ([browser] if browser else []), [], [], left)[0]
         if browser in ready:
             request, peer = browser.recvfrom(4096)

@@ -22,8 +22,6 @@ long ErrorNumberOf(const std::function<void()>& call) {
     return 0;
 }
 
-using SpanTuple = std::tuple<int, int, int, int>;  // row, col, rows, cols
-
 }  // namespace
 
 // A new grid is the control's: two by two, one fixed row and column, no merging.
@@ -96,7 +94,7 @@ TEST(FlexGridMerge, SpansOfTheHeaderRows) {
         const char* name;
         QStringList top, bottom;
         std::vector<int> mergeCols;
-        std::vector<SpanTuple> spans;
+        std::vector<std::tuple<int, int, int, int>> spans;  // row, col, rows, cols
         int mode = FlexGrid::MergeRestrictColumns;
     };
     const Case cases[] = {
@@ -123,7 +121,7 @@ TEST(FlexGridMerge, SpansOfTheHeaderRows) {
             for (int r = 0; r < 4; ++r) g.SetTextMatrix(r, col, r ? c.bottom[col] : c.top[col]);
         for (int r : {0, 2}) g.SetMergeRow(r, true);
         for (int col : c.mergeCols) g.SetMergeCol(col, true);
-        std::vector<SpanTuple> spans;
+        decltype(c.spans) spans;
         for (const FlexGrid::Span& s : g.MergedSpans())
             spans.emplace_back(s.row, s.col, s.rowSpan, s.colSpan);
         std::sort(spans.begin(), spans.end());
