@@ -34,13 +34,8 @@ void ReadsTheLedger(DatabaseSession& session) {
     rs.MoveNext();
     EXPECT_EQ(rs.Value(2).toString(), "1幢");
     EXPECT_TRUE(rs.IsNull(rs.IndexOf("金额")));
-    EXPECT_EQ(rs.Value(3), QVariant());
     rs.MoveNext();
     EXPECT_TRUE(rs.AtEnd());
-
-    Recordset none = session.Open("Select * From 票据 Where 1=0");
-    EXPECT_TRUE(none.AtEnd());
-    EXPECT_EQ(none.FieldCount(), 13);
 }
 
 // A second recordset opened while the first is half read, as reports nest them.
