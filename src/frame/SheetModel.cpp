@@ -56,28 +56,22 @@ int SheetModel::Intern(const Style& style) {
     return index;
 }
 
-void SheetModel::Restyle(const Area& a, const StyleChange& change) {
-    if (a.top == a.bottom && a.left == a.right) {
-        Cell& cell = At(a.top, a.left);
+void SheetModel::RestyleCell(Cell& cell, const StyleChange& change, std::vector<int>& memo) {
+    // Styles are few: a table from old to new index serves many cells.
+    if (memo.size() <= cell.style) memo.resize(styles_.size(), -1);
+    int& to = memo[cell.style];
+    if (to < 0) {
         Style s = styles_[cell.style];
         change(s);
-        cell.style = std::uint16_t(Intern(s));
-        return;
+        to = Intern(s);
     }
-    // Styles are few: a table from old to new index serves the whole area.
-    std::vector<int> memo(styles_.size(), -1);
+    cell.style = std::uint16_t(to);
+}
+
+void SheetModel::Restyle(const Area& a, const StyleChange& change) {
+    std::vector<int> memo;
     for (int r = a.top; r <= a.bottom; ++r)
-        for (int c = a.left; c <= a.right; ++c) {
-            Cell& cell = At(r, c);
-            if (memo.size() <= cell.style) memo.resize(styles_.size(), -1);
-            int& to = memo[cell.style];
-            if (to < 0) {
-                Style s = styles_[cell.style];
-                change(s);
-                to = Intern(s);
-            }
-            cell.style = std::uint16_t(to);
-        }
+        for (int c = a.left; c <= a.right; ++c) RestyleCell(At(r, c), change, memo);
 }
 
 void SheetModel::Defer(const Area& area, StyleChange change) {
@@ -86,20 +80,10 @@ void SheetModel::Defer(const Area& area, StyleChange change) {
 }
 
 void SheetModel::ApplyDeferred(int row) {
-    for (Deferred& d : deferred_) {
-        if (row < d.area.top || row > d.area.bottom) continue;
-        for (int c = d.area.left; c <= d.area.right; ++c) {
-            Cell& cell = At(row, c);
-            if (d.memo.size() <= cell.style) d.memo.resize(styles_.size(), -1);
-            int& to = d.memo[cell.style];
-            if (to < 0) {
-                Style s = styles_[cell.style];
-                d.change(s);
-                to = Intern(s);
-            }
-            cell.style = std::uint16_t(to);
-        }
-    }
+    for (Deferred& d : deferred_)
+        if (d.area.top <= row && row <= d.area.bottom)
+            for (int c = d.area.left; c <= d.area.right; ++c)
+                RestyleCell(At(row, c), d.change, d.memo);
 }
 
 void SheetModel::CompleteRowsThrough(int row) {

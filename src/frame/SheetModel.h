@@ -147,6 +147,8 @@ class SheetModel {
     Cell& At(int row, int col);
     const Cell* Find(int row, int col) const;
     int Intern(const Style& style);
+    // Applies a change to a cell's style through memo (old index to new).
+    void RestyleCell(Cell& cell, const StyleChange& change, std::vector<int>& memo);
     // Applies a change to the style of every cell of the area, one memo per call.
     void Restyle(const Area& area, const StyleChange& change);
     void Defer(const Area& area, StyleChange change);

@@ -97,16 +97,13 @@ struct XlsxWriter::State {
     lxw_workbook* book = nullptr;
     lxw_worksheet* ws = nullptr;
     std::unique_ptr<Formats> formats;
-    int widthsSet = 0;
     QByteArray utf8;
 
-    // Column widths as the sheet has them so far; the header sets them.
+    // The column widths, laid by the header before the first row.
     void SetWidths(const SheetModel& sheet) {
-        for (int c = widthsSet + 1; c <= sheet.ColCount(); ++c)
-            if (const double w = sheet.ColumnWidth(c); w > 0) {
+        for (int c = 1; c <= sheet.ColCount(); ++c)
+            if (const double w = sheet.ColumnWidth(c); w > 0)
                 worksheet_set_column(ws, lxw_col_t(c - 1), lxw_col_t(c - 1), w, nullptr);
-                widthsSet = c;
-            }
     }
 };
 
@@ -139,8 +136,10 @@ XlsxWriter::~XlsxWriter() {
 
 void XlsxWriter::WriteRow(const SheetModel& sheet, int r) {
     State& d = *d_;
-    if (!d.formats) d.formats = std::make_unique<Formats>(d.book, sheet);
-    d.SetWidths(sheet);
+    if (!d.formats) {
+        d.formats = std::make_unique<Formats>(d.book, sheet);
+        d.SetWidths(sheet);
+    }
     Formats& formats = *d.formats;
     lxw_worksheet* ws = d.ws;
     const lxw_row_t row = lxw_row_t(r - 1);
@@ -192,9 +191,8 @@ void XlsxWriter::WriteRow(const SheetModel& sheet, int r) {
     }
 }
 
-void XlsxWriter::Close(const SheetModel& sheet) {
+void XlsxWriter::Close() {
     State& d = *d_;
-    d.SetWidths(sheet);
     lxw_workbook* book = std::exchange(d.book, nullptr);
     const lxw_error closed = workbook_close(book);
     if (closed != LXW_NO_ERROR) Fail(closed, d.path);
@@ -205,7 +203,7 @@ void XlsxWriter::Close(const SheetModel& sheet) {
 void WriteXlsx(const SheetModel& sheet, const QString& path) {
     XlsxWriter writer(path);
     for (int r = 1; r <= sheet.RowCount(); ++r) writer.WriteRow(sheet, r);
-    writer.Close(sheet);
+    writer.Close();
 }
 
 void StreamXlsx(const QString& path, const std::function<void(SheetModel&)>& compose,
@@ -215,7 +213,7 @@ void StreamXlsx(const QString& path, const std::function<void(SheetModel&)>& com
     compose(sheet);
     sheet.Complete();
     if (beforeClose) beforeClose();
-    writer.Close(sheet);
+    writer.Close();
 }
 
 }  // namespace yunqi

@@ -27,8 +27,8 @@ class XlsxWriter : public SheetModel::RowSink {
     XlsxWriter& operator=(const XlsxWriter&) = delete;
 
     void WriteRow(const SheetModel& sheet, int row) override;
-    // The sheet's rows must all be complete.
-    void Close(const SheetModel& sheet);
+    // After the sheet's last row: the file made final.
+    void Close();
 
   private:
     struct State;
