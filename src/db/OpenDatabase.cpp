@@ -83,14 +83,22 @@ QString OdbcConnectionString(const DbSettings& s) {
             port = host.mid(comma + 1).trimmed();
             host = host.left(comma).trimmed();
         }
-        text = QStringLiteral("DRIVER={") + s.Driver + QStringLiteral("};SERVER=") + value(host);
-        if (!port.isEmpty()) text += QStringLiteral(";PORT=") + value(port);
+        text = QStringLiteral("DRIVER={") + s.Driver + QStringLiteral("};SERVER=");
+        if (freeTds) {
+            text += value(host);
+            if (!port.isEmpty()) text += QStringLiteral(";PORT=") + value(port);
+        } else {
+            // Microsoft's drivers take the port only as "host,port" and know
+            // neither PORT nor TDS_Version.
+            text += value(port.isEmpty() ? host : host + QLatin1Char(',') + port);
+        }
         text += QStringLiteral(";DATABASE=") + value(s.DBname) + QStringLiteral(";UID=") +
-                value(s.UID) + QStringLiteral(";PWD=") + value(s.PWD) +
-                QStringLiteral(";TDS_Version=") + TdsVersion(s.Edition);
+                value(s.UID) + QStringLiteral(";PWD=") + value(s.PWD);
+        if (freeTds) text += QStringLiteral(";TDS_Version=") + TdsVersion(s.Edition);
     }
     const QString app = QCoreApplication::applicationName();
     if (!app.isEmpty()) text += QStringLiteral(";APP=") + value(app);
+    if (!freeTds) return text;
     // Last, so that no value of the settings ends the text: FreeTDS 1.3 reads
     // the last value to the end of what it is handed, a closing brace or the
     // terminating NUL included.

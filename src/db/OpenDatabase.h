@@ -21,7 +21,9 @@ QString TdsVersion(const QString& edition);
 // service for the port) or "host\instance,port" (FreeTDS takes the port). With
 // DSN set, that data source names server, port, TDS version and encryption;
 // UID, PWD and DBname are added when set. The application's name goes as APP,
-// and FreeTDS is asked for UTF-8 either way.
+// and FreeTDS is asked for UTF-8 either way. Any other driver (Windows' "SQL
+// Server", ODBC Driver 17 and 18) gets Svr as one SERVER value, "host,port"
+// included, and none of FreeTDS's own keywords.
 QString OdbcConnectionString(const DbSettings& settings);
 
 // Why a value of the settings can't reach FreeTDS through a connection

@@ -90,6 +90,12 @@ TEST(ConnectionTextTest, OdbcServerForms) {
     s.PWD = " {x} ";
     EXPECT_TRUE(OdbcConnectionString(s).contains("SERVER=db.local;PORT=1433;"));
     EXPECT_TRUE(OdbcConnectionString(s).contains(";PWD= {x} ;"));
+    // Microsoft's drivers: the port inside SERVER, no FreeTDS keywords.
+    for (const char* driver : {"SQL Server", "ODBC Driver 18 for SQL Server"})
+        EXPECT_EQ(OdbcConnectionString({"2000", " db.local , 1433 ", "sa", " {x} ", "账房", driver})
+                      .toStdString(),
+                  ("DRIVER={" + QString(driver) + "};SERVER=db.local,1433;DATABASE=账房;UID=sa;"
+                   "PWD={ {x}} };APP=" + QCoreApplication::applicationName()).toStdString());
 }
 
 TEST(CenterInMainWindowTest, HalvesTheFreeSpaceInSinglePrecision) {
