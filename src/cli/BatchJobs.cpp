@@ -1,50 +1,15 @@
 #include "cli/BatchJobs.h"
 
-#include <unistd.h>
-
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QProcess>
-#include <QSocketNotifier>
-#include <csignal>
 #include <memory>
 
 #include "cli/BatchMismatches.h"
+#include "cli/os/Interrupts.h"
 
 namespace yunqi {
-
-namespace {
-
-int signalPipe[2] = {-1, -1};
-
-void OnSignal(int signal) {
-    const char byte = char(signal);
-    [[maybe_unused]] const auto n = ::write(signalPipe[1], &byte, 1);
-}
-
-// Catches the signals that end a batch for as long as it lives.
-class SignalCatcher {
-  public:
-    SignalCatcher() {
-        if (signalPipe[0] < 0 && ::pipe(signalPipe) != 0) return;
-        struct sigaction action = {};
-        action.sa_handler = OnSignal;
-        sigemptyset(&action.sa_mask);
-        for (int s : {SIGINT, SIGTERM, SIGHUP}) sigaction(s, &action, &old_[s]);
-        notifier_ = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
-    }
-    ~SignalCatcher() {
-        for (int s : {SIGINT, SIGTERM, SIGHUP}) sigaction(s, &old_[s], nullptr);
-    }
-    QSocketNotifier* Notifier() const { return notifier_.get(); }
-
-  private:
-    struct sigaction old_[NSIG] = {};
-    std::unique_ptr<QSocketNotifier> notifier_;
-};
-
-}  // namespace
 
 QString StatusText(BatchJob::Status s) {
     switch (s) {
@@ -74,7 +39,6 @@ int CsvRecords(const QByteArray& csv) {
 
 bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& program,
                   const std::function<void(const BatchJob&, int done)>& finished) {
-    SignalCatcher catcher;
     QEventLoop loop;
     bool interrupted = false;
     std::size_t next = 0;
@@ -129,15 +93,12 @@ bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& prog
         }
     };
 
-    if (catcher.Notifier())
-        QObject::connect(catcher.Notifier(), &QSocketNotifier::activated, &loop, [&] {
-            char byte;
-            [[maybe_unused]] const auto n = ::read(signalPipe[0], &byte, 1);
-            interrupted = true;
-            for (auto& p : processes)
-                if (p && p->state() != QProcess::NotRunning) p->terminate();
-            if (running == 0) loop.quit();
-        });
+    InterruptWatch watch([&] {
+        interrupted = true;
+        for (auto& p : processes)
+            if (p && p->state() != QProcess::NotRunning) p->terminate();
+        if (running == 0) loop.quit();
+    });
 
     startMore();
     if (running > 0) loop.exec();

@@ -1,9 +1,8 @@
 #include "cli/MakeDemoDbCommand.h"
 
-#include <sys/stat.h>
-
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QTextStream>
 
 #include "cli/DemoDatabase.h"
@@ -54,8 +53,8 @@ int RunMakeDemoDb(const QStringList& args) {
                              ? parsed.Value(QStringLiteral("--seed")).toULongLong()
                              : 1;
     // A ledger is never replaced by demo data unless asked for.
-    struct stat st {};
-    if (!force && ::lstat(QFile::encodeName(file).constData(), &st) == 0)
+    const QFileInfo existing(file);
+    if (!force && (existing.exists() || existing.isSymLink()))
         return bad(file + QStringLiteral(" exists; --force replaces it"));
     try {
         // A read-only file or a missing folder is refused before any work.
