@@ -77,7 +77,8 @@ build_qt() {
   local dir b="$work/qt"
   dir="$(only_dir 'qt6-base-*')"
   rm -rf "$b"
-  # The host's Qt of the same version supplies moc, rcc and uic.
+  # The host's Qt of the same version supplies moc, rcc and uic. Tablet
+  # events are off: Debian's source leaves out the header they need.
   cmake -S "$dir" -B "$b" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
     -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake \
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$DEPS/qt" \
@@ -88,7 +89,7 @@ build_qt() {
     -DFEATURE_sql=ON -DFEATURE_sql_odbc=ON -DFEATURE_sql_sqlite=ON \
     -DFEATURE_system_sqlite=ON -DFEATURE_sql_psql=OFF -DFEATURE_sql_mysql=OFF \
     -DFEATURE_sql_ibase=OFF -DFEATURE_sql_oci=OFF -DFEATURE_sql_db2=OFF \
-    -DFEATURE_accessibility=OFF -DFEATURE_vulkan=OFF \
+    -DFEATURE_accessibility=OFF -DFEATURE_vulkan=OFF -DFEATURE_tabletevent=OFF \
     -DFEATURE_system_zlib=OFF -DFEATURE_opengl=ON >"$work/qt-configure.log"
   cmake --build "$b" -j "$jobs" >"$work/qt-build.log"
   cmake --install "$b" >/dev/null

@@ -1,0 +1,166 @@
+#!/usr/bin/env bash
+# Tries the Windows build under wine against the Linux build:
+#  - the demo ledger made by each is the same data;
+#  - each statement's CSV and workbook from the Windows programs equals the
+#    Linux build's on the same ledger, byte for byte;
+#  - a refused or interrupted output keeps the old file and leaves no
+#    temporary file;
+#  - the desktop program starts on the demo ledger, opens each report window
+#    from the menu and closes (screenshots in OUT/screens).
+# Usage: wine-test.sh WINDOWS_DIR LINUX_BIN_DIR OUT_DIR
+set -euo pipefail
+win="$1" linux="$2" out="$3"
+mkdir -p "$out" "$out/screens"
+out="$(cd "$out" && pwd)"
+export WINEPREFIX="$out/prefix" WINEARCH=win64 WINEDEBUG=-all
+export SOURCE_DATE_EPOCH=1700000000 TZ=UTC
+failures=0
+pass() { echo "ok    $*"; }
+fail() { echo "FAIL  $*"; failures=$((failures + 1)); }
+winpath() { echo "Z:$1"; }
+
+# A display of our own for wine and the desktop program.
+display=:$((90 + RANDOM % 100))
+Xvfb "$display" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
+xvfb=$!
+trap 'kill $xvfb 2>/dev/null; wineserver -k 2>/dev/null || true' EXIT
+export DISPLAY=$display
+sleep 1
+[ -d "$WINEPREFIX/drive_c" ] || wineboot -i >/dev/null 2>&1
+statement() { wine "$win/yunqi-statement.exe" "$@"; }
+
+echo "== the demo ledger"
+rm -f "$out/win.sqlite" "$out/linux.sqlite"
+statement make-demo-db "$(winpath "$out/win.sqlite")" --tickets 20000 >"$out/make-demo-db.txt"
+"$linux/yunqi-statement" make-demo-db "$out/linux.sqlite" --tickets 20000 >/dev/null
+if cmp -s <(sqlite3 "$out/win.sqlite" .dump) <(sqlite3 "$out/linux.sqlite" .dump); then
+  pass "make-demo-db: the same ledger ($(cut -d, -f1 "$out/make-demo-db.txt" | cut -d: -f2))"
+else
+  fail "make-demo-db: the ledgers differ"
+fi
+
+echo "== statements on the Windows-made ledger"
+db="$out/win.sqlite"
+runs=(
+  "invoice --dept 01 --from 2024-01-01 --to 2024-12-31"
+  "preinvoice --dept 01 --from 2024-01-01 --to 2024-12-31"
+  "parking --dept 01 --from 2024-01-01 --to 2024-12-31 --ratio 007=66.7/33.3"
+  "reconciliation --dept 01 --year 2024 --months 01-12"
+)
+for run in "${runs[@]}"; do
+  read -r -a args <<<"$run"
+  name=${args[0]}
+  "$linux/yunqi-statement" "${args[@]}" --database "$db" --quiet \
+    --csv "$out/$name.linux.csv" --xlsx "$out/$name.linux.xlsx"
+  statement "${args[@]}" --database "$(winpath "$db")" --quiet \
+    --csv "$(winpath "$out/$name.win.csv")" --xlsx "$(winpath "$out/$name.win.xlsx")"
+  rows=$(($(wc -l <"$out/$name.linux.csv") - 2))
+  for kind in csv xlsx; do
+    if cmp -s "$out/$name.linux.$kind" "$out/$name.win.$kind"; then
+      pass "$name --$kind: equal ($rows rows, $(stat -c %s "$out/$name.win.$kind") bytes)"
+    else
+      fail "$name --$kind: differs from the Linux build's"
+    fi
+  done
+done
+statement invoice --dept 01 --from 2024-01-01 --to 2024-12-31 --database "$(winpath "$db")" \
+  --csv - >"$out/stdout.win.csv"
+if cmp -s "$out/stdout.win.csv" "$out/invoice.linux.csv"; then
+  pass "invoice --csv -: standard output equals the file"
+else
+  fail "invoice --csv -: standard output differs (line ends?)"
+fi
+
+echo "== outputs that fail keep the old file"
+old="$out/old.csv"
+echo "the old statement" >"$old"
+chmod 444 "$old"
+status=0
+statement invoice --dept 01 --from 2024-01-01 --to 2024-12-31 --database "$(winpath "$db")" \
+  --csv "$(winpath "$old")" 2>"$out/refused.txt" || status=$?
+if [ $status -eq 1 ] && [ "$(cat "$old")" = "the old statement" ]; then
+  pass "read-only target: refused before work ($(head -c 120 "$out/refused.txt"))"
+else
+  fail "read-only target: status $status, file now: $(head -c 60 "$old")"
+fi
+chmod 644 "$old"
+status=0
+statement invoice --dept 01 --from 2024-01-01 --to 2024-12-31 --database "$(winpath "$db")" \
+  --csv "$(winpath "$out/no such folder/x.csv")" 2>"$out/missing.txt" || status=$?
+[ $status -eq 1 ] && pass "missing folder: $(head -c 120 "$out/missing.txt")" ||
+  fail "missing folder: status $status"
+
+# Ctrl+C in the middle of a long statement: wine hands the SIGINT to the
+# program as a console control event.
+big="$out/big.sqlite"
+[ -f "$big" ] || "$linux/yunqi-statement" make-demo-db "$big" --tickets 200000 >/dev/null
+for kind in csv xlsx; do
+  target="$out/interrupted.$kind"
+  echo "the old statement" >"$target"
+  statement invoice --dept 01 --from 2024-01-01 --to 2024-12-31 --database "$(winpath "$big")" \
+    --quiet "--$kind" "$(winpath "$target")" 2>/dev/null &
+  runner=$!
+  sleep 4
+  pid=$(pgrep -f 'yunqi-statement.exe invoice' | head -n 1 || true)
+  [ -n "$pid" ] && kill -INT "$pid"
+  status=0
+  wait $runner || status=$?
+  left=$(find "$out" -maxdepth 1 -name ".interrupted.$kind.*" | wc -l)
+  if [ -n "$pid" ] && [ "$(cat "$target")" = "the old statement" ] && [ "$left" -eq 0 ]; then
+    pass "Ctrl+C during --$kind: old file kept, no temporary file left (status $status)"
+  else
+    fail "Ctrl+C during --$kind: pid '${pid}', status $status, $left temporary files, file: $(head -c 40 "$target")"
+  fi
+done
+
+echo "== the desktop program"
+appdata=$(wine cmd /c 'echo %APPDATA%' 2>/dev/null | tr -d '\r')
+config="$(winepath -u "$appdata" 2>/dev/null)/云栖账房"
+mkdir -p "$config"
+printf '[DBConfig]\r\nDriver=SQLite\r\nDBname=%s\r\n' "$(winpath "$db")" >"$config/云栖账房.ini"
+wine "$win/yunqi-reports.exe" >/dev/null 2>&1 &
+desktop=$!
+main=""
+for _ in $(seq 60); do
+  main=$(xdotool search --name '^云栖账房报表$' 2>/dev/null | head -n 1 || true)
+  [ -n "$main" ] && break
+  sleep 1
+done
+if [ -z "$main" ]; then
+  fail "yunqi-reports.exe: no main window"
+else
+  sleep 2
+  eval "$(xdotool getwindowgeometry --shell "$main")"
+  import -window root "$out/screens/0-started.png"
+  pass "yunqi-reports.exe started (window $WIDTH x $HEIGHT at $X,$Y)"
+  windows_before=$(xdotool search --onlyvisible --name '.' 2>/dev/null | wc -l)
+  # The menu 统计报表 is the first of the menu bar; its entries in order.
+  entries=(停车费明细表 增值税开票明细表 增值税预开明细表 开票票据核对表)
+  for i in "${!entries[@]}"; do
+    xdotool mousemove $((X + 30)) $((Y + 10)) click 1
+    sleep 1
+    for _ in $(seq 0 "$i"); do xdotool key Down; done
+    xdotool key Return
+    sleep 3
+    import -window root "$out/screens/$((i + 1))-${entries[$i]}.png"
+    windows_now=$(xdotool search --onlyvisible --name '.' 2>/dev/null | wc -l)
+    if [ "$windows_now" -eq "$windows_before" ] && kill -0 $desktop 2>/dev/null; then
+      pass "menu 统计报表 → ${entries[$i]}: opened, no message box"
+    else
+      fail "menu 统计报表 → ${entries[$i]}: $windows_now top-level windows (was $windows_before)"
+    fi
+    xdotool key ctrl+F4
+    sleep 1
+  done
+  # 退出系统 → 退出 ends the program.
+  xdotool mousemove $((X + 100)) $((Y + 10)) click 1
+  sleep 1
+  xdotool key Down Return
+  status=0
+  timeout 20 tail --pid=$desktop -f /dev/null || status=$?
+  kill -0 $desktop 2>/dev/null && fail "退出系统 → 退出: still running" || pass "退出系统 → 退出: the program ended"
+fi
+
+echo
+[ $failures -eq 0 ] && echo "wine: all passed" || echo "wine: $failures failed"
+exit $((failures > 0))
