@@ -1,0 +1,7 @@
+#include "cli/os/Console.h"
+
+namespace yunqi {
+
+void UseUtf8Console() {}
+
+}  // namespace yunqi
