@@ -1,23 +1,19 @@
 #include "cli/CommandOutputs.h"
 
-#include <sys/stat.h>
-
-#include <QFile>
 #include <QFileInfo>
+
+#include "cli/os/FileIdentity.h"
 
 namespace yunqi {
 
 namespace {
 
-// Two names of one file: the same device and inode when both exist, else the
-// same absolute path once the folder's links are resolved.
+// Two names of one file: the same file to the system when both exist, else
+// the same absolute path once the folder's links are resolved.
 bool SameFile(const QString& a, const QString& b) {
-    struct stat sa {
-    }, sb{};
-    const bool ea = ::stat(QFile::encodeName(a).constData(), &sa) == 0;
-    const bool eb = ::stat(QFile::encodeName(b).constData(), &sb) == 0;
-    if (ea && eb) return sa.st_dev == sb.st_dev && sa.st_ino == sb.st_ino;
-    if (ea != eb) return false;
+    const std::optional<FileIdentity> ia = IdentityOf(a), ib = IdentityOf(b);
+    if (ia && ib) return *ia == *ib;
+    if (ia.has_value() != ib.has_value()) return false;
     auto where = [](const QString& p) {
         const QFileInfo info(p);
         const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
@@ -25,12 +21,6 @@ bool SameFile(const QString& a, const QString& b) {
                info.fileName();
     };
     return where(a) == where(b);
-}
-
-bool IsRegularOrAbsent(const QString& path) {
-    struct stat st {};
-    if (::stat(QFile::encodeName(path).constData(), &st) != 0) return true;
-    return S_ISREG(st.st_mode);
 }
 
 }  // namespace
