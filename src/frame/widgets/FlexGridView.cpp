@@ -78,8 +78,9 @@ void FlexGridView::SetGrid(const FlexGrid& grid) {
 
 int FlexGridView::FixedHeight() const {
     int height = 0;
+    // As drawn: a font taller than the design row makes the rows taller.
     for (int r = 0; r < std::min(grid_->FixedRows(), grid_->Rows()); ++r)
-        height += Pixels(grid_->RowHeight(r));
+        height += DrawnHeight(fixed_, grid_->RowHeight(r));
     return height;
 }
 

@@ -119,6 +119,11 @@ TEST(FlexGridViewTest, HeaderSpansStayWhileTheBodyScrollsAndTheViewFollowsTheGri
     for (int c : {0, 1, 2, 5}) grid.SetMergeCol(c, true);
     Shell shell(grid, {400, 200});
     FlexGridView& view = shell.view;
+    // A font taller than the design rows: the held rows grow and are not cut.
+    QFont tall = view.font();
+    tall.setPixelSize(30);
+    view.setFont(tall);
+    view.Refresh();
 
     // Each heading cell of the first six columns is drawn as the top left one
     // of its span, given as row * 10 + column.
@@ -141,6 +146,7 @@ TEST(FlexGridViewTest, HeaderSpansStayWhileTheBodyScrollsAndTheViewFollowsTheGri
     const QRect firstRow = view.CellRect(2, 1);
     EXPECT_EQ(firstRow.top(), view.CellRect(0, 3).top() + view.FixedRowsView()->rowHeight(0) +
                                   view.FixedRowsView()->rowHeight(1));
+    ASSERT_GT(view.FixedRowsView()->rowHeight(1), 30);
     ScrollByClicks(view.verticalScrollBar(), 2);
     const int scrolled = view.verticalScrollBar()->value(), row = view.CellAt(firstRow.center()).first;
     ASSERT_GT(row, 2);
