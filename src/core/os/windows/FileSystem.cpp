@@ -80,9 +80,12 @@ QString Reason(Error error) {
                                        FORMAT_MESSAGE_IGNORE_INSERTS,
                                    nullptr, DWORD(error), 0, reinterpret_cast<wchar_t*>(&text), 0,
                                    nullptr);
-    const QString reason = n ? QString::fromWCharArray(text, qsizetype(n)).trimmed()
-                             : QStringLiteral("system error %1").arg(DWORD(error));
+    QString reason = n ? QString::fromWCharArray(text, qsizetype(n)).trimmed() : QString();
     if (text) LocalFree(text);
+    // Not every system has a text for our own choice of error.
+    if (reason.isEmpty())
+        reason = error == IsAFolder() ? QStringLiteral("Is a directory")
+                                      : QStringLiteral("system error %1").arg(DWORD(error));
     return reason;
 }
 
