@@ -1,73 +1,55 @@
 #include "core/OutputFile.h"
 
-#include <fcntl.h>
-#include <pthread.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <QDir>
 #include <QFile>
 #include <QtGlobal>
+#include <algorithm>
 #include <atomic>
-#include <cerrno>
-#include <climits>
-#include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <ctime>
 
 #include "core/RuntimeError.h"
+#include "core/os/FileSystem.h"
 
 namespace yunqi {
 
 namespace {
 
-// ---- Temporary files removed on signals -------------------------------------
+// ---- Temporary files removed at the end of the process ---------------------
 //
-// A fixed table of heap strings: the handler only loads pointers and calls
-// unlink(2), both safe in a signal handler.
+// A fixed table of heap strings: the handler only loads pointers and removes
+// files, both safe in a signal handler.
 //
 // A file is created and registered, and a name freed, inside a TableChange:
-// the handled signals are blocked on that thread, and a handler running on
-// another thread waits for every change under way to end. Otherwise a signal
-// between mkstemp(3) and Register() would leave the file behind.
+// the end events are held on that thread, and a handler running on another
+// thread waits for every change under way to end. Otherwise an event between
+// the creation and Register() would leave the file behind.
 
 constexpr int kSlots = 64;
 std::atomic<char*> registered[kSlots];
 std::atomic<int> changing{0};
 std::atomic<bool> ending{false};
 
-constexpr int kHandled[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
-
 class TableChange {
   public:
     TableChange() {
-        sigset_t set;
-        sigemptyset(&set);
-        for (int signal : kHandled) sigaddset(&set, signal);
-        ::pthread_sigmask(SIG_BLOCK, &set, &old_);
         changing.fetch_add(1);
         if (ending.load()) {
             // A handler on another thread is removing the files: nothing new
             // is made, and the process ends before long.
             changing.fetch_sub(1);
-            for (;;) ::pause();
+            os::WaitForTheEnd();
         }
     }
-    ~TableChange() {
-        changing.fetch_sub(1);
-        ::pthread_sigmask(SIG_SETMASK, &old_, nullptr);
-    }
+    ~TableChange() { changing.fetch_sub(1); }
     TableChange(const TableChange&) = delete;
     TableChange& operator=(const TableChange&) = delete;
 
   private:
-    sigset_t old_;
+    os::EndEventsHeld held_;  // before the count, and given back after it
 };
 
-int Register(const QByteArray& path) {
-    char* copy = strdup(path.constData());
+int Register(const QString& path) {
+    char* copy = os::NewNativeName(path);
     if (!copy) return -1;
     for (int i = 0; i < kSlots; ++i) {
         char* expected = nullptr;
@@ -83,25 +65,20 @@ void Unregister(int slot) {
     std::free(registered[slot].exchange(nullptr));
 }
 
-void UnlinkRegistered() {
+bool RemoveRegistered() {
+    bool all = true;
     for (auto& slot : registered)
-        if (const char* path = slot.load()) ::unlink(path);
+        if (const char* name = slot.load()) all = os::RemoveNative(name) && all;
+    return all;
 }
 
-void OnSignal(int signal) {
-    const int saved = errno;
+// The end handler's part, on whichever thread it runs.
+bool RemoveAtTheEnd() {
     ending.store(true);
     // A file being made on another thread is registered first; a thread that
     // hangs in open(2) does not keep the process alive for long.
-    for (int i = 0; changing.load() > 0 && i < 5000; ++i) {
-        const struct timespec tick { 0, 1000000 };
-        ::nanosleep(&tick, nullptr);
-    }
-    UnlinkRegistered();
-    // SA_RESETHAND put the default action back; it ends the process as soon as
-    // the handler returns and the signal is unblocked.
-    ::raise(signal);
-    errno = saved;
+    for (int i = 0; changing.load() > 0 && i < 5000; ++i) os::SleepOneMillisecond();
+    return RemoveRegistered();
 }
 
 // For the tests: YUNQI_TEST_SIGNAL_AFTER_TEMPORARY=SIGNAL:NAME, read by
@@ -112,28 +89,23 @@ void OnSignal(int signal) {
 int testSignal = 0;
 QByteArray testBase;
 
-void SignalForTests(const QByteArray& base) {
-    if (testSignal > 0 && base == testBase) ::kill(::getpid(), testSignal);
+void SignalForTests(const QString& base) {
+    if (testSignal > 0 && QFile::encodeName(base) == testBase) os::SendEndEventForTests(testSignal);
 }
 
 // ---- Failures ----------------------------------------------------------------
-
-QString Reason(int error) { return QString::fromLocal8Bit(std::strerror(error)); }
 
 [[noreturn]] void Fail(const QString& path, const QString& reason) {
     throw RuntimeError(ErrorCode::PathFileAccess, path + QStringLiteral(": ") + reason);
 }
 
-[[noreturn]] void FailErrno(const QString& path, int error) { Fail(path, Reason(error)); }
+[[noreturn]] void FailWith(const QString& path, os::Error error) { Fail(path, os::Reason(error)); }
 
-void WriteAll(int fd, const char* data, qint64 size, const QString& path) {
+void WriteAll(os::Handle file, const char* data, qint64 size, const QString& path) {
     while (size > 0) {
-        const ssize_t n = ::write(fd, data, size_t(std::min<qint64>(size, 1 << 20)));
-        if (n < 0) {
-            if (errno == EINTR) continue;
-            FailErrno(path, errno);
-        }
-        if (n == 0) FailErrno(path, EIO);
+        std::int64_t n = 0;
+        if (const os::Error e = os::Write(file, data, std::min<qint64>(size, 1 << 20), &n))
+            FailWith(path, e);
         data += n;
         size -= n;
     }
@@ -145,26 +117,12 @@ enum class Kind { Stdout, InPlace, Replace };
 
 struct Target {
     Kind kind = Kind::Replace;
-    QString path;     // as given, for messages
-    QByteArray file;  // in place: what to open; replace: what to rename over
-    QByteArray folder;
-    bool exists = false;
-    struct stat st {};
+    QString path;  // as given, for messages
+    QString file;  // in place: what to open; replace: what to rename over
+    QString folder;
+    QString base;
+    os::FileInfo info;
 };
-
-// Names that stand for a descriptor the process already has: written in
-// place even when the descriptor is a regular file (`> out.csv`), since a
-// rename would replace the name, not what the shell opened.
-bool NamesADescriptor(const QByteArray& p) {
-    return p == "/dev/stdout" || p == "/dev/stderr" || p.startsWith("/dev/fd/") ||
-           p.startsWith("/proc/");
-}
-
-mode_t CurrentUmask() {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return mask;
-}
 
 Target Classify(const QString& path, Dash dash) {
     Target t;
@@ -175,111 +133,87 @@ Target Classify(const QString& path, Dash dash) {
         t.path = QStringLiteral("standard output");
         return t;
     }
-    const QByteArray given = QFile::encodeName(path);
-    if (::stat(given.constData(), &t.st) == 0) {
-        t.exists = true;
-        if (S_ISDIR(t.st.st_mode)) FailErrno(path, EISDIR);
-        if (!S_ISREG(t.st.st_mode) || NamesADescriptor(given)) {
-            t.kind = Kind::InPlace;
-            t.file = given;
-            return t;
-        }
-        // A link is followed: the file it names is replaced, the link stays.
-        char resolved[PATH_MAX];
-        t.file = ::realpath(given.constData(), resolved) ? QByteArray(resolved) : given;
-    } else if (errno == ENOENT) {
-        t.file = given;
-    } else {
-        FailErrno(path, errno);
+    os::Error error = 0;
+    t.info = os::Stat(path, &error);
+    if (error) FailWith(path, error);
+    if (t.info.folder) FailWith(path, os::IsAFolder());
+    t.file = t.info.file;
+    if (t.info.inPlace) {
+        t.kind = Kind::InPlace;
+        return t;
     }
-    const qsizetype slash = t.file.lastIndexOf('/');
-    t.folder = slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : t.file.left(slash);
+    os::SplitPath(t.file, &t.folder, &t.base);
     return t;
 }
 
 void Check(const Target& t) {
     if (t.kind == Kind::Stdout) return;
     if (t.kind == Kind::InPlace) {
-        if (::access(t.file.constData(), W_OK) != 0) FailErrno(t.path, errno);
+        if (const os::Error e = os::WriteAccess(t.file, t.info)) FailWith(t.path, e);
         return;
     }
-    struct stat folder {};
-    if (::stat(t.folder.constData(), &folder) != 0 || !S_ISDIR(folder.st_mode))
-        throw RuntimeError(ErrorCode::PathNotFound, QFile::decodeName(t.folder));
-    if (::access(t.folder.constData(), W_OK | X_OK) != 0)
-        Fail(t.path, QStringLiteral("no new file can be made in ") + QFile::decodeName(t.folder) +
-                         QStringLiteral(": ") + Reason(errno));
-    if (t.exists) {
-        if (::access(t.file.constData(), W_OK) != 0) FailErrno(t.path, errno);
+    if (!os::IsFolder(t.folder)) throw RuntimeError(ErrorCode::PathNotFound, t.folder);
+    if (const os::Error e = os::CanCreateIn(t.folder))
+        Fail(t.path, QStringLiteral("no new file can be made in ") + t.folder + QStringLiteral(": ") +
+                         os::Reason(e));
+    if (t.info.exists) {
+        if (const os::Error e = os::WriteAccess(t.file, t.info)) FailWith(t.path, e);
         // Root may write anything; a file without a write bit is still read-only.
-        if ((t.st.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0)
-            Fail(t.path, QStringLiteral("the file is read-only"));
+        if (t.info.readOnly) Fail(t.path, QStringLiteral("the file is read-only"));
     }
 }
 
 // A fresh file beside the target (or in the temporary folder), private until
-// its mode is set, registered for the cleanup.
+// its permissions are set, registered for the cleanup.
 struct Temporary {
-    QByteArray name;
+    QString name;
     int slot = -1;
-    int fd = -1;
+    os::Handle file = os::kNoHandle;
 
-    void Create(const QByteArray& folder, const QByteArray& base, const Target& target) {
-        // Room for the suffix within the usual 255-byte name limit.
-        QByteArray pattern = folder + "/." + base.left(200) + ".XXXXXX";
+    void Create(const QString& folder, const QString& base, const Target& target) {
         {
             TableChange change;
-            const int made = ::mkstemp(pattern.data());
-            if (made < 0) FailErrno(target.path, errno);
-            name = pattern;
-            fd = made;
+            os::Error error = 0;
+            QString made;
+            const os::Handle handle = os::CreateUnique(folder, base, &made, &error);
+            if (handle == os::kNoHandle) FailWith(target.path, error);
+            name = made;
+            file = handle;
             SignalForTests(base);
             slot = Register(name);
         }
-        // The target's permissions (and owner, where allowed), else the usual ones.
-        const mode_t mode = target.exists ? (target.st.st_mode & 0777) : (0666 & ~CurrentUmask());
-        ::fchmod(fd, mode);
-        if (target.exists && (target.st.st_uid != ::geteuid() || target.st.st_gid != ::getegid()))
-            (void)::fchown(fd, target.st.st_uid, target.st.st_gid);
+        os::CopyPermissions(file, target.info);
     }
     void CloseQuietly() {
-        if (fd >= 0) ::close(fd);
-        fd = -1;
+        if (file != os::kNoHandle) os::Close(file);
+        file = os::kNoHandle;
     }
     void Remove() {
         CloseQuietly();
-        if (!name.isEmpty()) ::unlink(name.constData());
+        if (!name.isEmpty()) os::Remove(name);
         Unregister(slot);
         slot = -1;
         name.clear();
     }
     // Flushed to disk, closed and renamed over file; each step checked.
     void MoveOver(const Target& target) {
-        if (fd < 0) {
-            fd = ::open(name.constData(), O_RDONLY | O_CLOEXEC);
-            if (fd < 0) FailErrno(target.path, errno);
+        os::Error error = 0;
+        if (file == os::kNoHandle) {
+            file = os::OpenToFlush(name, &error);
+            if (file == os::kNoHandle) FailWith(target.path, error);
         }
-        if (::fsync(fd) != 0) FailErrno(target.path, errno);
-        const int closed = ::close(fd);
-        fd = -1;
-        if (closed != 0 && errno != EINTR) FailErrno(target.path, errno);
-        if (::rename(name.constData(), target.file.constData()) != 0) FailErrno(target.path, errno);
+        if ((error = os::Flush(file))) FailWith(target.path, error);
+        error = os::Close(file);
+        file = os::kNoHandle;
+        if (error) FailWith(target.path, error);
+        if ((error = os::Rename(name, target.file))) FailWith(target.path, error);
         Unregister(slot);
         slot = -1;
         name.clear();
         // The new name reaches the disk too; a folder that refuses is no failure.
-        const int dir = ::open(target.folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (dir >= 0) {
-            ::fsync(dir);
-            ::close(dir);
-        }
+        os::SyncFolder(target.folder);
     }
 };
-
-QByteArray BaseName(const QByteArray& file) {
-    const qsizetype slash = file.lastIndexOf('/');
-    return slash < 0 ? file : file.mid(slash + 1);
-}
 
 }  // namespace
 
@@ -292,7 +226,7 @@ struct OutputFile::State {
     Dash dash;
     Target target;
     Temporary temp;
-    int fd = -1;  // where the bytes go
+    os::Handle file = os::kNoHandle;  // where the bytes go
     bool open = false;
     bool done = false;
 };
@@ -314,23 +248,17 @@ void OutputFile::Open() {
     Check(d_->target);
     switch (d_->target.kind) {
         case Kind::Stdout:
-            // What stdio holds goes first, so the order stays.
-            std::fflush(stdout);
-            d_->fd = STDOUT_FILENO;
+            d_->file = os::StandardOutput();
             break;
         case Kind::InPlace: {
-            int flags = O_WRONLY | O_NOCTTY | O_CLOEXEC;
-            // A file the shell opened for us keeps what is already in it.
-            if (S_ISREG(d_->target.st.st_mode)) flags |= O_APPEND;
-            do {
-                d_->fd = ::open(d_->target.file.constData(), flags);
-            } while (d_->fd < 0 && errno == EINTR);
-            if (d_->fd < 0) FailErrno(d_->target.path, errno);
+            os::Error error = 0;
+            d_->file = os::OpenInPlace(d_->target.file, d_->target.info, &error);
+            if (d_->file == os::kNoHandle) FailWith(d_->target.path, error);
             break;
         }
         case Kind::Replace:
-            d_->temp.Create(d_->target.folder, BaseName(d_->target.file), d_->target);
-            d_->fd = d_->temp.fd;
+            d_->temp.Create(d_->target.folder, d_->target.base, d_->target);
+            d_->file = d_->temp.file;
             break;
     }
     d_->open = true;
@@ -340,7 +268,7 @@ void OutputFile::Write(const QByteArray& bytes) {
     if (d_->done) Fail(d_->path, QStringLiteral("written after its end"));
     Open();
     try {
-        WriteAll(d_->fd, bytes.constData(), bytes.size(), d_->target.path);
+        WriteAll(d_->file, bytes.constData(), bytes.size(), d_->target.path);
     } catch (...) {
         Abandon();
         throw;
@@ -348,9 +276,9 @@ void OutputFile::Write(const QByteArray& bytes) {
 }
 
 void OutputFile::Abandon() {
-    if (d_->target.kind == Kind::InPlace && d_->fd >= 0) ::close(d_->fd);
+    if (d_->target.kind == Kind::InPlace && d_->file != os::kNoHandle) os::Close(d_->file);
     d_->temp.Remove();
-    d_->fd = -1;
+    d_->file = os::kNoHandle;
     d_->done = true;
 }
 
@@ -362,9 +290,9 @@ void OutputFile::Commit() {
         case Kind::Stdout:
             break;
         case Kind::InPlace: {
-            const int closed = ::close(d_->fd);
-            d_->fd = -1;
-            if (closed != 0 && errno != EINTR) FailErrno(d_->target.path, errno);
+            const os::Error error = os::Close(d_->file);
+            d_->file = os::kNoHandle;
+            if (error) FailWith(d_->target.path, error);
             break;
         }
         case Kind::Replace:
@@ -376,7 +304,7 @@ void OutputFile::Commit() {
             }
             break;
     }
-    d_->fd = -1;
+    d_->file = os::kNoHandle;
 }
 
 void WriteOutputFile(const QString& path, const QByteArray& bytes, Dash dash) {
@@ -409,15 +337,15 @@ const QString& StagedOutput::Path() const { return d_->path; }
 const QString& StagedOutput::StagingPath() {
     if (!d_->staging.isEmpty()) return d_->staging;
     if (d_->target.kind == Kind::Replace) {
-        d_->temp.Create(d_->target.folder, BaseName(d_->target.file), d_->target);
+        d_->temp.Create(d_->target.folder, d_->target.base, d_->target);
     } else {
         // A device or FIFO has no folder of ours: staged where temporary files go.
         Target fresh = d_->target;
-        fresh.exists = false;
-        d_->temp.Create(QFile::encodeName(QDir::tempPath()), "yunqi-output", fresh);
+        fresh.info.exists = false;
+        d_->temp.Create(QDir::tempPath(), QStringLiteral("yunqi-output"), fresh);
     }
     d_->temp.CloseQuietly();
-    d_->staging = QFile::decodeName(d_->temp.name);
+    d_->staging = d_->temp.name;
     return d_->staging;
 }
 
@@ -428,29 +356,27 @@ void StagedOutput::Commit() {
             d_->temp.MoveOver(d_->target);
             return;
         }
-        const int in = ::open(d_->temp.name.constData(), O_RDONLY | O_CLOEXEC);
-        if (in < 0) FailErrno(d_->path, errno);
+        os::Error error = 0;
+        const os::Handle in = os::OpenToRead(d_->temp.name, &error);
+        if (in == os::kNoHandle) FailWith(d_->path, error);
         OutputFile out(d_->path, d_->dash);
         out.Open();
         QByteArray chunk(1 << 20, Qt::Uninitialized);
         for (;;) {
-            const ssize_t n = ::read(in, chunk.data(), size_t(chunk.size()));
-            if (n < 0 && errno == EINTR) continue;
+            const std::int64_t n = os::Read(in, chunk.data(), chunk.size(), &error);
             if (n < 0) {
-                const int error = errno;
-                ::close(in);
-                Fail(d_->path,
-                     QFile::decodeName(d_->temp.name) + QStringLiteral(": ") + Reason(error));
+                os::Close(in);
+                Fail(d_->path, d_->temp.name + QStringLiteral(": ") + os::Reason(error));
             }
             if (n == 0) break;
             try {
-                out.Write(QByteArray::fromRawData(chunk.constData(), n));
+                out.Write(QByteArray::fromRawData(chunk.constData(), qsizetype(n)));
             } catch (...) {
-                ::close(in);
+                os::Close(in);
                 throw;
             }
         }
-        ::close(in);
+        os::Close(in);
         out.Commit();
         d_->temp.Remove();
     } catch (...) {
@@ -459,7 +385,7 @@ void StagedOutput::Commit() {
     }
 }
 
-// ---- Signals ---------------------------------------------------------------------
+// ---- The end of the process --------------------------------------------------------
 
 void InstallOutputCleanup() {
     const QByteArray test = qgetenv("YUNQI_TEST_SIGNAL_AFTER_TEMPORARY");
@@ -467,18 +393,9 @@ void InstallOutputCleanup() {
         testSignal = test.left(colon).toInt();
         testBase = test.mid(colon + 1);
     }
-    for (int signal : kHandled) {
-        struct sigaction old {};
-        if (::sigaction(signal, nullptr, &old) == 0 && old.sa_handler == SIG_IGN) continue;
-        struct sigaction action {};
-        action.sa_handler = OnSignal;
-        sigemptyset(&action.sa_mask);
-        action.sa_flags = SA_RESETHAND;
-        ::sigaction(signal, &action, nullptr);
-    }
-    ::signal(SIGXFSZ, SIG_IGN);
+    os::InstallEndHandler(RemoveAtTheEnd);
 }
 
-void RemoveTemporaryOutputs() { UnlinkRegistered(); }
+void RemoveTemporaryOutputs() { RemoveRegistered(); }
 
 }  // namespace yunqi
