@@ -100,16 +100,23 @@ for kind in csv xlsx; do
   statement invoice --dept 01 --from 2024-01-01 --to 2024-12-31 --database "$(winpath "$big")" \
     --quiet "--$kind" "$(winpath "$target")" 2>/dev/null &
   runner=$!
-  sleep 4
+  # Interrupted while it writes: once its temporary file is there.
+  writing=0
+  for _ in $(seq 300); do
+    writing=$(find "$out" -maxdepth 1 -name ".interrupted.$kind.*" | wc -l)
+    [ "$writing" -gt 0 ] && break
+    sleep 0.1
+  done
   pid=$(pgrep -f 'yunqi-statement.exe invoice' | head -n 1 || true)
   [ -n "$pid" ] && kill -INT "$pid"
   status=0
   wait $runner || status=$?
   left=$(find "$out" -maxdepth 1 -name ".interrupted.$kind.*" | wc -l)
-  if [ -n "$pid" ] && [ "$(cat "$target")" = "the old statement" ] && [ "$left" -eq 0 ]; then
-    pass "Ctrl+C during --$kind: old file kept, no temporary file left (status $status)"
+  if [ "$writing" -gt 0 ] && [ -n "$pid" ] && [ "$(cat "$target")" = "the old statement" ] &&
+     [ "$left" -eq 0 ]; then
+    pass "Ctrl+C while --$kind was written: old file kept, temporary file removed (status $status)"
   else
-    fail "Ctrl+C during --$kind: pid '${pid}', status $status, $left temporary files, file: $(head -c 40 "$target")"
+    fail "Ctrl+C during --$kind: writing $writing, pid '${pid}', status $status, $left temporary files left, file: $(head -c 40 "$target")"
   fi
 done
 
@@ -134,6 +141,25 @@ else
   import -window root "$out/screens/0-started.png"
   pass "yunqi-reports.exe started (window $WIDTH x $HEIGHT at $X,$Y)"
   windows_before=$(xdotool search --onlyvisible --name '.' 2>/dev/null | wc -l)
+  # In the invoice window as it opens at the top left of the main window:
+  # department 01, 2024-01-01 to 2024-12-31, 提取收费项目, then 开始统计.
+  at() { xdotool mousemove $((X + $1)) $((Y + $2)) click 1; sleep 0.3; }
+  keys() { for _ in $(seq "$2"); do xdotool key "$1"; done; }
+  run_invoice_statement() {
+    at 47 173; keys Down 2; at 80 173; keys Down 10; at 99 173; keys Down 24
+    at 180 173; keys Down 2; at 212 173; keys Up 1; at 232 173; keys Up 6
+    at 68 428; at 76 206; sleep 3
+    import -window root -crop 900x560+310+220 "$out/screens/grid-before.png"
+    at 213 206; sleep 8
+    import -window root "$out/screens/invoice-window.png"
+    import -window root -crop 900x560+310+220 "$out/screens/grid-after.png"
+    if [ "$(compare -metric AE "$out/screens/grid-before.png" "$out/screens/grid-after.png" \
+             null: 2>&1)" != 0 ]; then
+      pass "invoice window: department 01, 2024: the statement is shown"
+    else
+      fail "invoice window: the grid did not change after 开始统计"
+    fi
+  }
   # The menu 统计报表 is the first of the menu bar; its entries in order.
   entries=(停车费明细表 增值税开票明细表 增值税预开明细表 开票票据核对表)
   for i in "${!entries[@]}"; do
@@ -149,6 +175,7 @@ else
     else
       fail "menu 统计报表 → ${entries[$i]}: $windows_now top-level windows (was $windows_before)"
     fi
+    [ "$i" -eq 1 ] && run_invoice_statement
     xdotool key ctrl+F4
     sleep 1
   done
