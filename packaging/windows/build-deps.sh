@@ -58,17 +58,19 @@ build_sqlite() {
 }
 
 build_xlsxwriter() {
-  [ -f "$DEPS/.xlsxwriter" ] && return
+  [ -f "$DEPS/.xlsxwriter-2" ] && return
   echo "== libxlsxwriter"
   local dir b="$work/xlsxwriter"
   dir="$(only_dir 'libxlsxwriter-*')"
+  # Its own temporary files, in the folder the program names: the C
+  # runtime's tmpfile() writes to the root of drive C:, which users may not.
   rm -rf "$b"
   cmake -S "$dir" -B "$b" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$DEPS" \
-    -DBUILD_SHARED_LIBS=OFF -DUSE_STANDARD_TMPFILE=ON >/dev/null
+    -DBUILD_SHARED_LIBS=OFF >/dev/null
   cmake --build "$b" -j "$jobs" >/dev/null
   cmake --install "$b" >/dev/null
-  touch "$DEPS/.xlsxwriter"
+  touch "$DEPS/.xlsxwriter-2"
 }
 
 build_qt() {
