@@ -32,7 +32,7 @@ fetch_sources() {
   touch "$src/.fetched"
 }
 
-only_dir() { find "$src" -maxdepth 1 -type d -name "$1" | head -n 1; }
+only_dir() { find "$src/" -maxdepth 1 -type d -name "$1" | head -n 1; }
 
 build_sqlite() {
   [ -f "$DEPS/.sqlite3" ] && return

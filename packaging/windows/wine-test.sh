@@ -2,7 +2,7 @@
 # Tries the Windows build under wine against the Linux build:
 #  - the demo ledger made by each is the same data;
 #  - each statement's CSV and workbook from the Windows programs equals the
-#    Linux build's on the same ledger, byte for byte;
+#    Linux build's on the same ledger, byte for byte, and so does the batch;
 #  - a refused or interrupted output keeps the old file and leaves no
 #    temporary file;
 #  - the desktop program starts on the demo ledger, opens each report window
@@ -69,6 +69,20 @@ if cmp -s "$out/stdout.win.csv" "$out/invoice.linux.csv"; then
   pass "invoice --csv -: standard output equals the file"
 else
   fail "invoice --csv -: standard output differs (line ends?)"
+fi
+
+# The month-end batch: its statements as child processes, two at a time.
+rm -rf "$out/batch.linux" "$out/batch.win"
+"$linux/yunqi-statement" batch --database "$db" --month 2024-03 --out "$out/batch.linux" \
+  --jobs 2 --csv --quiet 2>/dev/null || true
+statement batch --database "$(winpath "$db")" --month 2024-03 --out "$(winpath "$out/batch.win")" \
+  --jobs 2 --csv --quiet 2>/dev/null || true
+seconds_aside() { cut -d, -f1-4,6 "$1/summary.csv"; }
+if diff -r -q -x summary.csv "$out/batch.linux" "$out/batch.win" >/dev/null &&
+   cmp -s <(seconds_aside "$out/batch.linux") <(seconds_aside "$out/batch.win"); then
+  pass "batch --month 2024-03: every file equal, summary equal but for the seconds ($(find "$out/batch.win" -type f | wc -l) files)"
+else
+  fail "batch --month 2024-03: differs from the Linux build's"
 fi
 
 echo "== outputs that fail keep the old file"
