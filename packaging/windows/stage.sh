@@ -51,4 +51,6 @@ cp /usr/share/qt6/translations/qtbase_zh_CN.qm "$out/translations/"
 cp "$here/../yunqi-reports.svg" "$out/"
 # Notepad reads UTF-8 by its byte-order mark; Windows' line ends.
 { printf '\xef\xbb\xbf'; sed 's/$/\r/' "$here/README-zh.txt"; } >"$out/README.txt"
+# The toolchain's DLLs come with their debugging symbols: half the zip.
 x86_64-w64-mingw32-strip "$out"/*.exe
+find "$out" -name '*.dll' -exec x86_64-w64-mingw32-strip --strip-unneeded {} +
