@@ -75,7 +75,7 @@ build_xlsxwriter() {
 
 build_qt() {
   [ -f "$DEPS/.qt" ] && return
-  echo "== Qt (about 40 minutes on 2 cores)"
+  echo "== Qt (20 to 40 minutes on 2 cores)"
   local dir b="$work/qt"
   dir="$(only_dir 'qt6-base-*')"
   rm -rf "$b"
