@@ -4,7 +4,7 @@
 #  - each statement's CSV and workbook from the Windows programs equals the
 #    Linux build's on the same ledger, byte for byte, and so does the batch;
 #  - a refused or interrupted output keeps the old file and leaves no
-#    temporary file;
+#    temporary file, and an interrupted batch stops;
 #  - the desktop program starts on the demo ledger, opens each report window
 #    from the menu and closes (screenshots in OUT/screens).
 # Usage: wine-test.sh WINDOWS_DIR LINUX_BIN_DIR OUT_DIR
@@ -15,6 +15,7 @@ out="$(cd "$out" && pwd)"
 export WINEPREFIX="$out/prefix" WINEARCH=win64 WINEDEBUG=-all
 export SOURCE_DATE_EPOCH=1700000000 TZ=UTC
 failures=0
+trap 'echo "FAIL  stopped by a failed command at line $LINENO"' ERR
 pass() { echo "ok    $*"; }
 fail() { echo "FAIL  $*"; failures=$((failures + 1)); }
 winpath() { echo "Z:$1"; }
@@ -133,6 +134,31 @@ for kind in csv xlsx; do
     fail "Ctrl+C during --$kind: writing $writing, pid '${pid}', status $status, $left temporary files left, file: $(head -c 40 "$target")"
   fi
 done
+
+# Ctrl+C to the batch: it stops starting statements and ends with 130. Under
+# wine only the batch gets the signal, so its running statements end their
+# files first; on Windows the console tells them too and they stop.
+rm -rf "$out/batch.interrupted"
+statement batch --database "$(winpath "$big")" --month 2024-03 \
+  --out "$(winpath "$out/batch.interrupted")" --jobs 2 --quiet 2>/dev/null &
+runner=$!
+writing=0
+for _ in $(seq 300); do
+  writing=$( (find "$out/batch.interrupted" -name '.*' -type f 2>/dev/null || true) | wc -l)
+  [ "$writing" -gt 0 ] && break
+  sleep 0.1
+done
+pid=$(pgrep -f 'yunqi-statement.exe batch' | head -n 1 || true)
+[ -n "$pid" ] && kill -INT "$pid"
+status=0
+wait $runner || status=$?
+left=$(find "$out/batch.interrupted" -name '.*' -type f | wc -l)
+written=$(find "$out/batch.interrupted" -name '*.xlsx' | wc -l)
+if [ "$writing" -gt 0 ] && [ $status -eq 130 ] && [ "$left" -eq 0 ] && [ "$written" -lt 16 ]; then
+  pass "Ctrl+C during the batch: stopped with 130 after $written of 16 workbooks, no temporary file left"
+else
+  fail "Ctrl+C during the batch: writing $writing, status $status, $left temporary files, $written workbooks"
+fi
 
 echo "== the desktop program"
 appdata=$(wine cmd /c 'echo %APPDATA%' 2>/dev/null | tr -d '\r')
