@@ -53,6 +53,8 @@ for run in "${runs[@]}"; do
   name=${args[0]}
   "$linux/yunqi-statement" "${args[@]}" --database "$db" --quiet \
     --csv "$out/$name.linux.csv" --xlsx "$out/$name.linux.xlsx"
+  # Over files already there: each is replaced.
+  echo "an older statement" | tee "$out/$name.win.csv" >"$out/$name.win.xlsx"
   statement "${args[@]}" --database "$(winpath "$db")" --quiet \
     --csv "$(winpath "$out/$name.win.csv")" --xlsx "$(winpath "$out/$name.win.xlsx")"
   rows=$(($(wc -l <"$out/$name.linux.csv") - 2))
