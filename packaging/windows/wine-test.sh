@@ -15,7 +15,6 @@ out="$(cd "$out" && pwd)"
 export WINEPREFIX="$out/prefix" WINEARCH=win64 WINEDEBUG=-all
 export SOURCE_DATE_EPOCH=1700000000 TZ=UTC
 failures=0
-trap 'echo "FAIL  stopped by a failed command at line $LINENO"' ERR
 pass() { echo "ok    $*"; }
 fail() { echo "FAIL  $*"; failures=$((failures + 1)); }
 winpath() { echo "Z:$1"; }
@@ -24,7 +23,9 @@ winpath() { echo "Z:$1"; }
 display=:$((90 + RANDOM % 100))
 Xvfb "$display" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
 xvfb=$!
-trap 'kill $xvfb 2>/dev/null; wineserver -k 2>/dev/null || true' EXIT
+finished=false
+trap 'kill $xvfb 2>/dev/null; wineserver -k 2>/dev/null || true
+      $finished || echo "FAIL  stopped early by a failed command"' EXIT
 export DISPLAY=$display
 sleep 1
 [ -d "$WINEPREFIX/drive_c" ] || wineboot -i >/dev/null 2>&1
@@ -230,6 +231,7 @@ else
   kill -0 $desktop 2>/dev/null && fail "退出系统 → 退出: still running" || pass "退出系统 → 退出: the program ended"
 fi
 
+finished=true
 echo
 [ $failures -eq 0 ] && echo "wine: all passed" || echo "wine: $failures failed"
 exit $((failures > 0))
