@@ -2,7 +2,7 @@
 
 #include <QFileInfo>
 
-#include "cli/os/FileIdentity.h"
+#include "core/os/FileSystem.h"
 
 namespace yunqi {
 
@@ -11,9 +11,10 @@ namespace {
 // Two names of one file: the same file to the system when both exist, else
 // the same absolute path once the folder's links are resolved.
 bool SameFile(const QString& a, const QString& b) {
-    const std::optional<FileIdentity> ia = IdentityOf(a), ib = IdentityOf(b);
-    if (ia && ib) return *ia == *ib;
-    if (ia.has_value() != ib.has_value()) return false;
+    os::Error error = 0;
+    const os::FileInfo ia = os::Stat(a, &error), ib = os::Stat(b, &error);
+    if (ia.identity && ib.identity) return *ia.identity == *ib.identity;
+    if (ia.exists != ib.exists) return false;
     auto where = [](const QString& p) {
         const QFileInfo info(p);
         const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
@@ -21,6 +22,12 @@ bool SameFile(const QString& a, const QString& b) {
                info.fileName();
     };
     return where(a) == where(b);
+}
+
+bool IsRegularOrAbsent(const QString& path) {
+    os::Error error = 0;
+    const os::FileInfo info = os::Stat(path, &error);
+    return !info.exists || info.regular;
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <cstdint>
+#include <optional>
 
 // What the output files ask of the operating system: one implementation for
 // POSIX systems, one for Windows. Paths are QStrings; each implementation
@@ -18,6 +19,14 @@ Error IsAFolder();
 using Handle = std::intptr_t;
 constexpr Handle kNoHandle = -1;
 
+// What tells two names of one file from two files: device and inode, or on
+// Windows volume serial and file index.
+struct FileIdentity {
+    std::uint64_t volume = 0;
+    std::uint64_t file = 0;
+    bool operator==(const FileIdentity&) const = default;
+};
+
 struct FileInfo {
     bool exists = false;
     bool folder = false;
@@ -31,6 +40,8 @@ struct FileInfo {
     // The file to replace: for an existing regular file the one a link
     // names, else the path as given.
     QString file;
+    // Known for an existing file the system could be asked about.
+    std::optional<FileIdentity> identity;
     // Copied onto the new file where the system has them.
     std::uint32_t mode = 0, uid = 0, gid = 0;
 };

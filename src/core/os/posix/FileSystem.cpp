@@ -61,6 +61,7 @@ FileInfo Stat(const QString& path, Error* error) {
     info.mode = st.st_mode;
     info.uid = st.st_uid;
     info.gid = st.st_gid;
+    info.identity = FileIdentity{std::uint64_t(st.st_dev), std::uint64_t(st.st_ino)};
     if (info.regular && !info.inPlace) {
         // A link is followed: the file it names is replaced, the link stays.
         char resolved[PATH_MAX];

@@ -129,6 +129,9 @@ FileInfo Stat(const QString& path, Error* error) {
         if (GetFileInformationByHandle(file, &data)) {
             info.folder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
             info.readOnly = (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+            info.identity = FileIdentity{
+                data.dwVolumeSerialNumber,
+                (std::uint64_t(data.nFileIndexHigh) << 32) | data.nFileIndexLow};
         }
         info.regular = !info.folder;
         // A link is followed: the file it names is replaced, the link stays.
