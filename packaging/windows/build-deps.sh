@@ -32,6 +32,18 @@ fetch_sources() {
   touch "$src/.fetched"
 }
 
+# Configures, builds and installs a CMake project for Windows; NAME.log in
+# the work folder keeps what it printed.
+cross_cmake() {
+  local name=$1 dir=$2; shift 2
+  local b="$work/$name"
+  rm -rf "$b"
+  cmake -S "$dir" -B "$b" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
+    -DCMAKE_BUILD_TYPE=Release "$@" >"$work/$name.log"
+  cmake --build "$b" -j "$jobs" >>"$work/$name.log"
+  cmake --install "$b" >/dev/null
+}
+
 only_dir() { find "$src/" -maxdepth 1 -type d -name "$1" | head -n 1; }
 
 build_sqlite() {
@@ -60,30 +72,21 @@ build_sqlite() {
 build_xlsxwriter() {
   [ -f "$DEPS/.xlsxwriter-2" ] && return
   echo "== libxlsxwriter"
-  local dir b="$work/xlsxwriter"
-  dir="$(only_dir 'libxlsxwriter-*')"
   # Its own temporary files, in the folder the program names: the C
   # runtime's tmpfile() writes to the root of drive C:, which users may not.
-  rm -rf "$b"
-  cmake -S "$dir" -B "$b" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
-    -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$DEPS" \
-    -DBUILD_SHARED_LIBS=OFF >/dev/null
-  cmake --build "$b" -j "$jobs" >/dev/null
-  cmake --install "$b" >/dev/null
+  cross_cmake xlsxwriter "$(only_dir 'libxlsxwriter-*')" \
+    -DCMAKE_INSTALL_PREFIX="$DEPS" -DBUILD_SHARED_LIBS=OFF
   touch "$DEPS/.xlsxwriter-2"
 }
 
 build_qt() {
   [ -f "$DEPS/.qt" ] && return
   echo "== Qt (20 to 40 minutes on 2 cores)"
-  local dir b="$work/qt"
-  dir="$(only_dir 'qt6-base-*')"
-  rm -rf "$b"
   # The host's Qt of the same version supplies moc, rcc and uic. Tablet
   # events are off: Debian's source leaves out the header they need.
-  cmake -S "$dir" -B "$b" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
+  cross_cmake qt "$(only_dir 'qt6-base-*')" \
     -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake \
-    -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$DEPS/qt" \
+    -DCMAKE_INSTALL_PREFIX="$DEPS/qt" \
     -DCMAKE_PREFIX_PATH="$DEPS" -DBUILD_SHARED_LIBS=ON \
     -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF -DQT_BUILD_BENCHMARKS=OFF \
     -DFEATURE_network=OFF -DFEATURE_dbus=OFF -DFEATURE_concurrent=OFF \
@@ -92,9 +95,7 @@ build_qt() {
     -DFEATURE_system_sqlite=ON -DFEATURE_sql_psql=OFF -DFEATURE_sql_mysql=OFF \
     -DFEATURE_sql_ibase=OFF -DFEATURE_sql_oci=OFF -DFEATURE_sql_db2=OFF \
     -DFEATURE_accessibility=OFF -DFEATURE_vulkan=OFF -DFEATURE_tabletevent=OFF \
-    -DFEATURE_system_zlib=OFF -DFEATURE_opengl=ON >"$work/qt-configure.log"
-  cmake --build "$b" -j "$jobs" >"$work/qt-build.log"
-  cmake --install "$b" >/dev/null
+    -DFEATURE_system_zlib=OFF -DFEATURE_opengl=ON
   touch "$DEPS/.qt"
 }
 

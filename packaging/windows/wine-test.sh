@@ -30,6 +30,26 @@ export DISPLAY=$display
 sleep 1
 [ -d "$WINEPREFIX/drive_c" ] || wineboot -i >/dev/null 2>&1
 statement() { wine "$win/yunqi-statement.exe" "$@"; }
+temporaries() { (find "$1" -maxdepth 2 -name "$2" -type f 2>/dev/null || true) | wc -l; }
+# Runs the companion with ARGS in the background and sends it Ctrl+C (wine
+# hands SIGINT over as the console's event) once a temporary file NAME is in
+# FOLDER; sets writing (temporary files seen), pid, status and left.
+interrupt_while_writing() {
+  local folder=$1 name=$2; shift 2
+  statement "$@" 2>/dev/null &
+  local runner=$!
+  writing=0
+  for _ in $(seq 300); do
+    writing=$(temporaries "$folder" "$name")
+    [ "$writing" -gt 0 ] && break
+    sleep 0.1
+  done
+  pid=$(pgrep -f "yunqi-statement.exe $1" | head -n 1 || true)
+  [ -n "$pid" ] && kill -INT "$pid"
+  status=0
+  wait $runner || status=$?
+  left=$(temporaries "$folder" "$name")
+}
 
 echo "== the demo ledger"
 rm -f "$out/win.sqlite" "$out/linux.sqlite"
@@ -108,28 +128,14 @@ statement invoice --dept 01 --from 2024-01-01 --to 2024-12-31 --database "$(winp
 [ $status -eq 1 ] && pass "missing folder: $(head -c 120 "$out/missing.txt")" ||
   fail "missing folder: status $status"
 
-# Ctrl+C in the middle of a long statement: wine hands the SIGINT to the
-# program as a console control event.
+# Ctrl+C in the middle of a long statement.
 big="$out/big.sqlite"
 [ -f "$big" ] || "$linux/yunqi-statement" make-demo-db "$big" --tickets 200000 >/dev/null
 for kind in csv xlsx; do
   target="$out/interrupted.$kind"
   echo "the old statement" >"$target"
-  statement invoice --dept 01 --from 2024-01-01 --to 2024-12-31 --database "$(winpath "$big")" \
-    --quiet "--$kind" "$(winpath "$target")" 2>/dev/null &
-  runner=$!
-  # Interrupted while it writes: once its temporary file is there.
-  writing=0
-  for _ in $(seq 300); do
-    writing=$(find "$out" -maxdepth 1 -name ".interrupted.$kind.*" | wc -l)
-    [ "$writing" -gt 0 ] && break
-    sleep 0.1
-  done
-  pid=$(pgrep -f 'yunqi-statement.exe invoice' | head -n 1 || true)
-  [ -n "$pid" ] && kill -INT "$pid"
-  status=0
-  wait $runner || status=$?
-  left=$(find "$out" -maxdepth 1 -name ".interrupted.$kind.*" | wc -l)
+  interrupt_while_writing "$out" ".interrupted.$kind.*" invoice --dept 01 --from 2024-01-01 \
+    --to 2024-12-31 --database "$(winpath "$big")" --quiet "--$kind" "$(winpath "$target")"
   if [ "$writing" -gt 0 ] && [ -n "$pid" ] && [ "$(cat "$target")" = "the old statement" ] &&
      [ "$left" -eq 0 ]; then
     pass "Ctrl+C while --$kind was written: old file kept, temporary file removed (status $status)"
@@ -142,20 +148,8 @@ done
 # wine only the batch gets the signal, so its running statements end their
 # files first; on Windows the console tells them too and they stop.
 rm -rf "$out/batch.interrupted"
-statement batch --database "$(winpath "$big")" --month 2024-03 \
-  --out "$(winpath "$out/batch.interrupted")" --jobs 2 --quiet 2>/dev/null &
-runner=$!
-writing=0
-for _ in $(seq 300); do
-  writing=$( (find "$out/batch.interrupted" -name '.*' -type f 2>/dev/null || true) | wc -l)
-  [ "$writing" -gt 0 ] && break
-  sleep 0.1
-done
-pid=$(pgrep -f 'yunqi-statement.exe batch' | head -n 1 || true)
-[ -n "$pid" ] && kill -INT "$pid"
-status=0
-wait $runner || status=$?
-left=$(find "$out/batch.interrupted" -name '.*' -type f | wc -l)
+interrupt_while_writing "$out/batch.interrupted" '.*' batch --database "$(winpath "$big")" \
+  --month 2024-03 --out "$(winpath "$out/batch.interrupted")" --jobs 2 --quiet
 written=$(find "$out/batch.interrupted" -name '*.xlsx' | wc -l)
 if [ "$writing" -gt 0 ] && [ $status -eq 130 ] && [ "$left" -eq 0 ] && [ "$written" -lt 16 ]; then
   pass "Ctrl+C during the batch: stopped with 130 after $written of 16 workbooks, no temporary file left"
