@@ -29,7 +29,16 @@ enum class ErrorCode : long {
     ProviderError = -2147467259,  // a provider failure without a native number
 };
 
-// The text of a catalogued error, as the platform words it.
+// The language of the platform's descriptions: the desktop program speaks
+// Chinese, as the platform did on the offices' machines; the companion keeps
+// the English texts its callers read.
+enum class ErrorLanguage { English, Chinese };
+void SetErrorLanguage(ErrorLanguage language);
+ErrorLanguage CurrentErrorLanguage();
+
+// The text of a catalogued error, as the platform words it in the language
+// set. A driver's or server's own text is kept as the driver gives it.
 QString ErrorText(ErrorCode code);
+QString ErrorText(ErrorCode code, ErrorLanguage language);
 
 }  // namespace yunqi
