@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "core/Dialogs.h"
 
 namespace yunqi {
@@ -19,6 +21,9 @@ class ExportControls {
     virtual void SetBusyLabelVisible(bool visible) = 0;  // Label2
     // The busy pointer, from the first row until the file is saved.
     virtual void SetBusy(bool busy) = 0;
+    // Runs finish, which makes the written rows a complete file (packing,
+    // checking, renaming) and may throw. A window keeps painting meanwhile.
+    virtual void FinishFile(const std::function<void()>& finish) { finish(); }
 };
 
 // What a report's sheet writer is told to do between its parts.
@@ -34,6 +39,13 @@ class ExportSteps {
     }
     // After the footer: Label2 hidden.
     void FooterWritten();
+    // The file made complete, through the controls where there are some.
+    void FinishFile(const std::function<void()>& finish) {
+        if (controls_)
+            controls_->FinishFile(finish);
+        else
+            finish();
+    }
 
   private:
     ExportControls* controls_;

@@ -48,7 +48,9 @@ QString ExportToExcel(const QString& chosen, const ExportRequest& request, Expor
     try {
         const QString file = ExportFileStem(chosen) + WorkbookExtension();
         ExportSteps steps(controls, dialogs);
-        StreamXlsx(file, [&](SheetModel& sheet) { request.writeSheet(sheet, steps); });
+        StreamXlsx(
+            file, [&](SheetModel& sheet) { request.writeSheet(sheet, steps); }, {},
+            [&](const std::function<void()>& close) { steps.FinishFile(close); });
         busy.End();
         dialogs.MsgBox(request.successText, QStringLiteral("系统提示"), MsgIcon::Information);
         return file;

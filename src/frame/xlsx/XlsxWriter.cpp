@@ -207,13 +207,16 @@ void WriteXlsx(const SheetModel& sheet, const QString& path) {
 }
 
 void StreamXlsx(const QString& path, const std::function<void(SheetModel&)>& compose,
-                const std::function<void()>& beforeClose) {
+                const std::function<void()>& beforeClose, const CloseRunner& closeWith) {
     XlsxWriter writer(path);
     SheetModel sheet(&writer);
     compose(sheet);
     sheet.Complete();
     if (beforeClose) beforeClose();
-    writer.Close();
+    if (closeWith)
+        closeWith([&writer] { writer.Close(); });
+    else
+        writer.Close();
 }
 
 }  // namespace yunqi

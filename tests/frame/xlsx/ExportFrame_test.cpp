@@ -24,6 +24,10 @@ class RecordingControls : public ExportControls {
     void HideProgressBar() override { log << "-bar"; }
     void SetBusyLabelVisible(bool v) override { log << (v ? "label" : "-label"); }
     void SetBusy(bool v) override { log << (v ? "busy" : "-busy"); }
+    void FinishFile(const std::function<void()>& finish) override {
+        log << "finish";
+        finish();
+    }
     QStringList log;
 };
 
@@ -62,7 +66,7 @@ TEST(ExportFrameTest, StepsInOrderAndTheFileAtTheStem) {
     const QString file = ExportCommand(TwoRows(), controls, dialogs);
     EXPECT_EQ(file, dir.filePath("out.xlsx"));
     EXPECT_TRUE(QFile::exists(file));
-    EXPECT_EQ(controls.log, (QStringList{"-buttons", "bar 2", "busy", "label", "row 1", "row 2", "-label", "-busy",
+    EXPECT_EQ(controls.log, (QStringList{"-buttons", "bar 2", "busy", "label", "row 1", "row 2", "-label", "finish", "-busy",
                                          "-bar", "buttons"}));
     EXPECT_EQ(dialogs.yields, 3);
     EXPECT_EQ(dialogs.saveDialogDefaults, QStringList{"表_20240101-20241231"});
