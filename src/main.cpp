@@ -1,4 +1,3 @@
-#include <QTimer>
 #include <clocale>
 
 #include "core/OutputFile.h"
@@ -38,10 +37,7 @@ int main(int argc, char** argv) {
                 windows.emplace(report->menuEntry,
                                 [report, &session] { return NewReportWindow(*report, session); });
             main = std::make_unique<MainWindow>(std::move(windows));
-            main->show();
-            main->KeepOnScreen();
-            // A window manager's frame comes after the first show.
-            QTimer::singleShot(0, main.get(), [&main] { main->KeepOnScreen(); });
+            main->ShowOnScreen();
         });
     } catch (const RuntimeError& e) {
         EndOnRuntimeError(e);

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QStyle>
 #include <algorithm>
 
 #include "frame/widgets/WindowLayout.h"
@@ -107,10 +108,7 @@ void FlexGridView::Refresh() {
     }
     setWordWrap(grid.WordWrap());
     fixed_->setWordWrap(grid.WordWrap());
-    for (int c = 0; c < grid.Cols(); ++c) {
-        setColumnWidth(c, Pixels(grid.ColWidth(c)));
-        fixed_->setColumnWidth(c, Pixels(grid.ColWidth(c)));
-    }
+    SizeColumns();
     SizeRows(this, grid.FixedRows());
     SizeRows(fixed_, 0);
     for (const auto& s : grid.MergedSpans()) {
@@ -133,6 +131,55 @@ void FlexGridView::Refresh() {
         show();
         hiddenByGrid_ = false;
     }
+}
+
+void FlexGridView::SizeColumns() {
+    const FlexGrid& grid = *grid_;
+    std::vector<int> widths(std::size_t(std::max(grid.Cols(), 0)));
+    for (int c = 0; c < grid.Cols(); ++c) widths[c] = Pixels(grid.ColWidth(c));
+    // A cell's text sits inside the style's margins on both sides.
+    const int margins =
+        2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1) + 2;
+    for (const auto& [c, text] : whole_)
+        if (c < grid.Cols() && widths[c] > 0)
+            widths[c] = std::max(widths[c], fontMetrics().horizontalAdvance(text) + margins);
+    if (fitting_ >= 0 && fitting_ < grid.Cols()) {
+        int others = 0;
+        for (int c = 0; c < grid.Cols(); ++c)
+            if (c != fitting_) others += widths[c];
+        const int room = width() - 2 * frameWidth() -
+                         style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
+        widths[fitting_] = std::clamp(room - others, 0, widths[fitting_]);
+    }
+    for (int c = 0; c < grid.Cols(); ++c) {
+        if (columnWidth(c) != widths[c]) setColumnWidth(c, widths[c]);
+        if (fixed_->columnWidth(c) != widths[c]) fixed_->setColumnWidth(c, widths[c]);
+    }
+}
+
+void FlexGridView::KeepWhole(int col, const QString& widest) {
+    whole_[col] = widest;
+    SizeColumns();
+}
+
+void FlexGridView::FitToView(int col) {
+    fitting_ = col;
+    SizeColumns();
+}
+
+int FlexGridView::DrawnRowHeight(int row) const {
+    return DrawnHeight(this,
+                       row < grid_->Rows() ? grid_->RowHeight(row) : FlexGrid::kStandardRowHeight);
+}
+
+int FlexGridView::RowsAreaHeight() const {
+    return height() - 2 * frameWidth() - FixedHeight() -
+           style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
+}
+
+void FlexGridView::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    if (fitting_ >= 0) SizeColumns();
 }
 
 void FlexGridView::updateGeometries() {

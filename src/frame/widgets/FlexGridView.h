@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QTableView>
+#include <map>
 
 #include "frame/FlexGrid.h"
 #include "frame/widgets/FlexGridModel.h"
@@ -33,15 +34,31 @@ class FlexGridView : public QTableView {
     // The view of the fixed rows.
     QTableView* FixedRowsView() const { return fixed_; }
 
+    // The column is drawn at least as wide as `widest` needs, so that its
+    // longest text shows whole; the grid's width where that suffices.
+    void KeepWhole(int col, const QString& widest);
+    // The column gives up width, down to none, so that every column fits the
+    // view without scrolling (room kept for a vertical scroll bar).
+    void FitToView(int col);
+    // The height a row is drawn at, in pixels: the font may make it taller
+    // than the grid's.
+    int DrawnRowHeight(int row) const;
+    // The pixels the body has for rows below the fixed ones, room kept for a
+    // horizontal scroll bar.
+    int RowsAreaHeight() const;
+
   signals:
     // A click on any cell, the fixed rows included.
     void CellClicked(int row, int col);
 
   protected:
     void updateGeometries() override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     int FixedHeight() const;
+    // Column widths as the grid says, then KeepWhole and FitToView.
+    void SizeColumns();
     // Sizes a view's rows as the grid says; the body's first `hidden` rows
     // are drawn by the view of the fixed rows instead.
     void SizeRows(QTableView* view, int hidden) const;
@@ -52,6 +69,8 @@ class FlexGridView : public QTableView {
     QTableView* fixed_;
     // Whether the grid's Visible hid the view, so that only the grid shows it again.
     bool hiddenByGrid_ = false;
+    std::map<int, QString> whole_;
+    int fitting_ = -1;
 };
 
 }  // namespace yunqi

@@ -14,6 +14,9 @@ const QString kSystemTitle = QStringLiteral("系统提示");
 
 using K = ControlKind;
 
+// The check rule's design width, kept where the strip has room.
+constexpr int kRuleWidth = 7800;
+
 // The monthly window's own controls: the year and months over the
 // department list, Command3 in Picture6 at the bottom of the pane, and the
 // check rule in the button strip.
@@ -30,7 +33,7 @@ const ControlSpec kMonthlyLayout[] = {
     {K::List,     "List1",      "Picture2", {90, 1320, 4305, 7000}},
     {K::Picture,  "Picture6",   "Picture2", {45, 8700, 4290, 600}},
     {K::Button,   "Command3",   "Picture6", {1500, 120, 1290, 345}, Said("开始统计")},
-    {K::Label,    "Label2",     "Picture4", {3800, 225, 7800, 255}, Said("核对:(专用发票+普通发票+收据=财务交账-当月收预开票+当月未收预开票)")},
+    {K::Label,    "Label2",     "Picture4", {3800, 225, kRuleWidth, 255}, Said("核对:(专用发票+普通发票+收据=财务交账-当月收预开票+当月未收预开票)")},
 };
 // clang-format on
 
@@ -48,6 +51,13 @@ MonthlyReportWindow::MonthlyReportWindow(const ReportDefinition& report, Databas
     combo3_ = Control<QComboBox>("Combo3");
     command3_ = Control<QPushButton>("Command3");
     picture6_ = Control("Picture6");
+    label2_ = Control<QLabel>("Label2");
+    // The rule wraps onto a second line where the strip is narrow.
+    label2_->setWordWrap(true);
+    label2_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    KeepRoomForTheRule();
+    // The list runs a little into the box below it; it is drawn whole.
+    List1()->raise();
     PlaceAt(Grid1View(), kGridBox);
     // The progress bar covers the note while an export runs.
     Control("ProgressBar1")->raise();
@@ -142,6 +152,28 @@ ExportFrame::ExportRequest MonthlyReportWindow::MakeExportRequest() {
         [this, shown](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
             statement_->WriteSheet(sheet, steps, {Grid1(), TitleText(), SelectedEntry(), shown});
         }};
+}
+
+void MonthlyReportWindow::KeepRoomForTheRule() {
+    const QRect c2 = Control("Command2")->geometry();
+    const int strip = Control("Picture4")->height();
+    // Two lines at most: the narrowest width that holds the text in the strip.
+    int width = label2_->fontMetrics().horizontalAdvance(label2_->text()) / 2;
+    while (label2_->heightForWidth(width) > strip) width += 4;
+    // Left of the rule the design's place, right of it a margin and Command1
+    // with Command2's margin mirrored.
+    const int margin = label2_->x() - c2.right();
+    const int strip4 = label2_->x() + width + margin + c2.width() + c2.x();
+    setMinimumWidth(Control("Picture2")->width() + strip4);
+}
+
+// The rule between the two buttons, as wide as the design where there is room.
+void MonthlyReportWindow::LayoutResultArea() {
+    const QRect c2 = Control("Command2")->geometry(), c1 = Control("Command1")->geometry();
+    const int margin = label2_->x() - c2.right();
+    const int room = c1.left() - margin - label2_->x();
+    label2_->setGeometry(label2_->x(), 0, std::clamp(room, 0, Pixels(kRuleWidth)),
+                         Control("Picture4")->height());
 }
 
 // Picture6 stays at the bottom of the pane; the list fills the pane down to it.

@@ -27,9 +27,12 @@ class MonthlyReportWindow : public ReportWindow {
     void ClickList1() override;
     ExportFrame::ExportRequest MakeExportRequest() override;
     void LayoutConditionPane() override;
+    void LayoutResultArea() override;
 
   private:
     void Load();
+    // The narrowest window in which the check rule fits between the buttons.
+    void KeepRoomForTheRule();
     void ClickCommand3();
     void RunReconciliation();
 
@@ -37,6 +40,7 @@ class MonthlyReportWindow : public ReportWindow {
     QComboBox *combo1_, *combo2_, *combo3_;
     QPushButton* command3_;
     QWidget* picture6_;
+    QLabel* label2_;
 };
 
 }  // namespace yunqi

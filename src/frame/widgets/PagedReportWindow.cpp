@@ -16,6 +16,8 @@ namespace yunqi {
 namespace {
 
 const QString kSystemTitle = QStringLiteral("系统提示");
+// The ratio grid's 停车费项目 column.
+constexpr int kItemNameCol = 1;
 
 using K = ControlKind;
 
@@ -103,6 +105,8 @@ PagedReportWindow::PagedReportWindow(const ReportDefinition& report, DatabaseSes
     text6_ = Control<QLineEdit>("Text6");
     txtGrd_ = Control<QLineEdit>("txtGRD");
     view2_->SetGrid(grid2_);
+    // Both shares in sight: the item names give up width first.
+    view2_->FitToView(kItemNameCol);
     FitPageLabel();
 
     OnClick(command3_, [this] { ClickCommand3(); });
@@ -163,6 +167,8 @@ void PagedReportWindow::ClickCommand3() {
     SetHourglass();
     ShowBusyPanel(Texts().extractingText);
     statement_->ExtractFeeItems(conditions, grid2_, MutableGrid1());
+    // The shown page went with the grid's rows; so does its page text.
+    if (Grid1().Rows() <= 2) label19_->setText(Pager::EmptyPageText());
     txtGrd_->hide();
     view2_->Refresh();
     Grid1View()->Refresh();
@@ -218,9 +224,13 @@ void PagedReportWindow::ClickCommand6() {
 }
 
 void PagedReportWindow::ShowPage() {
+    // Record numbers run to the statement's last; each shows whole.
+    Grid1View()->KeepWhole(0, QString::number(statement_->UpperBound()));
     statement_->ShowPage(MutableGrid1(), currentPage_, pageSize_,
                          QtTextMeasure(Grid1View()->font()));
     Grid1View()->Refresh();
+    // Every page from its first row.
+    Grid1View()->scrollToTop();
     label19_->setText(Pager::PageText(currentPage_, statement_->PageCount()));
 }
 
@@ -303,9 +313,11 @@ void PagedReportWindow::LayoutResultArea() {
     p8.moveLeft((p3.width() - p8.width()) / 2);
     PlaceAt(picture8_, p8);
     // The page follows the window; a minimised window keeps the last size.
-    const int gridHeight = TwipsBox(Grid1View()).height();
-    if (gridHeight > 2 * Grid1().RowHeight(0))
-        pageSize_ = Pager::PageSizeFor(gridHeight, Grid1().RowHeight(0));
+    // Rows as drawn, in the room below the header rows, so that a page's
+    // last row shows whole.
+    const int rowsHeight = Grid1View()->RowsAreaHeight(),
+              rowHeight = Grid1View()->DrawnRowHeight(0);
+    if (rowsHeight > 2 * rowHeight) pageSize_ = Pager::PageSizeFor(rowsHeight, rowHeight);
 }
 
 }  // namespace yunqi

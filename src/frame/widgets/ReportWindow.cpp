@@ -2,8 +2,12 @@
 
 #include <QApplication>
 #include <QDateTime>
+#include <QEventLoop>
 #include <QMouseEvent>
 #include <QTimer>
+#include <cmath>
+#include <exception>
+#include <thread>
 
 #include "core/Dialogs.h"
 #include "core/RuntimeError.h"
@@ -44,6 +48,9 @@ namespace {
 
 constexpr int kDesignWidth = 18120, kDesignHeight = 10950;
 constexpr int kLightBlue = 0xFFC0C0;  // red 192, green 192, blue 255
+// The export's bar: the rows fill the first part, the finishing of the file
+// (most of the time on a long statement) the rest.
+constexpr int kBarSteps = 1000, kRowsShare = 400;
 
 using K = ControlKind;
 
@@ -113,6 +120,7 @@ ReportWindow::ReportWindow(const ReportDefinition& report, DatabaseSession& sess
 }
 
 ReportWindow::~ReportWindow() {
+    block_.reset();
     while (pointerDepth_ > 0) RestorePointer();
 }
 
@@ -188,11 +196,15 @@ void ReportWindow::TakeDepartment() {
 
 void ReportWindow::SetHourglass() {
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    ++pointerDepth_;
+    if (pointerDepth_++ == 0) block_ = std::make_unique<InputBlock>(this);
 }
 
 void ReportWindow::RestorePointer() {
     if (pointerDepth_ == 0) return;
+    if (pointerDepth_ == 1 && block_) {
+        block_->Drain();
+        block_.reset();
+    }
     QApplication::restoreOverrideCursor();
     --pointerDepth_;
 }
@@ -217,11 +229,45 @@ void ReportWindow::SetButtonsVisible(bool visible) {
     command2_->setVisible(visible);
 }
 void ReportWindow::ShowProgressBar(int maximum) {
-    progress_->setRange(0, std::max(maximum, 1));
+    progress_->setRange(0, kBarSteps);
+    progressMaximum_ = std::max(maximum, 1);
     progress_->setValue(0);
     progress_->show();
+    exportClock_.start();
 }
-void ReportWindow::SetProgressValue(int value) { progress_->setValue(value); }
+void ReportWindow::SetProgressValue(int value) {
+    progress_->setValue(int(qint64(value) * kRowsShare / progressMaximum_));
+}
+
+void ReportWindow::FinishFile(const std::function<void()>& finish) {
+    // The library packs the workbook in one call: it runs beside the window's
+    // thread, which keeps painting (the input is blocked while busy) and
+    // moves the bar on towards, never to, the end, at the pace the rows set.
+    const double pace = std::max<double>(exportClock_.elapsed(), 500);
+    QElapsedTimer since;
+    since.start();
+    QEventLoop loop;
+    QTimer creep;
+    connect(&creep, &QTimer::timeout, this, [&] {
+        const double share = 1 - std::exp(-double(since.elapsed()) / pace);
+        progress_->setValue(kRowsShare + int((kBarSteps - 1 - kRowsShare) * share));
+    });
+    creep.start(100);
+    std::exception_ptr failure;
+    std::thread worker([&] {
+        try {
+            finish();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    loop.exec();
+    worker.join();
+    creep.stop();
+    if (failure) std::rethrow_exception(failure);
+    progress_->setValue(kBarSteps);
+}
 void ReportWindow::HideProgressBar() { progress_->hide(); }
 void ReportWindow::SetBusyLabelVisible(bool visible) { SetExportLabelVisible(visible); }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
@@ -7,12 +8,14 @@
 #include <QStatusBar>
 #include <QWidget>
 #include <functional>
+#include <memory>
 
 #include "frame/ExportSteps.h"
 #include "frame/FlexGrid.h"
 #include "frame/ReportDefinition.h"
 #include "frame/StatementConditions.h"
 #include "frame/widgets/FlexGridView.h"
+#include "frame/widgets/InputBlock.h"
 #include "frame/widgets/WindowLayout.h"
 #include "frame/xlsx/ExportFrame.h"
 
@@ -95,7 +98,9 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     void TakeDepartment();
 
     // The busy display: the hourglass, and Picture5 with Label3's text,
-    // shown with one yield so that it paints.
+    // shown with one yield so that it paints. While the hourglass stands the
+    // operator's input to the window is swallowed, also what waits in the
+    // queue when it goes (InputBlock).
     void SetHourglass();
     void RestorePointer();
     void ShowBusyPanel(const QString& text);
@@ -129,6 +134,7 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     void HideProgressBar() override;
     void SetBusyLabelVisible(bool visible) override;
     void SetBusy(bool busy) override;
+    void FinishFile(const std::function<void()>& finish) override;
     void SetStatusPanels();
 
     const ReportDefinition& report_;
@@ -138,6 +144,9 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     StatementConditions conditions_;
     QString lastExport_;
     int pointerDepth_ = 0;
+    int progressMaximum_ = 1;
+    QElapsedTimer exportClock_;
+    std::unique_ptr<InputBlock> block_;
 
     QWidget *picture1_, *picture2_, *picture3_, *picture4_, *picture5_;
     QLabel *title_, *label3_;

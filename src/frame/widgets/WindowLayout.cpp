@@ -75,8 +75,12 @@ QWidget* Create(const ControlSpec& spec, QWidget* parent, const QString& text) {
             label->lower();
             return label;
         }
-        case ControlKind::Button:
-            return new QPushButton(text, parent);
+        case ControlKind::Button: {
+            // Enter presses the focused button, as Space does.
+            auto* button = new QPushButton(text, parent);
+            button->setAutoDefault(true);
+            return button;
+        }
         case ControlKind::List: {
             auto* list = new QListWidget(parent);
             list->setSelectionMode(QAbstractItemView::SingleSelection);

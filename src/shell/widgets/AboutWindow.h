@@ -11,6 +11,10 @@ class AboutWindow : public QWidget {
     explicit AboutWindow(QWidget* parent = nullptr);
     // No system information tool exists here: the message of its absence.
     void ClickSysInfo();
+
+  protected:
+    // Esc closes the window; Enter presses the focused button, 确定 otherwise.
+    void keyPressEvent(QKeyEvent* event) override;
 };
 
 }  // namespace yunqi

@@ -1,5 +1,7 @@
 #include "shell/widgets/Application.h"
 
+#include <QIcon>
+#include <QLocale>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -7,9 +9,31 @@
 #include "core/Dialogs.h"
 #include "core/OutputFile.h"
 
+// The resources live in a static library: brought in by name, which can't
+// be done inside a namespace.
+static void InitResources() { Q_INIT_RESOURCE(resources); }
+
 namespace yunqi {
 
-Application::Application(int& argc, char** argv) : QApplication(argc, argv) {}
+namespace {
+
+// Qt's own texts are Chinese whatever the locale: its dialogs through the
+// translation (QtTranslations), dates and calendars through the locale,
+// which the file dialog reads from the environment before any window exists.
+int& InChinese(int& argc) {
+    qputenv("LC_TIME", "zh_CN.UTF-8");
+    QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
+    return argc;
+}
+
+}  // namespace
+
+Application::Application(int& argc, char** argv) : QApplication(InChinese(argc), argv) {
+    // The operators read the platform's descriptions in Chinese.
+    SetErrorLanguage(ErrorLanguage::Chinese);
+    InitResources();
+    setWindowIcon(QIcon(QStringLiteral(":/yunqi-reports.png")));
+}
 
 bool Application::notify(QObject* receiver, QEvent* event) {
     try {
@@ -28,7 +52,7 @@ bool Application::notify(QObject* receiver, QEvent* event) {
 }
 
 QString RuntimeErrorText(const RuntimeError& error) {
-    return QStringLiteral("Run-time error '") + QString::number(error.number()) +
+    return QStringLiteral("实时错误 '") + QString::number(error.number()) +
            QStringLiteral("':\n\n") + error.description();
 }
 

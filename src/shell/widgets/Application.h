@@ -18,7 +18,7 @@ class Application : public QApplication {
     bool notify(QObject* receiver, QEvent* event) override;
 };
 
-// The text of the run-time report: "Run-time error '94':" and the description.
+// The text of the run-time report: "实时错误 '94':" and the description.
 QString RuntimeErrorText(const RuntimeError& error);
 
 // The desktop program's top-level handler: the run-time report through the

@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QResizeEvent>
 #include <QScreen>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "core/Dialogs.h"
@@ -85,6 +86,12 @@ void MainWindow::Choose(const QString& entry) {
         if (!window) return;  // its load failed and was reported
         QMdiSubWindow* sub = area_->addSubWindow(window);
         sub->setAttribute(Qt::WA_DeleteOnClose);
+        // The program's icon, not the toolkit's, on every window's title bar.
+        sub->setWindowIcon(QApplication::windowIcon());
+        // A window of fixed size can't be maximised either.
+        if (window->minimumSize() == window->maximumSize())
+            sub->setWindowFlags(Qt::SubWindow | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                                Qt::WindowCloseButtonHint);
         // The frame takes the window's design size (the MDI area would make
         // it a title-bar stub), clipped to the area.
         sub->resize(sub->sizeHint().boundedTo(area_->viewport()->size()));
@@ -106,7 +113,11 @@ void MainWindow::Choose(const QString& entry) {
         }
     }
     QMdiSubWindow* sub = it->second;
-    sub->show();
+    // A minimised window comes back as it was before.
+    if (sub->isMinimized())
+        sub->showNormal();
+    else
+        sub->show();
     sub->widget()->show();
     // An open window is raised, where it stands.
     area_->setActiveSubWindow(sub);
@@ -168,6 +179,25 @@ void MainWindow::StretchBackdrop() {
         area_->setBackground(palette().brush(QPalette::Dark));
     else
         area_->setBackground(backdrop_.scaled(area_->viewport()->size(), Qt::IgnoreAspectRatio));
+}
+
+void MainWindow::ShowOnScreen() {
+    placing_ = true;
+    show();
+    KeepOnScreen();
+    // A window manager frames the window after the first show and tells how
+    // wide the frame is in its own time: each move or resize of the first
+    // moments places the window again (see event()); without a manager there
+    // is no frame and the first placing holds.
+    QTimer::singleShot(0, this, [this] { KeepOnScreen(); });
+    QTimer::singleShot(kPlacingMs, this, [this] { placing_ = false; });
+}
+
+bool MainWindow::event(QEvent* event) {
+    const bool handled = QMainWindow::event(event);
+    if (placing_ && (event->type() == QEvent::Move || event->type() == QEvent::Resize))
+        QTimer::singleShot(0, this, [this] { KeepOnScreen(); });
+    return handled;
 }
 
 void MainWindow::KeepOnScreen() {

@@ -22,14 +22,16 @@ class MainWindow : public QMainWindow {
     void Choose(const QString& entry);
     QWidget* OpenWindow(const QString& entry) const;
     QMdiArea* Area() const { return area_; }
-    // Once shown: the frame, title bar included, shrunk and moved onto the
-    // available screen where it hangs off it.
+    // The first show: the frame, title bar included, shrunk and moved onto
+    // the available screen where it hangs off it.
+    void ShowOnScreen();
     void KeepOnScreen();
     // Applies the privilege tables to the menu (not called at start-up).
     void 权限设置(QString& memo);
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
@@ -39,6 +41,9 @@ class MainWindow : public QMainWindow {
     std::map<QString, QMdiSubWindow*> open_;
     QMdiArea* area_;
     QPixmap backdrop_;
+    // While the window manager may still be framing the first show.
+    static constexpr int kPlacingMs = 3000;
+    bool placing_ = false;
 };
 
 }  // namespace yunqi

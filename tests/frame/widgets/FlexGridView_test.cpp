@@ -205,3 +205,34 @@ TEST(FlexGridViewTest, AHundredAndTenThousandRowsAreReadNotCopied) {
     view.Refresh();
     EXPECT_EQ(view.verticalScrollBar()->maximum(), 0);
 }
+
+// Columns as wide as the grid says, except where that would cut a record
+// number or push a column out of sight: the number widens its column, the
+// named column gives up width so that all fit.
+TEST(FlexGridViewTest, ANumberShowsWholeAndEveryColumnFitsWhenAsked) {
+    FlexGrid grid(3, 4, 1, 1);
+    for (const auto& [c, twips] : {Cell(0, 405), Cell(1, 2745), Cell(2, 795), Cell(3, 885)})
+        grid.SetColWidth(c, twips);
+    grid.SetTextMatrix(2, 0, "123456");
+    Shell shell(grid, {286, 120});
+    FlexGridView& view = shell.view;
+    EXPECT_EQ(view.columnWidth(0), 27);
+    EXPECT_GT(view.columnViewportPosition(3) + view.columnWidth(3), view.viewport()->width());
+
+    view.KeepWhole(0, "123456");
+    const int needed = view.fontMetrics().horizontalAdvance("123456");
+    EXPECT_GT(view.columnWidth(0), needed);
+    EXPECT_EQ(Shown(view, 2, 0).toString(), "123456");
+    EXPECT_EQ(view.FixedRowsView()->columnWidth(0), view.columnWidth(0));
+    view.KeepWhole(0, "1");  // the design width where it suffices
+    EXPECT_EQ(view.columnWidth(0), 27);
+
+    view.FitToView(1);
+    for (int c = 0; c < 4; ++c)
+        EXPECT_LE(view.columnViewportPosition(c) + view.columnWidth(c), view.viewport()->width()) << c;
+    EXPECT_EQ(view.columnWidth(2), 53);
+    // Wider again: the column takes no more than the grid gives it.
+    view.resize(600, 120);
+    Settle();
+    EXPECT_EQ(view.columnWidth(1), 183);
+}

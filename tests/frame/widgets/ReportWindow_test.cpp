@@ -13,6 +13,7 @@
 #include <QMdiSubWindow>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTemporaryDir>
 
 #include "cli/DemoDatabase.h"
@@ -154,13 +155,21 @@ TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
     QTemporaryDir dir;
     dialogs.saveAnswers = {dir.filePath("out.xlsx")};
     // The busy pointer stands while the rows go out and is gone at the message.
-    bool busyWhileWriting = false, busyAtMessage = true;
-    QObject::connect(Child<QProgressBar>(w, "ProgressBar1"), &QProgressBar::valueChanged, w,
-                     [&](int) { busyWhileWriting = QApplication::overrideCursor() != nullptr; });
+    // The bar reads full only once the file is there.
+    bool busyWhileWriting = false, busyAtMessage = true, full = false, fullBeforeTheFile = false;
+    auto* bar = Child<QProgressBar>(w, "ProgressBar1");
+    QObject::connect(bar, &QProgressBar::valueChanged, w, [&](int value) {
+        busyWhileWriting = QApplication::overrideCursor() != nullptr;
+        if (value < bar->maximum()) return;
+        full = true;
+        fullBeforeTheFile = fullBeforeTheFile || !QFile::exists(dir.filePath("out.xlsx"));
+    });
     dialogs.onMessage = [&] { busyAtMessage = QApplication::overrideCursor() != nullptr; };
     ClickButton(w, "Command2");
     EXPECT_TRUE(busyWhileWriting);
     EXPECT_FALSE(busyAtMessage);
+    EXPECT_TRUE(full);
+    EXPECT_FALSE(fullBeforeTheFile);
     EXPECT_EQ(dialogs.saveDialogDefaults.value(0),
               w->TitleText() + (paged ? QStringLiteral("_20240301-20240331") : QString()));
     EXPECT_EQ(w->LastExport(), dir.filePath("out.xlsx"));
@@ -375,7 +384,7 @@ TEST_F(InvoiceWindowTest, ChecksConditionsClosesAndOpensFreshAtItsDesignSizeOnce
     EXPECT_TRUE(main->Area()->subWindowList().isEmpty());
 }
 
-TEST_F(InvoiceWindowTest, RatioEditorOnDataCellsAlsoScrolledSidewaysEnterAndTheSumRule) {
+TEST_F(InvoiceWindowTest, RatioEditorOnDataCellsEnterAndTheSumRule) {
     PagedReportWindow* w = Open();
     Extract(w);
     auto* grid2 = Child<FlexGridView>(w, "MSFlexGrid2");
@@ -392,8 +401,8 @@ TEST_F(InvoiceWindowTest, RatioEditorOnDataCellsAlsoScrolledSidewaysEnterAndTheS
         ClickCell(grid2, 0, col);
         EXPECT_FALSE(editor->isVisible()) << col;
     }
-    // The widths of the design format string are wider than the grid.
-    ASSERT_TRUE(grid2->horizontalScrollBar()->isVisible());
+    // Both shares in sight: the item names give up what the grid lacks.
+    EXPECT_FALSE(grid2->horizontalScrollBar()->isVisible());
     ClickCell(grid2, 1, 2);
     ASSERT_TRUE(editor->isVisible());
     EXPECT_EQ(editor->text(), "70");
@@ -416,8 +425,6 @@ TEST_F(InvoiceWindowTest, RatioEditorOnDataCellsAlsoScrolledSidewaysEnterAndTheS
     EXPECT_EQ(dialogs.texts().size(), 1);
     EXPECT_EQ(grid2->model()->index(1, 2).data().toString(), "70");
 
-    ScrollByClicks(grid2->horizontalScrollBar(), 3);
-    ASSERT_GT(grid2->horizontalScrollBar()->value(), 0);
     ClickCell(grid2, 1, 3);
     ASSERT_TRUE(editor->isVisible());
     EXPECT_EQ(editor->text(), "30");
@@ -559,6 +566,62 @@ TEST_F(InvoiceWindowTest, PagerStripGoesThroughThePages) {
     EXPECT_EQ(atMessage, Pager::EmptyPageText());
     EXPECT_EQ(label->text(), Pager::EmptyPageText());
     EXPECT_EQ(w->Grid1().Rows(), 2);
+}
+
+// Every page is shown from its first row, and at the window's size a page's
+// last row is whole.
+TEST_F(InvoiceWindowTest, EachPageFromItsFirstRowAndItsLastRowWhole) {
+    PagedReportWindow* w = Open();
+    Extract(w);
+    ClickButton(w, "Command6");
+    ASSERT_GE(w->Statement().PageCount(), 2);
+    auto* grid = Child<FlexGridView>(w, "MSFlexGrid1");
+    const int last = w->Grid1().Rows() - 1;
+    EXPECT_EQ(last - 1, w->PageSize());
+    EXPECT_LE(grid->CellRect(last, 0).bottom(), grid->viewport()->geometry().bottom());
+    // Lower after the run, the page scrolls; the next one starts at its top.
+    QMdiSubWindow* frame = Frame(w);
+    frame->resize(frame->width(), frame->height() - 150);
+    Settle();
+    QScrollBar* rows = grid->verticalScrollBar();
+    rows->setValue(rows->maximum());
+    ASSERT_GT(rows->value(), 0);
+    ClickButton(w, "Image2(2)");
+    EXPECT_EQ(w->CurrentPage(), 2);
+    EXPECT_EQ(rows->value(), 0);
+    EXPECT_EQ(grid->CellAt(grid->CellRect(2, 0).center()), std::make_pair(2, 0));
+}
+
+// A click made while a statement runs waits in the queue; it must not act
+// once the run is over. Afterwards the buttons answer the mouse and Enter.
+TEST_F(InvoiceWindowTest, InputDuringARunDoesNotActAfterIt) {
+    PagedReportWindow* w = Open();
+    Extract(w);
+    auto* command3 = Child<QPushButton>(w, "Command3");
+    bool clicked = false;
+    hooks.onShowPage = [&] {
+        if (std::exchange(clicked, true)) return;
+        const QPoint at = command3->rect().center();
+        for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+            QCoreApplication::postEvent(
+                command3, new QMouseEvent(type, at, command3->mapToGlobal(at), Qt::LeftButton,
+                                          type == QEvent::MouseButtonPress ? Qt::LeftButton
+                                                                           : Qt::NoButton,
+                                          Qt::NoModifier));
+    };
+    ClickButton(w, "Command6");
+    Settle();
+    ASSERT_TRUE(clicked);
+    auto* label = Child<QLabel>(w, "Label19");
+    EXPECT_GT(w->Grid1().Rows(), 2);
+    EXPECT_EQ(label->text(), Pager::PageText(1, w->Statement().PageCount()));
+    // Now Enter on the focused button extracts, and the page text goes with the rows.
+    command3->setFocus();
+    QTest::keyClick(command3, Qt::Key_Return);
+    Settle();
+    EXPECT_EQ(w->Grid1().Rows(), 2);
+    EXPECT_EQ(label->text(), Pager::EmptyPageText());
+    EXPECT_TRUE(Child<QPushButton>(w, "Command6")->isEnabled());
 }
 
 // The window on a demo ledger, as the README shows it.

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QCalendarWidget>
 #include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLocale>
 #include <QMdiSubWindow>
 #include <QMessageBox>
 #include <QPushButton>
@@ -146,4 +148,51 @@ TEST(QtTranslationsTest, StandardButtonsAndTheSaveDialogInChinese) {
     EXPECT_TRUE(texts.join("|").contains("保存")) << texts.join("|").toStdString();
     QCoreApplication::removeTranslator(translator);
     delete translator;
+}
+
+// The about box as a dialog is used: Enter presses the focused button, Esc
+// closes it; it keeps its size and carries the program's icon.
+TEST_F(AboutWindowTest, EnterAndEscFixedSizeAndTheProgramsIcon) {
+    QWidget* about = OpenFromMenu();
+    ASSERT_TRUE(about);
+    auto* frame = qobject_cast<QMdiSubWindow*>(about->parentWidget());
+    EXPECT_EQ(about->minimumSize(), about->maximumSize());
+    EXPECT_FALSE(frame->windowFlags() & Qt::WindowMaximizeButtonHint);
+    EXPECT_FALSE(about->windowIcon().isNull());
+    EXPECT_EQ(about->windowIcon().cacheKey(), QApplication::windowIcon().cacheKey());
+    EXPECT_FALSE(about->findChild<QLabel*>("Picture1")->pixmap().isNull());
+
+    auto* info = about->findChild<QPushButton*>("cmdSysInfo");
+    info->setFocus();
+    QTest::keyClick(info, Qt::Key_Return);
+    Settle();
+    EXPECT_EQ(dialogs.texts(), QStringList{"此时系统信息不可用"});
+    QTest::keyClick(info, Qt::Key_Escape);
+    Settle();
+    EXPECT_EQ(main->OpenWindow(QStringLiteral("关于软件")), nullptr);
+    about = OpenFromMenu();
+    QTest::keyClick(about->findChild<QPushButton*>("cmdOK"), Qt::Key_Enter);
+    Settle();
+    EXPECT_EQ(main->OpenWindow(QStringLiteral("关于软件")), nullptr);
+}
+
+// A minimised window chosen again from the menu comes back.
+TEST_F(AboutWindowTest, AMinimisedWindowIsRestoredByTheMenu) {
+    QWidget* about = OpenFromMenu();
+    auto* frame = qobject_cast<QMdiSubWindow*>(about->parentWidget());
+    frame->showMinimized();
+    Settle();
+    ASSERT_TRUE(frame->isMinimized());
+    EXPECT_EQ(OpenFromMenu(), about);
+    EXPECT_FALSE(frame->isMinimized());
+    EXPECT_TRUE(about->isVisible());
+}
+
+// Qt's own texts for dates are Chinese under any LANG (the tests run with C.UTF-8).
+TEST(QtTranslationsTest, CalendarAndDatesInChinese) {
+    ASSERT_EQ(qgetenv("LANG"), "C.UTF-8");
+    QCalendarWidget calendar;
+    EXPECT_EQ(calendar.locale().monthName(1), "一月");
+    EXPECT_EQ(calendar.locale().dayName(1, QLocale::ShortFormat), "周一");
+    EXPECT_EQ(QLocale::system().monthName(1), "一月");
 }

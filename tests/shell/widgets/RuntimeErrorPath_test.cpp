@@ -53,7 +53,7 @@ TEST(RuntimeErrorPathTest, TheProgramsHandlerEndsWithTheMessageAndStatusOne) {
         },
         ::testing::ExitedWithCode(1),
         "系统提示: 错误码: 11 错误描述: database disk image is malformed\n(.|\n)*"
-        "Run-time error '11':\n\ndatabase disk image is malformed");
+        "实时错误 '11':\n\ndatabase disk image is malformed");
 }
 
 TEST(RuntimeErrorPathTest, HeadlessFormsGoToStandardErrorAndNeverWait) {
