@@ -172,11 +172,6 @@ int FlexGridView::DrawnRowHeight(int row) const {
                        row < grid_->Rows() ? grid_->RowHeight(row) : FlexGrid::kStandardRowHeight);
 }
 
-int FlexGridView::RowsAreaHeight() const {
-    return height() - 2 * frameWidth() - FixedHeight() -
-           style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
-}
-
 void FlexGridView::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     if (fitting_ >= 0) SizeColumns();

@@ -43,9 +43,6 @@ class FlexGridView : public QTableView {
     // The height a row is drawn at, in pixels: the font may make it taller
     // than the grid's.
     int DrawnRowHeight(int row) const;
-    // The pixels the body has for rows below the fixed ones, room kept for a
-    // horizontal scroll bar.
-    int RowsAreaHeight() const;
 
   signals:
     // A click on any cell, the fixed rows included.

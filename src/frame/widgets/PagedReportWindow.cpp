@@ -313,11 +313,10 @@ void PagedReportWindow::LayoutResultArea() {
     p8.moveLeft((p3.width() - p8.width()) / 2);
     PlaceAt(picture8_, p8);
     // The page follows the window; a minimised window keeps the last size.
-    // Rows as drawn, in the room below the header rows, so that a page's
-    // last row shows whole.
-    const int rowsHeight = Grid1View()->RowsAreaHeight(),
-              rowHeight = Grid1View()->DrawnRowHeight(0);
-    if (rowsHeight > 2 * rowHeight) pageSize_ = Pager::PageSizeFor(rowsHeight, rowHeight);
+    // The whole grid's height over the row height as drawn (the font makes
+    // rows taller than the design's), as the page rule counts them.
+    const int gridHeight = Grid1View()->height(), rowHeight = Grid1View()->DrawnRowHeight(0);
+    if (gridHeight > 2 * rowHeight) pageSize_ = Pager::PageSizeFor(gridHeight, rowHeight);
 }
 
 }  // namespace yunqi
