@@ -25,8 +25,10 @@ class Recordset {
     class Cursor;
 
     // A read that fails (a damaged page met halfway) raises the driver's
-    // error; it never passes for the end.
-    explicit Recordset(QSqlQuery query);
+    // error; it never passes for the end. With odbcText set, the rows of the
+    // executed ODBC statement are fetched by OdbcRows (true: narrow text is
+    // GBK bytes), not by Qt's driver.
+    explicit Recordset(QSqlQuery query, std::optional<bool> odbcText = std::nullopt);
     Recordset(Recordset&&) = default;
     Recordset& operator=(Recordset&&) = default;
     ~Recordset();
