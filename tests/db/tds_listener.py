@@ -8,7 +8,7 @@ failed login (error 18456, a DONE in the 7.1 form) and keeps the connection
 until the client closes it; serve answers the session's queries from the
 SQLite ledger of --ledger (see Server below) until the client closes. With
 --browser-port it also answers the UDP browser service with the TCP port. The
-first line printed is "port N"; it stops after one session or 40 seconds.
+first line printed is "port N"; it stops after one session or 40 seconds (600 serving).
 """
 
 import argparse
@@ -32,12 +32,12 @@ def packet(kind, payload):
 def message(kind, payload, size=4096):
     """A reply split into packets of the negotiated size."""
     chunks = [payload[i:i + size - 8] for i in range(0, len(payload), size - 8)] or [b""]
-    out = b""
+    out = []
     for n, chunk in enumerate(chunks):
         last = n == len(chunks) - 1
-        out += struct.pack(">BBHHBB", kind, 0x01 if last else 0x00, 8 + len(chunk), 0,
-                           (n + 1) & 0xFF, 0) + chunk
-    return out
+        out.append(struct.pack(">BBHHBB", kind, 0x01 if last else 0x00, 8 + len(chunk), 0,
+                               (n + 1) & 0xFF, 0) + chunk)
+    return b"".join(out)
 
 
 def read_message(conn, deadline):
@@ -233,14 +233,15 @@ class Server:
                 send(self.error(102, str(e)))
                 return True
         columns = [self.column(n, [r[i] for r in rows]) for i, n in enumerate(names)]
-        out = b"\x81" + struct.pack("<H", len(columns)) + b"".join(c[0] for c in columns)
+        out = [b"\x81" + struct.pack("<H", len(columns)) + b"".join(c[0] for c in columns)]
         drop = self.args.drop_on and self.args.drop_on in sql
+        encoders = [c[1] for c in columns]
         for n, row in enumerate(rows):
             if drop and n == self.args.drop_after:
-                send(out, last=False)
+                send(b"".join(out), last=False)
                 return False
-            out += b"\xd1" + b"".join(c[1](v) for c, v in zip(columns, row))
-        send(out + self.done(0x10, len(rows)))
+            out.append(b"\xd1" + b"".join(e(v) for e, v in zip(encoders, row)))
+        send(b"".join(out) + self.done(0x10, len(rows)))
         return True
 
     def serve(self, conn, deadline):
@@ -280,7 +281,7 @@ def main():
     parser.add_argument("--bad")
     parser.add_argument("--browser-port", type=int, default=0)
     args = parser.parse_args()
-    deadline = time.monotonic() + (120 if args.reply == "serve" else 40)
+    deadline = time.monotonic() + (600 if args.reply == "serve" else 40)
 
     server = socket.create_server((HOST, 0))
     port = server.getsockname()[1]

@@ -9,7 +9,7 @@
 namespace yunqi {
 
 // One run of tests/db/tds_listener.py on a free port. It stops after one
-// session, or after 40 s (120 s when serving), which outlasts the driver's
+// session, or after 40 s (600 s when serving), which outlasts the driver's
 // login time-out of 30 s, so that a stalled login shows as the driver's
 // time-out.
 struct TdsListener {
