@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QStringDecoder>
+#include <optional>
 
 #include "core/RuntimeError.h"
 #include "db/OdbcApi.h"
@@ -28,6 +29,29 @@ QString ChangedValue(SQLHSTMT statement, bool cutIsChange) {
             d.state.startsWith(QLatin1String("22")) || d.state == QLatin1String("42000"))
             return d.text;
     return QString();
+}
+
+// Strictly: a byte sequence that is not GBK gives no text.
+std::optional<QString> DecodeGbk(const QByteArray& bytes) {
+    QStringDecoder gbk("GB18030", QStringConverter::Flag::Stateless);
+    if (gbk.isValid()) {
+        QString text = gbk.decode(bytes);
+        if (gbk.hasError() || text.contains(QChar::ReplacementCharacter)) return std::nullopt;
+        return text;
+    }
+#ifdef Q_OS_WIN
+    // A Qt without ICU names no GBK converter; Windows has code page 936.
+    if (bytes.isEmpty()) return QString();
+    const int units = MultiByteToWideChar(936, MB_ERR_INVALID_CHARS, bytes.constData(),
+                                          int(bytes.size()), nullptr, 0);
+    if (units <= 0) return std::nullopt;
+    QString text(units, Qt::Uninitialized);
+    MultiByteToWideChar(936, MB_ERR_INVALID_CHARS, bytes.constData(), int(bytes.size()),
+                        reinterpret_cast<wchar_t*>(text.data()), units);
+    return text;
+#else
+    return std::nullopt;
+#endif
 }
 
 }  // namespace
@@ -170,13 +194,12 @@ QVariant OdbcRows::Read(int column) {
         case Kind::Gbk: {
             const QByteArray data = ReadAll(column, SQL_C_BINARY, &isNull);
             if (isNull) return QVariant();
-            QStringDecoder gbk("GB18030", QStringConverter::Flag::Stateless);
-            QString text = gbk.decode(data);
-            if (gbk.hasError() || !gbk.isValid() || text.contains(QChar::ReplacementCharacter))
+            std::optional<QString> text = DecodeGbk(data);
+            if (!text)
                 throw RuntimeError(long(ErrorCode::ProviderError),
                                    QStringLiteral("Bytes that are not GBK text: %1.")
                                        .arg(QString::fromLatin1(data.toHex(' '))));
-            return text;
+            return *text;
         }
         case Kind::Wide: {
             const QByteArray data = ReadAll(column, SQL_C_WCHAR, &isNull);

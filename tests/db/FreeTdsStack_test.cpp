@@ -131,6 +131,7 @@ struct StartUpRow {
     const char* reply;  // the listener's, or none
     const char* begins;  // the first message's text after "错误信息："
     const char* holds;
+    const char* driver = "FreeTDS";
 };
 void PrintTo(const StartUpRow& row, std::ostream* os) { *os << row.name; }
 
@@ -141,6 +142,9 @@ const StartUpRow kStartUps[] = {
     {"closedAfterLogin", "出纳", "x", "db", "close", "[FreeTDS]", "Unexpected EOF from the server"},
     {"loginFailedOn2000", "出纳", "x", "db", "fail", "[FreeTDS]",
      "Login failed for user '出纳'."},
+    // A Driver value is one value: it names no database of its own.
+    {"driverAddsNoKeys", "sa", "x", "db", nullptr, "[unixODBC][Driver Manager]Can't open lib",
+     "'SQLite3};DATABASE=/nonexistent/other.sqlite;X={'", "SQLite3};DATABASE=/nonexistent/other.sqlite;X={"},
 };
 
 class FreeTdsStartUp : public FreeTdsStack, public ::testing::WithParamInterface<StartUpRow> {};
@@ -153,6 +157,7 @@ TEST_P(FreeTdsStartUp, SaysWhyThenThatTheConnectionFailed) {
     s.UID = QString::fromUtf8(row.uid);
     s.PWD = QString::fromUtf8(row.pwd);
     s.DBname = QString::fromUtf8(row.dbName);
+    s.Driver = QString::fromUtf8(row.driver);
     bool shown = false;
     EXPECT_EQ(StartUp(s, [&] { shown = true; }), 1);
     EXPECT_FALSE(shown);
