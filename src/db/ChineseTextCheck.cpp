@@ -19,6 +19,16 @@ QString Refusal(const QString& collation, const QString& what) {
 
 }  // namespace
 
+QByteArray CollationCodec(const QString& collation) {
+    const auto starts = [&](const char* prefix) {
+        return collation.startsWith(QLatin1String(prefix), Qt::CaseInsensitive);
+    };
+    if (collation.contains(QLatin1String("_UTF8"), Qt::CaseInsensitive)) return "UTF-8";
+    if (starts("Chinese_PRC") || starts("Chinese_Simplified")) return "GB18030";
+    if (starts("Latin1_General") || starts("SQL_Latin1_General_CP1_")) return "windows-1252";
+    return QByteArray();
+}
+
 bool LooksMisread(const QString& text) {
     bool latin = false;
     for (const QChar c : text) {
@@ -29,7 +39,7 @@ bool LooksMisread(const QString& text) {
     return latin;
 }
 
-void CheckChineseText(DatabaseSession& session, bool narrowTextIsGbk) {
+void CheckChineseText(DatabaseSession& session, bool asGbk) {
     QString collation;
     {
         Recordset rs = session.Open(QStringLiteral(
@@ -37,7 +47,8 @@ void CheckChineseText(DatabaseSession& session, bool narrowTextIsGbk) {
             "Collation"));
         if (!rs.AtEnd() && !rs.IsNull(0)) collation = rs.Value(0).toString();
     }
-    if (narrowTextIsGbk) collation += QStringLiteral("（按 VarcharEncoding=GBK 读取）");
+    session.SetNarrowTextCodec(asGbk ? QByteArray("GB18030") : CollationCodec(collation));
+    if (asGbk) collation += QStringLiteral("（按 VarcharEncoding=GBK 读取）");
     const struct {
         const char16_t* sql;
         const char16_t* what;

@@ -67,8 +67,7 @@ std::unique_ptr<DatabaseSession> DatabaseSession::OpenEmbedded(const QString& fi
 }
 
 std::unique_ptr<DatabaseSession> DatabaseSession::OpenOdbc(const QString& odbcConnectionString,
-                                                           SqlDialect dialect,
-                                                           bool narrowTextIsGbk) {
+                                                           SqlDialect dialect) {
     const QString name = NewConnectionName();
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), name);
@@ -96,7 +95,6 @@ std::unique_ptr<DatabaseSession> DatabaseSession::OpenOdbc(const QString& odbcCo
     }
     std::unique_ptr<DatabaseSession> session(new DatabaseSession(name, dialect, true));
     session->SetOneStatementAtATime(dialect == SqlDialect::SqlServer);
-    session->narrowTextIsGbk_ = narrowTextIsGbk;
     return session;
 }
 
@@ -136,7 +134,7 @@ Recordset DatabaseSession::Open(const QString& sql) {
     // Qt's driver reads SQL Server's text narrow and drops the driver's
     // warnings on a fetch; those rows are fetched below it.
     Recordset rs(std::move(query), odbc_ && dialect_ == SqlDialect::SqlServer
-                                       ? std::optional<bool>(narrowTextIsGbk_)
+                                       ? std::optional<QByteArray>(narrowCodec_)
                                        : std::nullopt);
     if (!rs.AtEnd()) open_.push_back(rs.Watch());
     return rs;

@@ -25,12 +25,15 @@ class DatabaseSession {
     static std::unique_ptr<DatabaseSession> OpenEmbedded(const QString& file);
     // An ODBC connection, login time-out 30 s; dialect by driver. A SQL Server
     // connection is taken to allow one open statement at a time, and its rows
-    // are fetched with text as wide characters, or, with narrowTextIsGbk,
-    // narrow text as its bytes read as GBK. Throws RuntimeError with the
+    // are fetched below Qt's driver (OdbcRows). Throws RuntimeError with the
     // driver's native number and description.
     static std::unique_ptr<DatabaseSession> OpenOdbc(const QString& odbcConnectionString,
-                                                     SqlDialect dialect,
-                                                     bool narrowTextIsGbk = false);
+                                                     SqlDialect dialect);
+
+    // The code page of a SQL Server's narrow text, decoded by the program
+    // ("GB18030", "windows-1252", "UTF-8"); empty (at first) leaves it to the
+    // driver, fetched as wide characters.
+    void SetNarrowTextCodec(const QByteArray& codec) { narrowCodec_ = codec; }
 
     // Runs one statement. Errors raise RuntimeError (native number, driver text).
     // Recordsets still open stay readable: on a connection that allows one open
@@ -67,7 +70,7 @@ class DatabaseSession {
     SqlDialect dialect_;
     bool odbc_;
     bool oneStatement_ = false;
-    bool narrowTextIsGbk_ = false;
+    QByteArray narrowCodec_;
     bool keepUnlogged_ = false;
     QStringList sent_;
     std::optional<int> commandTimeout_;

@@ -31,22 +31,24 @@ QString ChangedValue(SQLHSTMT statement, bool cutIsChange) {
     return QString();
 }
 
-// Strictly: a byte sequence that is not GBK gives no text.
-std::optional<QString> DecodeGbk(const QByteArray& bytes) {
-    QStringDecoder gbk("GB18030", QStringConverter::Flag::Stateless);
-    if (gbk.isValid()) {
-        QString text = gbk.decode(bytes);
-        if (gbk.hasError() || text.contains(QChar::ReplacementCharacter)) return std::nullopt;
+// Strictly: a byte sequence that is not of the code page gives no text.
+std::optional<QString> Decode(const QByteArray& codec, const QByteArray& bytes) {
+    QStringDecoder decoder(codec.constData(), QStringConverter::Flag::Stateless);
+    if (decoder.isValid()) {
+        QString text = decoder.decode(bytes);
+        if (decoder.hasError() || text.contains(QChar::ReplacementCharacter))
+            return std::nullopt;
         return text;
     }
 #ifdef Q_OS_WIN
-    // A Qt without ICU names no GBK converter; Windows has code page 936.
+    // A Qt without ICU names only the UTF converters; Windows has the pages.
+    const UINT page = codec == "GB18030" ? 936 : codec == "windows-1252" ? 1252 : CP_UTF8;
     if (bytes.isEmpty()) return QString();
-    const int units = MultiByteToWideChar(936, MB_ERR_INVALID_CHARS, bytes.constData(),
+    const int units = MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, bytes.constData(),
                                           int(bytes.size()), nullptr, 0);
     if (units <= 0) return std::nullopt;
     QString text(units, Qt::Uninitialized);
-    MultiByteToWideChar(936, MB_ERR_INVALID_CHARS, bytes.constData(), int(bytes.size()),
+    MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, bytes.constData(), int(bytes.size()),
                         reinterpret_cast<wchar_t*>(text.data()), units);
     return text;
 #else
@@ -56,8 +58,8 @@ std::optional<QString> DecodeGbk(const QByteArray& bytes) {
 
 }  // namespace
 
-OdbcRows::OdbcRows(void* statement, bool narrowTextIsGbk)
-    : statement_(statement), narrowTextIsGbk_(narrowTextIsGbk) {
+OdbcRows::OdbcRows(void* statement, const QByteArray& narrowCodec)
+    : statement_(statement), narrowCodec_(narrowCodec) {
     const OdbcApi& api = Odbc();
     if (!api.NumResultCols || !api.DescribeColW || !api.Fetch || !api.GetData)
         throw RuntimeError(long(ErrorCode::ProviderError),
@@ -77,7 +79,7 @@ OdbcRows::OdbcRows(void* statement, bool narrowTextIsGbk)
         names_ << text;
         switch (type) {
             case SQL_CHAR: case SQL_VARCHAR: case SQL_LONGVARCHAR:
-                kinds_.push_back(narrowTextIsGbk_ ? Kind::Gbk : Kind::Wide);
+                kinds_.push_back(narrowCodec_.isEmpty() ? Kind::Wide : Kind::Narrow);
                 break;
             case SQL_BINARY: case SQL_VARBINARY: case SQL_LONGVARBINARY:
                 kinds_.push_back(Kind::Bytes);
@@ -191,14 +193,15 @@ QVariant OdbcRows::Read(int column) {
             const QByteArray data = ReadAll(column, SQL_C_BINARY, &isNull);
             return isNull ? QVariant() : QVariant(data);
         }
-        case Kind::Gbk: {
+        case Kind::Narrow: {
             const QByteArray data = ReadAll(column, SQL_C_BINARY, &isNull);
             if (isNull) return QVariant();
-            std::optional<QString> text = DecodeGbk(data);
+            std::optional<QString> text = Decode(narrowCodec_, data);
             if (!text)
                 throw RuntimeError(long(ErrorCode::ProviderError),
-                                   QStringLiteral("Bytes that are not GBK text: %1.")
-                                       .arg(QString::fromLatin1(data.toHex(' '))));
+                                   QStringLiteral("Bytes that are not %1 text: %2.")
+                                       .arg(QString::fromLatin1(narrowCodec_),
+                                            QString::fromLatin1(data.toHex(' '))));
             return *text;
         }
         case Kind::Wide: {

@@ -10,14 +10,17 @@ namespace yunqi {
 // The rows of a statement that Qt's ODBC driver has executed, fetched with
 // the driver manager's own calls. Qt 6.4 fetches text as narrow characters
 // and drops the driver's fetch warnings, so a value the driver cannot convert
-// arrives as Null or with "?" in it. Here text is fetched as wide characters,
-// or, for narrow columns whose bytes are GBK whatever the server's collation
-// says, as the raw bytes decoded here; a value that does not convert raises
-// an error, never passes as another value.
+// arrives as Null or with "?" in it; FreeTDS itself puts "?" for a byte it
+// cannot convert inside a value, without a warning. Here narrow (varchar)
+// text is fetched as its bytes and decoded strictly with the code page the
+// session names, and other text as wide characters; a value that does not
+// convert raises an error, never passes as another value.
 class OdbcRows {
   public:
-    // statement: the SQLHSTMT of an executed statement.
-    OdbcRows(void* statement, bool narrowTextIsGbk);
+    // statement: the SQLHSTMT of an executed statement; narrowCodec: the code
+    // page of narrow text ("GB18030", "windows-1252", "UTF-8"), or empty to
+    // have the driver convert it to wide characters.
+    OdbcRows(void* statement, const QByteArray& narrowCodec);
 
     const QStringList& Names() const { return names_; }
     // The next row; false at the end. Errors raise RuntimeError: the driver's
@@ -28,12 +31,12 @@ class OdbcRows {
     const QVariantList& Row() const { return row_; }
 
   private:
-    enum class Kind { Wide, Bytes, Gbk, Integer, Double, Date, Time, Timestamp };
+    enum class Kind { Wide, Bytes, Narrow, Integer, Double, Date, Time, Timestamp };
     QVariant Read(int column);
     QByteArray ReadAll(int column, short cType, bool* isNull);
 
     void* statement_;
-    bool narrowTextIsGbk_;
+    QByteArray narrowCodec_;
     QStringList names_;
     std::vector<Kind> kinds_;
     QVariantList row_;

@@ -185,7 +185,7 @@ bool OpenDatabase(const DbSettings& settings) {
                 settings.VarcharEncoding.trimmed().compare(QLatin1String("GBK"),
                                                            Qt::CaseInsensitive) == 0;
             state.SessionConnection =
-                DatabaseSession::OpenOdbc(OdbcConnectionString(settings), dialect, gbk);
+                DatabaseSession::OpenOdbc(OdbcConnectionString(settings), dialect);
             if (dialect == SqlDialect::SqlServer) {
                 state.SessionConnection->KeepUnloggedTexts(true);
                 CheckChineseText(*state.SessionConnection, gbk);

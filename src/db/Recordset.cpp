@@ -27,7 +27,7 @@ RuntimeError DatabaseError(const QSqlError& error) {
 
 class Recordset::Cursor {
   public:
-    Cursor(QSqlQuery q, std::optional<bool> odbcText) : query(std::move(q)) {
+    Cursor(QSqlQuery q, std::optional<QByteArray> odbcText) : query(std::move(q)) {
         if (odbcText) {
             const QVariant handle = query.result()->handle();
             void* statement = handle.metaType() == QMetaType::fromType<void*>()
@@ -127,7 +127,7 @@ class Recordset::Cursor {
     PackedRows rows;
 };
 
-Recordset::Recordset(QSqlQuery query, std::optional<bool> odbcText)
+Recordset::Recordset(QSqlQuery query, std::optional<QByteArray> odbcText)
     : cursor_(std::make_shared<Cursor>(std::move(query), odbcText)) {}
 
 Recordset::~Recordset() = default;

@@ -123,6 +123,8 @@ const ServerRow kRows[] = {
     // A value whose bytes are no text: named, never dropped or altered.
     {"payerNotGbk", "invoice", "2000", kGbk + QStringList{"--bad", "甲公司"}, "", Expect::Failed,
      "列“付款人”（票据编号 0001）的值无法正确读出"},
+    {"payerBadByteInside", "preinvoice", "2012", kGbk + QStringList{"--bad-inside", "乙,\"丙\""},
+     "", Expect::Failed, "列“付款人”（票据编号 0002）的值无法正确读出"},
     {"payerNotGbkAsGbk", "invoice", "2012", kLatin1 + QStringList{"--bad", "甲公司"}, kAsGbk,
      Expect::Failed, "列“付款人”（票据编号 0001）的值无法正确读出"},
     {"departmentNotGbk", "parking", "2000", kGbk + QStringList{"--bad", "云栖苑"}, "",

@@ -126,7 +126,8 @@ class Server:
     --drop-on TEXT closes the connection after --drop-after rows of a batch
     holding TEXT;
     --error-on TEXT answers a batch holding TEXT with an error token; --bad
-    TEXT sends the text TEXT as its GBK bytes and a lone lead byte 0x81.
+    TEXT sends the text TEXT as its GBK bytes and a lone lead byte 0x81,
+    --bad-inside TEXT with a byte 0xFF after its first character.
     """
 
     def __init__(self, args, version):
@@ -206,6 +207,8 @@ class Server:
                     data = v
                 elif self.args.bad and v == self.args.bad:
                     data = v.encode("gbk") + b"\x81"
+                elif self.args.bad_inside and v == self.args.bad_inside:
+                    data = v[0].encode("gbk") + b"\xff" + v[1:].encode("gbk")
                 else:
                     data = str(v).encode("utf-16-le" if nvarchar else "gbk")
                 return struct.pack("<H", len(data)) + data
@@ -279,6 +282,7 @@ def main():
     parser.add_argument("--drop-after", type=int, default=0)
     parser.add_argument("--error-on")
     parser.add_argument("--bad")
+    parser.add_argument("--bad-inside")
     parser.add_argument("--browser-port", type=int, default=0)
     args = parser.parse_args()
     deadline = time.monotonic() + (600 if args.reply == "serve" else 40)
