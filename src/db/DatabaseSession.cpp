@@ -1,7 +1,6 @@
 #include "db/DatabaseSession.h"
 
 #include <QFileInfo>
-#include <QLibrary>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -10,6 +9,7 @@
 #include <atomic>
 
 #include "core/RuntimeError.h"
+#include "db/OdbcApi.h"
 
 namespace yunqi {
 
@@ -22,38 +22,15 @@ QString NewConnectionName() {
 
 RuntimeError ErrorOf(const QSqlError& error) { return DatabaseError(error); }
 
-#ifdef Q_OS_WIN
-#define ODBC_API __stdcall
-#else
-#define ODBC_API
-#endif
-using SetStmtAttrFn = short(ODBC_API*)(void*, int, void*, int);
-
-// Qt's ODBC driver doesn't expose the query time-out; the driver manager it
-// was loaded with does.
-SetStmtAttrFn SetStmtAttr() {
-    static const SetStmtAttrFn fn = [] {
-#ifdef Q_OS_WIN
-        QLibrary manager(QStringLiteral("odbc32"));
-#else
-        QLibrary manager(QStringLiteral("odbc"), 2);
-#endif
-        return reinterpret_cast<SetStmtAttrFn>(manager.resolve("SQLSetStmtAttr"));
-    }();
-    return fn;
-}
-
 // Where the driver refuses, the statement runs without a limit.
 void SetQueryTimeout(const QSqlQuery& query, int seconds) {
-    constexpr int kQueryTimeout = 0;  // SQL_ATTR_QUERY_TIMEOUT
-    constexpr int kUnsigned = -5;     // SQL_IS_UINTEGER
     const QVariant handle = query.result()->handle();
-    const SetStmtAttrFn fn = SetStmtAttr();
+    const auto fn = Odbc().SetStmtAttr;
     if (!fn || handle.metaType() != QMetaType::fromType<void*>()) return;
     void* statement = *static_cast<void* const*>(handle.constData());
     if (statement)
-        fn(statement, kQueryTimeout, reinterpret_cast<void*>(static_cast<quintptr>(seconds)),
-           kUnsigned);
+        fn(statement, SQL_ATTR_QUERY_TIMEOUT,
+           reinterpret_cast<SQLPOINTER>(static_cast<quintptr>(seconds)), SQL_IS_UINTEGER);
 }
 
 }  // namespace
@@ -121,8 +98,18 @@ std::unique_ptr<DatabaseSession> DatabaseSession::OpenOdbc(const QString& odbcCo
     return session;
 }
 
+void DatabaseSession::SetSqlLog(std::function<void(const QString&)> log) {
+    log_ = std::move(log);
+    if (log_)
+        for (const QString& sql : sent_) log_(sql);
+    sent_.clear();
+}
+
 Recordset DatabaseSession::Open(const QString& sql) {
-    if (log_) log_(sql);
+    if (log_)
+        log_(sql);
+    else if (keepUnlogged_)
+        sent_ << sql;
     const QString text = dialect_ == SqlDialect::SQLite ? AdaptToSQLite(sql) : sql;
     if (oneStatement_)
         for (const auto& cursor : open_) Recordset::ReadRestToMemory(cursor);
@@ -144,7 +131,11 @@ Recordset DatabaseSession::Open(const QString& sql) {
     if (!ok) {
         throw ErrorOf(query.lastError());
     }
-    Recordset rs(std::move(query));
+    // Qt's driver reads SQL Server's text narrow and drops the driver's
+    // warnings on a fetch; those rows are fetched below it.
+    Recordset rs(std::move(query), odbc_ && dialect_ == SqlDialect::SqlServer
+                                       ? std::optional<QByteArray>(narrowCodec_)
+                                       : std::nullopt);
     if (!rs.AtEnd()) open_.push_back(rs.Watch());
     return rs;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -23,10 +24,16 @@ class DatabaseSession {
     // file can't be opened.
     static std::unique_ptr<DatabaseSession> OpenEmbedded(const QString& file);
     // An ODBC connection, login time-out 30 s; dialect by driver. A SQL Server
-    // connection is taken to allow one open statement at a time. Throws
-    // RuntimeError with the driver's native number and description.
+    // connection is taken to allow one open statement at a time, and its rows
+    // are fetched below Qt's driver (OdbcRows). Throws RuntimeError with the
+    // driver's native number and description.
     static std::unique_ptr<DatabaseSession> OpenOdbc(const QString& odbcConnectionString,
                                                      SqlDialect dialect);
+
+    // The code page of a SQL Server's narrow text, decoded by the program
+    // ("GB18030", "windows-1252", "UTF-8"); empty (at first) leaves it to the
+    // driver, fetched as wide characters.
+    void SetNarrowTextCodec(const QByteArray& codec) { narrowCodec_ = codec; }
 
     // Runs one statement. Errors raise RuntimeError (native number, driver text).
     // Recordsets still open stay readable: on a connection that allows one open
@@ -50,8 +57,11 @@ class DatabaseSession {
     // set on the connection, for every statement of the run.
     static constexpr int kBusyTimeoutMs = 5000;
 
-    // Receives every SQL text as assembled, before any dialect rewrite.
-    void SetSqlLog(std::function<void(const QString&)> log) { log_ = std::move(log); }
+    // Receives every SQL text as assembled, before any dialect rewrite; texts
+    // sent before the log was set while KeepUnloggedTexts was on (the checks
+    // of the start-up) first.
+    void SetSqlLog(std::function<void(const QString&)> log);
+    void KeepUnloggedTexts(bool keep) { keepUnlogged_ = keep; }
 
   private:
     DatabaseSession(QString connectionName, SqlDialect dialect, bool odbc);
@@ -60,6 +70,9 @@ class DatabaseSession {
     SqlDialect dialect_;
     bool odbc_;
     bool oneStatement_ = false;
+    QByteArray narrowCodec_;
+    bool keepUnlogged_ = false;
+    QStringList sent_;
     std::optional<int> commandTimeout_;
     std::function<void(const QString&)> log_;
     std::vector<std::weak_ptr<Recordset::Cursor>> open_;

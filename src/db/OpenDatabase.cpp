@@ -1,18 +1,44 @@
 #include "db/OpenDatabase.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 
 #include "core/MessageForms.h"
 #include "core/RuntimeError.h"
+#include "db/ChineseTextCheck.h"
+#include "db/OdbcApi.h"
 #include "db/SessionState.h"
 
 namespace yunqi {
 
 namespace {
 
+// By the library the driver manager loads for the name (an office may
+// register FreeTDS as "TDS", or give its path), else by the name.
 bool IsFreeTds(const DbSettings& s) {
+    const QString library = OdbcDriverLibrary(s.Driver);
+    if (!library.isEmpty()) return library.contains(QLatin1String("tdsodbc"), Qt::CaseInsensitive);
     return s.Driver.contains(QLatin1String("FreeTDS"), Qt::CaseInsensitive) ||
            s.Driver.contains(QLatin1String("tdsodbc"), Qt::CaseInsensitive);
+}
+
+// Whether freetds.conf, where FreeTDS looks for it, has a section of that
+// name: FreeTDS takes a name without one as a host only through SERVER.
+bool FreeTdsSection(const QString& name) {
+    if (name.isEmpty()) return false;
+    QStringList files;
+    if (const QString conf = qEnvironmentVariable("FREETDSCONF"); !conf.isEmpty()) files << conf;
+    files << QDir::homePath() + QStringLiteral("/.freetds.conf")
+          << QStringLiteral("/etc/freetds/freetds.conf");
+    const QString header = QLatin1Char('[') + name.toLower() + QLatin1Char(']');
+    for (const QString& path : files) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) continue;
+        for (const QByteArray& line : file.readAll().split('\n'))
+            if (QString::fromUtf8(line).trimmed().toLower() == header) return true;
+    }
+    return false;
 }
 
 // A separator or a leading brace needs braces around the value. FreeTDS keeps
@@ -83,14 +109,20 @@ QString OdbcConnectionString(const DbSettings& s) {
             port = host.mid(comma + 1).trimmed();
             host = host.left(comma).trimmed();
         }
-        text = QStringLiteral("DRIVER={") + s.Driver + QStringLiteral("};SERVER=");
+        // The driver manager reads this value, always braced.
+        text = QStringLiteral("DRIVER={") + QString(s.Driver).replace('}', QStringLiteral("}}")) +
+               QStringLiteral("};");
         if (freeTds) {
-            text += value(host);
+            // FreeTDS looks a name up among the sections of freetds.conf only
+            // as SERVERNAME.
+            const bool section = port.isEmpty() && FreeTdsSection(host);
+            text += (section ? QStringLiteral("SERVERNAME=") : QStringLiteral("SERVER=")) +
+                    value(host);
             if (!port.isEmpty()) text += QStringLiteral(";PORT=") + value(port);
         } else {
             // Microsoft's drivers take the port only as "host,port" and know
             // neither PORT nor TDS_Version.
-            text += value(port.isEmpty() ? host : host + QLatin1Char(',') + port);
+            text += QStringLiteral("SERVER=") + value(port.isEmpty() ? host : host + QLatin1Char(',') + port);
         }
         text += QStringLiteral(";DATABASE=") + value(s.DBname) + QStringLiteral(";UID=") +
                 value(s.UID) + QStringLiteral(";PWD=") + value(s.PWD);
@@ -149,8 +181,16 @@ bool OpenDatabase(const DbSettings& settings) {
             const SqlDialect dialect = settings.Driver.startsWith(QLatin1String("SQLite"))
                                            ? SqlDialect::SQLite
                                            : SqlDialect::SqlServer;
+            const bool gbk =
+                settings.VarcharEncoding.trimmed().compare(QLatin1String("GBK"),
+                                                           Qt::CaseInsensitive) == 0;
             state.SessionConnection =
                 DatabaseSession::OpenOdbc(OdbcConnectionString(settings), dialect);
+            if (dialect == SqlDialect::SqlServer) {
+                state.SessionConnection->KeepUnloggedTexts(true);
+                CheckChineseText(*state.SessionConnection, gbk);
+                state.SessionConnection->KeepUnloggedTexts(false);
+            }
         }
         return true;
     } catch (const RuntimeError& e) {

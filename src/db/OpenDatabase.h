@@ -17,13 +17,16 @@ QString ConnectionText(const QString& uid, const QString& pwd, const QString& db
 QString TdsVersion(const QString& edition);
 
 // The ODBC equivalent of the connection text for a SQL Server driver. Svr may
-// be "host", "host,port", "host\instance" (FreeTDS asks the server's browser
+// be "host" or the name of a freetds.conf section (given to FreeTDS as
+// SERVERNAME), "host,port", "host\instance" (FreeTDS asks the server's browser
 // service for the port) or "host\instance,port" (FreeTDS takes the port). With
 // DSN set, that data source names server, port, TDS version and encryption;
 // UID, PWD and DBname are added when set. The application's name goes as APP,
-// and FreeTDS is asked for UTF-8 either way. Any other driver (Windows' "SQL
-// Server", ODBC Driver 17 and 18) gets Svr as one SERVER value, "host,port"
-// included, and none of FreeTDS's own keywords.
+// and FreeTDS is asked for UTF-8 either way. FreeTDS is known by the library
+// the driver manager loads for Driver, whatever its registered name. Any other
+// driver (Windows' "SQL Server", ODBC Driver 17 and 18) gets Svr as one SERVER
+// value, "host,port" included, and none of FreeTDS's own keywords. Every value
+// is quoted as ODBC says where it needs it, Driver always.
 QString OdbcConnectionString(const DbSettings& settings);
 
 // Why a value of the settings can't reach FreeTDS through a connection
@@ -34,8 +37,9 @@ QString OdbcConnectionString(const DbSettings& settings);
 QString UncarriedValue(const DbSettings& settings);
 
 // Opens the one connection of the process into AppSession(), keeping the
-// connection text in SessionConnectionText. A failure shows "错误信息：" and
-// the driver's description, and gives false.
+// connection text in SessionConnectionText. On SQL Server it then checks that
+// Chinese text arrives intact (CheckChineseText). A failure shows "错误信息："
+// and the driver's description, and gives false.
 bool OpenDatabase(const DbSettings& settings);
 
 }  // namespace yunqi

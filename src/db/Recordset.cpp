@@ -2,9 +2,11 @@
 
 #include <QSqlError>
 #include <QSqlRecord>
-#include <deque>
+#include <QSqlResult>
 
 #include "core/RuntimeError.h"
+#include "db/OdbcRows.h"
+#include "db/PackedRows.h"
 
 namespace yunqi {
 
@@ -25,26 +27,39 @@ RuntimeError DatabaseError(const QSqlError& error) {
 
 class Recordset::Cursor {
   public:
-    explicit Cursor(QSqlQuery q) : query(std::move(q)) {
-        const QSqlRecord record = query.record();
-        names.reserve(record.count());
-        for (int i = 0; i < record.count(); ++i) {
-            // Some ODBC drivers pad wide column names with NULs.
-            QString name = record.fieldName(i);
-            const qsizetype nul = name.indexOf(QChar(0));
-            if (nul >= 0) name.truncate(nul);
-            names << name;
+    Cursor(QSqlQuery q, std::optional<QByteArray> odbcText) : query(std::move(q)) {
+        if (odbcText) {
+            const QVariant handle = query.result()->handle();
+            void* statement = handle.metaType() == QMetaType::fromType<void*>()
+                                  ? *static_cast<void* const*>(handle.constData())
+                                  : nullptr;
+            if (!statement)
+                throw RuntimeError(long(ErrorCode::ProviderError),
+                                   QStringLiteral("No ODBC statement to read."));
+            try {
+                odbc = std::make_unique<OdbcRows>(statement, *odbcText);
+            } catch (...) {
+                query.finish();
+                throw;
+            }
+            names = odbc->Names();
+        } else {
+            const QSqlRecord record = query.record();
+            names.reserve(record.count());
+            for (int i = 0; i < record.count(); ++i) {
+                // Some ODBC drivers pad wide column names with NULs.
+                QString name = record.fieldName(i);
+                const qsizetype nul = name.indexOf(QChar(0));
+                if (nul >= 0) name.truncate(nul);
+                names << name;
+            }
         }
         Next();
     }
 
     void Next() {
         if (inMemory) {
-            atEnd = rows.empty();
-            if (!atEnd) {
-                current = std::move(rows.front());
-                rows.pop_front();
-            }
+            atEnd = !rows.Take(&current);
             return;
         }
         atEnd = !Fetch();
@@ -53,6 +68,14 @@ class Recordset::Cursor {
 
     // The next row; false at the end. A failed read is no end.
     bool Fetch() {
+        if (odbc) {
+            try {
+                return odbc->Next();
+            } catch (...) {
+                query.finish();
+                throw;
+            }
+        }
         if (query.next()) return true;
         if (query.lastError().type() != QSqlError::NoError) {
             const RuntimeError error = DatabaseError(query.lastError());
@@ -63,6 +86,7 @@ class Recordset::Cursor {
     }
 
     QVariantList Row() const {
+        if (odbc) return odbc->Row();
         QVariantList row;
         row.reserve(names.size());
         for (int i = 0; i < names.size(); ++i)
@@ -73,28 +97,38 @@ class Recordset::Cursor {
     void ReadRest() {
         if (inMemory || atEnd) return;
         current = Row();
-        while (Fetch()) rows.push_back(Row());
+        while (Fetch()) {
+            if (odbc)
+                rows.Add(odbc->Row());
+            else
+                rows.Add(Row());
+        }
         query.finish();
+        odbc.reset();
         inMemory = true;
     }
 
     bool IsNull(int index) const {
-        return inMemory ? !current[index].isValid() : query.isNull(index);
+        if (inMemory) return !current[index].isValid();
+        return odbc ? !odbc->Row()[index].isValid() : query.isNull(index);
     }
     QVariant Value(int index) const {
         if (inMemory) return current[index];
+        if (odbc) return odbc->Row()[index];
         return query.isNull(index) ? QVariant() : query.value(index);
     }
 
     QSqlQuery query;
+    std::unique_ptr<OdbcRows> odbc;
     QStringList names;
     bool atEnd = true;
     bool inMemory = false;
     QVariantList current;
-    std::deque<QVariantList> rows;
+    PackedRows rows;
 };
 
-Recordset::Recordset(QSqlQuery query) : cursor_(std::make_shared<Cursor>(std::move(query))) {}
+Recordset::Recordset(QSqlQuery query, std::optional<QByteArray> odbcText)
+    : cursor_(std::make_shared<Cursor>(std::move(query), odbcText)) {}
 
 Recordset::~Recordset() = default;
 

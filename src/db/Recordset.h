@@ -25,8 +25,11 @@ class Recordset {
     class Cursor;
 
     // A read that fails (a damaged page met halfway) raises the driver's
-    // error; it never passes for the end.
-    explicit Recordset(QSqlQuery query);
+    // error; it never passes for the end. With odbcNarrowCodec set, the rows
+    // of the executed ODBC statement are fetched by OdbcRows (narrow text in
+    // that code page, or empty for wide), not by Qt's driver.
+    explicit Recordset(QSqlQuery query,
+                       std::optional<QByteArray> odbcNarrowCodec = std::nullopt);
     Recordset(Recordset&&) = default;
     Recordset& operator=(Recordset&&) = default;
     ~Recordset();

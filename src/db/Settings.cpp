@@ -81,6 +81,7 @@ DbSettings ReadDbSettings(QSettings& store) {
     s.DBname = value("DBname", QString());
     s.Driver = value("Driver", DefaultDriver());
     s.DSN = value("DSN", QString());
+    s.VarcharEncoding = value("VarcharEncoding", QString());
     return s;
 }
 

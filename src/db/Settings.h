@@ -24,6 +24,10 @@ struct DbSettings {
     // version and encryption in place of Svr and Edition; UID, PWD and DBname
     // still come from here.
     QString DSN;
+    // Our own key: "GBK" reads the bytes of varchar text as GBK whatever
+    // collation the server states (a server that holds GBK under a Latin1
+    // label); empty follows the server.
+    QString VarcharEncoding;
 };
 
 QString DefaultDriver();

@@ -5,45 +5,17 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include "core/Dialogs.h"
 #include "db/OpenDatabase.h"
 #include "db/SessionState.h"
 #include "shell/Startup.h"
+#include "support/TdsListener.h"
 
 using namespace yunqi;
 
 namespace {
-
-// One run of the listener on a free port; it stops after one login or 40 s,
-// which outlasts the driver's login time-out of 30 s, so that a stalled login
-// shows as the driver's time-out.
-struct TdsListener {
-    explicit TdsListener(QStringList args) {
-        args.prepend(QStringLiteral(YUNQI_TEST_DIR "/db/tds_listener.py"));
-        process_.start(QStringLiteral("/usr/bin/python3"), args);
-        if (!process_.waitForReadyRead(10000)) return;
-        refusal_ = QString::fromUtf8(process_.readLine()).trimmed();
-        if (refusal_.startsWith(QLatin1String("port "))) port_ = refusal_.mid(5);
-    }
-    ~TdsListener() { process_.waitForFinished(45000); }  // else killed by QProcess
-    QString port_, refusal_;  // the port, or (without one) why it did not start
-    // The records written until it stopped: browser requests and the login.
-    QJsonObject Records() {
-        process_.waitForFinished(45000);
-        QJsonObject all;
-        for (const QByteArray& line : process_.readAllStandardOutput().split('\n')) {
-            const QJsonObject record = QJsonDocument::fromJson(line).object();
-            for (auto i = record.begin(); i != record.end(); ++i) all[i.key()] = i.value();
-        }
-        return all;
-    }
-    QProcess process_;
-};
 
 DbSettings Server(const QString& svr, const char* edition = "2000") {
     return {.Edition = edition, .Svr = svr, .UID = "出纳", .PWD = "secret", .DBname = "账房",
@@ -75,7 +47,7 @@ struct LoginRow {
     const char* svr;  // PORT stands for the listener's
     const char* password;
     const char* version;  // as the login packet states it
-    enum { Port, TdsPort, Browser, Dsn } how = Port;
+    enum { Port, TdsPort, Browser, Dsn, Section } how = Port;
 };
 void PrintTo(const LoginRow& row, std::ostream* os) { *os << row.name; }
 
@@ -95,6 +67,8 @@ const LoginRow kLogins[] = {
     {"instancePort", "2000", "127.0.0.1\\LEDGER,PORT", "secret", "0x71000001"},
     // The data source's server of freetds.conf holds address, port and version.
     {"dsn", "2000", "elsewhere.invalid", "secret", "0x72090002", LoginRow::Dsn},
+    // Svr naming a section of freetds.conf: its host and port, the edition's version.
+    {"section", "2000", "ledger", "secret", "0x71000001", LoginRow::Section},
 };
 
 class FreeTdsLogin : public FreeTdsStack, public ::testing::WithParamInterface<LoginRow> {};
@@ -111,14 +85,21 @@ TEST_P(FreeTdsLogin, ReachesTheListenerAsConfigured) {
     s.PWD = QString::fromUtf8(row.password);
     if (row.how == LoginRow::TdsPort) qputenv("TDSPORT", listener.port_.toLatin1());
     QTemporaryDir dir;
-    const std::pair<const char*, QByteArray> files[] = {
-        {"ODBCINI", "[yunqi-ledger]\nDriver = FreeTDS\nServername = ledger\n"},
-        {"FREETDSCONF", "[ledger]\n\thost = 127.0.0.1\n\tport = " + listener.port_.toLatin1() +
-                            "\n\ttds version = 7.2\n\tencryption = off\n"}};
-    for (const auto& [variable, text] : files) {
-        QFile file(dir.filePath(variable));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
-        if (row.how == LoginRow::Dsn) qputenv(variable, QFile::encodeName(file.fileName()));
+    const struct {
+        const char* variable;
+        QString file;
+        QByteArray text;
+    } files[] = {
+        {"ODBCINI", "odbc.ini", "[yunqi-ledger]\nDriver = FreeTDS\nServername = ledger\n"},
+        {"FREETDSCONF", "freetds.conf",
+         "[ledger]\n\thost = 127.0.0.1\n\tport = " + listener.port_.toLatin1() +
+             "\n\ttds version = 7.2\n\tencryption = off\n"}};
+    for (const auto& f : files) {
+        QFile file(dir.filePath(f.file));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(f.text) == f.text.size());
+        const bool used = row.how == LoginRow::Dsn ||
+                          (row.how == LoginRow::Section && f.file == "freetds.conf");
+        if (used) qputenv(f.variable, QFile::encodeName(file.fileName()));
     }
     if (row.how == LoginRow::Dsn) s.DSN = QStringLiteral("yunqi-ledger");
     EXPECT_FALSE(OpenDatabase(s));
@@ -150,6 +131,7 @@ struct StartUpRow {
     const char* reply;  // the listener's, or none
     const char* begins;  // the first message's text after "错误信息："
     const char* holds;
+    const char* driver = "FreeTDS";
 };
 void PrintTo(const StartUpRow& row, std::ostream* os) { *os << row.name; }
 
@@ -160,6 +142,9 @@ const StartUpRow kStartUps[] = {
     {"closedAfterLogin", "出纳", "x", "db", "close", "[FreeTDS]", "Unexpected EOF from the server"},
     {"loginFailedOn2000", "出纳", "x", "db", "fail", "[FreeTDS]",
      "Login failed for user '出纳'."},
+    // A Driver value is one value: it names no database of its own.
+    {"driverAddsNoKeys", "sa", "x", "db", nullptr, "[unixODBC][Driver Manager]Can't open lib",
+     "'SQLite3};DATABASE=/nonexistent/other.sqlite;X={'", "SQLite3};DATABASE=/nonexistent/other.sqlite;X={"},
 };
 
 class FreeTdsStartUp : public FreeTdsStack, public ::testing::WithParamInterface<StartUpRow> {};
@@ -172,6 +157,7 @@ TEST_P(FreeTdsStartUp, SaysWhyThenThatTheConnectionFailed) {
     s.UID = QString::fromUtf8(row.uid);
     s.PWD = QString::fromUtf8(row.pwd);
     s.DBname = QString::fromUtf8(row.dbName);
+    s.Driver = QString::fromUtf8(row.driver);
     bool shown = false;
     EXPECT_EQ(StartUp(s, [&] { shown = true; }), 1);
     EXPECT_FALSE(shown);
