@@ -97,12 +97,11 @@ DbSettings FromValues(const Value& value) {
 QString DecodeSettingsText(const QByteArray& bytes, QString (*ansi)(const QByteArray&)) {
     // Notepad marks UTF-8 and "Unicode" (UTF-16) files with a byte-order mark.
     if (bytes.startsWith("\xEF\xBB\xBF")) return QString::fromUtf8(bytes.mid(3));
-    if (bytes.startsWith("\xFF\xFE"))
-        return QStringDecoder(QStringDecoder::Utf16LE)(bytes.mid(2));
-    if (bytes.startsWith("\xFE\xFF"))
-        return QStringDecoder(QStringDecoder::Utf16BE)(bytes.mid(2));
+    if (bytes.startsWith("\xFF\xFE")) return QStringDecoder(QStringDecoder::Utf16LE)(bytes.mid(2));
+    if (bytes.startsWith("\xFE\xFF")) return QStringDecoder(QStringDecoder::Utf16BE)(bytes.mid(2));
     // GBK text is hardly ever valid UTF-8, and ASCII reads the same either way.
-    QStringDecoder utf8(QStringDecoder::Utf8);
+    // Stateless: a sequence cut at the end is an error too, not kept for more.
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = utf8(bytes);
     if (!utf8.hasError()) return text;
     return ansi(bytes);

@@ -110,11 +110,10 @@ TEST(SettingsTest, TheFilesEncodingIsTakenFromItsBytes) {
         {"UTF-16 big-endian", "\xFE\xFF" + utf16be, ledger},
         {"ASCII", "Svr=host,1433", "Svr=host,1433"},
         // 账房 in GBK: not UTF-8.
-        {"GBK", "DBname=\xD5\xCB\xB7\xBF", "ANSI:DBname=\xD5\xCB\xB7\xBF"},
-        {"a cut UTF-8 sequence", "x\xE8\xB4", "ANSI:x\xE8\xB4"},
+        {"GBK", "DBname=\xD5\xCB\xB7\xBF", QString::fromLatin1("ANSI:DBname=\xD5\xCB\xB7\xBF")},
+        {"a cut UTF-8 sequence", "x\xE8\xB4", QString::fromLatin1("ANSI:x\xE8\xB4")},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(DecodeSettingsText(c.bytes, +ansi), c.text) << c.name;
+    for (const Case& c : cases) EXPECT_EQ(DecodeSettingsText(c.bytes, +ansi), c.text) << c.name;
 }
 
 // A settings file that is there and can't be read stops the reading with its

@@ -1,8 +1,8 @@
 #include "cli/os/Console.h"
 
-#include <windows.h>
 #include <fcntl.h>
 #include <io.h>
+#include <windows.h>
 
 #include <cstdio>
 
