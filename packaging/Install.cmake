@@ -10,11 +10,13 @@ install(FILES ${YUNQI_PACKAGING}/yunqi-reports.desktop
         DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${YUNQI_PACKAGING}/yunqi-reports.svg
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
-install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${YUNQI_DOCDIR})
-install(FILES ${CMAKE_SOURCE_DIR}/docs/invoice-window.png DESTINATION ${YUNQI_DOCDIR}/docs)
+install(FILES ${CMAKE_SOURCE_DIR}/README.md ${YUNQI_PACKAGING}/copyright
+        DESTINATION ${YUNQI_DOCDIR})
+# The pictures the README shows.
+file(GLOB YUNQI_README_PICTURES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/docs/*.png)
+install(FILES ${YUNQI_README_PICTURES} DESTINATION ${YUNQI_DOCDIR}/docs)
 
-# The icon's bitmaps are drawn from the SVG, the manual pages compressed as
-# Debian keeps them.
+# The icon's bitmaps are drawn from the SVG.
 find_program(RSVG_CONVERT rsvg-convert)
 if(NOT RSVG_CONVERT)
   message(FATAL_ERROR "rsvg-convert is missing: scripts/install-deps installs it (librsvg2-bin)")
@@ -30,13 +32,20 @@ foreach(size 48 256)
           DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps)
   list(APPEND YUNQI_STAGED ${png})
 endforeach()
-foreach(page yunqi-statement.1 yunqi-reports.1)
-  set(gz ${CMAKE_BINARY_DIR}/packaging/man/${page}.gz)
+# The manual pages and the changelog, compressed as Debian keeps them.
+foreach(file man/yunqi-statement.1 man/yunqi-reports.1 doc/changelog)
+  get_filename_component(name ${file} NAME)
+  get_filename_component(kind ${file} DIRECTORY)
+  set(gz ${CMAKE_BINARY_DIR}/packaging/${file}.gz)
   add_custom_command(OUTPUT ${gz}
-    COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/packaging/man
-    COMMAND sh -c "gzip -9n < \"$0\" > \"$1\"" ${YUNQI_PACKAGING}/${page} ${gz}
-    DEPENDS ${YUNQI_PACKAGING}/${page} VERBATIM)
-  install(FILES ${gz} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/packaging/${kind}
+    COMMAND sh -c "gzip -9n < \"$0\" > \"$1\"" ${YUNQI_PACKAGING}/${name} ${gz}
+    DEPENDS ${YUNQI_PACKAGING}/${name} VERBATIM)
+  if(kind STREQUAL "man")
+    install(FILES ${gz} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  else()
+    install(FILES ${gz} DESTINATION ${YUNQI_DOCDIR})
+  endif()
   list(APPEND YUNQI_STAGED ${gz})
 endforeach()
 add_custom_target(yunqi_packaging ALL DEPENDS ${YUNQI_STAGED})
@@ -51,9 +60,9 @@ set(CPACK_PACKAGE_VENDOR "云栖账房")
 set(CPACK_PACKAGE_CONTACT "云栖账房报表 maintainers <reports@yunqi.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
     "statements of a property-management office's fee and invoice ledger")
+# CPack puts the summary before it as the synopsis.
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-    "statements of a property-management office's fee and invoice ledger\n\
-The desktop program yunqi-reports (云栖账房报表) shows the invoice,\n\
+    "The desktop program yunqi-reports (云栖账房报表) shows the invoice,\n\
 pre-invoice, parking and reconciliation statements of the office's SQL Server\n\
 ledger, or of an embedded SQLite one, and exports them to workbooks.\n\
 yunqi-statement computes the same statements from the command line and runs\n\

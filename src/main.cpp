@@ -3,7 +3,6 @@
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
 #include "db/SessionState.h"
-#include "db/Settings.h"
 #include "frame/widgets/ReportWindow.h"
 #include "frame/widgets/WidgetDialogs.h"
 #include "reports/Reports.h"
@@ -30,7 +29,7 @@ int main(int argc, char** argv) {
     std::unique_ptr<MainWindow> main;
     int status = 0;
     try {
-        status = StartUp(ReadDbSettings(), [&] {
+        status = Main([&] {
             DatabaseSession& session = *AppSession().SessionConnection;
             std::map<QString, MainWindow::WindowFactory> windows;
             for (const ReportDefinition* report : AllReports())

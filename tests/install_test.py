@@ -39,6 +39,11 @@ FILES = [
     ("share/man/man1/yunqi-reports.1.gz",
      lambda b: gzip.decompress(b).find(b".TH YUNQI-REPORTS 1") >= 0),
     ("share/doc/yunqi-reports/README.md", lambda b: b.startswith("# 云栖账房报表".encode())),
+    ("share/doc/yunqi-reports/docs/windows-wine.png", lambda b: b[:4] == b"\x89PNG"),
+    ("share/doc/yunqi-reports/copyright",
+     lambda b: b.startswith(b"Format: https://www.debian.org/doc/packaging-manuals/copyright-format/")),
+    ("share/doc/yunqi-reports/changelog.gz",
+     lambda b: gzip.decompress(b).startswith(b"yunqi-reports (1.0.0) ")),
 ]
 
 # What the programs load, link or show with: Qt's widgets and SQL with both drivers, the
@@ -120,6 +125,14 @@ class Package(unittest.TestCase):
         # Names the archive knows: each is installed here, for the build or the tests.
         r = subprocess.run(["dpkg-query", "-W", *depends], capture_output=True, text=True)
         self.assertEqual(r.returncode, 0, r.stderr)
+
+    @unittest.skipUnless(shutil.which("lintian"), "lintian is missing")
+    def test_lintian_finds_no_error_or_warning_and_the_hardening_is_there(self):
+        r = subprocess.run(["lintian", "-EvIL", "+pedantic", self.deb], capture_output=True,
+                           text=True)
+        tags = [line for line in r.stdout.splitlines() if re.match(r"^[EWIPX]: ", line)]
+        self.assertEqual([t for t in tags if t[0] in "EW"], [], r.stdout)
+        self.assertEqual([t for t in tags if "hardening" in t], [], r.stdout)
 
     def test_files_and_a_statement_from_the_unpacked_programs(self):
         listed = {line.split()[-1].lstrip("./") for line in self.dpkg_deb("-c").splitlines()}

@@ -16,7 +16,9 @@ endforeach()
 add_custom_command(OUTPUT ${YUNQI_ICON_DIR}/yunqi-reports.ico
   COMMAND ${IMAGEMAGICK_CONVERT} ${YUNQI_ICON_PNGS} ${YUNQI_ICON_DIR}/yunqi-reports.ico
   DEPENDS ${YUNQI_ICON_PNGS} VERBATIM)
-file(WRITE ${YUNQI_ICON_DIR}/icon.rc "1 ICON \"yunqi-reports.ico\"\n")
+# Written only when its text changes: a new file at every configure would
+# relink both programs.
+file(CONFIGURE OUTPUT ${YUNQI_ICON_DIR}/icon.rc CONTENT "1 ICON \"yunqi-reports.ico\"\n")
 set_source_files_properties(${YUNQI_ICON_DIR}/icon.rc PROPERTIES
   OBJECT_DEPENDS ${YUNQI_ICON_DIR}/yunqi-reports.ico)
 foreach(program yunqi-reports yunqi-statement)

@@ -70,13 +70,21 @@ build_sqlite() {
 }
 
 build_xlsxwriter() {
-  [ -f "$DEPS/.xlsxwriter-2" ] && return
+  [ -f "$DEPS/.xlsxwriter-3" ] && return
   echo "== libxlsxwriter"
+  # Built with MinGW, the library opens its workbook and its temporary files
+  # by narrow names, which the ANSI code page of an English Windows cannot
+  # spell for a Chinese folder: the patch has it take UTF-8 names and open
+  # them through the wide calls, as its MSVC build does.
+  local patched="$work/libxlsxwriter-src"
+  rm -rf "$patched"
+  cp -r "$(only_dir 'libxlsxwriter-*')" "$patched"
+  patch -s -d "$patched" -p1 <"$here/libxlsxwriter-utf8-names.patch"
   # Its own temporary files, in the folder the program names: the C
   # runtime's tmpfile() writes to the root of drive C:, which users may not.
-  cross_cmake xlsxwriter "$(only_dir 'libxlsxwriter-*')" \
+  cross_cmake xlsxwriter "$patched" \
     -DCMAKE_INSTALL_PREFIX="$DEPS" -DBUILD_SHARED_LIBS=OFF
-  touch "$DEPS/.xlsxwriter-2"
+  touch "$DEPS/.xlsxwriter-3"
 }
 
 build_qt() {

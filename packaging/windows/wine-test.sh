@@ -5,15 +5,24 @@
 #    Linux build's on the same ledger, byte for byte, and so does the batch;
 #  - a refused or interrupted output keeps the old file and leaves no
 #    temporary file, and an interrupted batch stops;
+#  - workbooks and CSV into Chinese folders under an English code page, a
+#    settings file in GBK under a Chinese one, and settings in the registry
+#    where the program it replaces kept them (the login reaches a listener);
 #  - the desktop program starts on the demo ledger, opens each report window
-#    from the menu and closes (screenshots in OUT/screens).
-# Usage: wine-test.sh WINDOWS_DIR LINUX_BIN_DIR OUT_DIR
+#    from the menu and closes (screenshots in OUT/screens);
+#  - the installer installs, its programs start and run a statement, a later
+#    version replaces it, and its uninstall leaves nothing behind.
+# Usage: wine-test.sh WINDOWS_DIR LINUX_BIN_DIR OUT_DIR [MSI LATER_MSI]
 set -euo pipefail
-win="$1" linux="$2" out="$3"
+here="$(cd "$(dirname "$0")" && pwd)"
+win="$1" linux="$2" out="$3" msi="${4:-}" later_msi="${5:-}"
 mkdir -p "$out" "$out/screens"
 out="$(cd "$out" && pwd)"
 export WINEPREFIX="$out/prefix" WINEARCH=win64 WINEDEBUG=-all
 export SOURCE_DATE_EPOCH=1700000000 TZ=UTC
+# Wine takes its code page from the locale: 1252, an English Windows's,
+# unless a run names another.
+export LC_ALL=C.UTF-8
 failures=0
 pass() { echo "ok    $*"; }
 fail() { echo "FAIL  $*"; failures=$((failures + 1)); }
@@ -30,6 +39,18 @@ export DISPLAY=$display
 sleep 1
 [ -d "$WINEPREFIX/drive_c" ] || wineboot -i >/dev/null 2>&1
 statement() { wine "$win/yunqi-statement.exe" "$@"; }
+# Starts the desktop program PROGRAM; sets desktop (its pid) and main (its
+# main window, or empty when none came within a minute).
+start_desktop() {
+  wine "$1" >/dev/null 2>&1 &
+  desktop=$!
+  main=""
+  for _ in $(seq 60); do
+    main=$(xdotool search --name '^云栖账房报表$' 2>/dev/null | head -n 1 || true)
+    [ -n "$main" ] && break
+    sleep 1
+  done
+}
 temporaries() { (find "$1" -maxdepth 2 -name "$2" -type f 2>/dev/null || true) | wc -l; }
 # Runs the companion with ARGS in the background and sends it Ctrl+C (wine
 # hands SIGINT over as the console's event) once a temporary file NAME is in
@@ -157,19 +178,75 @@ else
   fail "Ctrl+C during the batch: writing $writing, status $status, $left temporary files, $written workbooks"
 fi
 
-echo "== the desktop program"
+echo "== Chinese paths, settings in GBK and in the registry"
+mkdir -p "$out/报表"
+rm -f "$out/报表"/*
+statement invoice --dept 01 --from 2024-01-01 --to 2024-12-31 --database "$(winpath "$db")" \
+  --quiet --csv "$(winpath "$out/报表/开票明细.csv")" --xlsx "$(winpath "$out/报表/开票明细.xlsx")"
+if cmp -s "$out/报表/开票明细.csv" "$out/invoice.linux.csv" &&
+   cmp -s "$out/报表/开票明细.xlsx" "$out/invoice.linux.xlsx"; then
+  pass "code page 1252: --csv and --xlsx into 报表\开票明细.*: equal to the Linux build's"
+else
+  fail "--csv/--xlsx into 报表\开票明细.*: $(ls "$out/报表")"
+fi
+rm -rf "$out/月末"
+statement batch --database "$(winpath "$db")" --month 2024-03 --out "$(winpath "$out/月末")" \
+  --jobs 2 --csv --quiet 2>/dev/null || true
+if diff -r -q -x summary.csv "$out/batch.linux" "$out/月末" >/dev/null; then
+  pass "batch --out 月末: every file equal ($(find "$out/月末" -type f | wc -l) files)"
+else
+  fail "batch --out 月末: differs from the Linux build's"
+fi
+
 appdata=$(wine cmd /c 'echo %APPDATA%' 2>/dev/null | tr -d '\r')
 config="$(winepath -u "$appdata" 2>/dev/null)/云栖账房"
-mkdir -p "$config"
+mkdir -p "$config" "$out/账房目录"
+cp "$db" "$out/账房目录/账房.sqlite"
+# As Notepad saves it on a Chinese Windows: GBK, no mark.
+printf '[DBConfig]\r\nDriver=SQLite\r\nDBname=%s\r\n' "$(winpath "$out/账房目录/账房.sqlite")" |
+  iconv -f UTF-8 -t GBK >"$config/云栖账房.ini"
+rm -f "$out/gbk.csv"
+status=0
+LC_ALL=zh_CN.UTF-8 statement invoice --dept 01 --from 2024-01-01 --to 2024-12-31 --quiet \
+  --csv "$(winpath "$out/gbk.csv")" 2>"$out/gbk.txt" || status=$?
+if [ $status -eq 0 ] && cmp -s "$out/gbk.csv" "$out/invoice.linux.csv"; then
+  pass "code page 936: a GBK settings file names the ledger in 账房目录\账房.sqlite"
+else
+  fail "GBK settings file: status $status: $(iconv -f GBK -t UTF-8 "$out/gbk.txt" 2>/dev/null | head -c 200)"
+fi
+
+# The settings of the program replaced: the registry first, the file above
+# left where it is.
+listener="$out/listener.txt"
+python3 "$here/../../tests/db/tds_listener.py" --reply close >"$listener" &
+tds=$!
+for _ in $(seq 50); do grep -q '^port ' "$listener" 2>/dev/null && break; sleep 0.1; done
+port=$(sed -n 's/^port //p' "$listener")
+{ printf '\xff\xfe'; printf '%s\r\n' 'Windows Registry Editor Version 5.00' '' \
+    '[HKEY_CURRENT_USER\Software\VB and VBA Program Settings\云栖账房\DBConfig]' \
+    '"Edition"="2000"' "\"Svr\"=\"127.0.0.1,$port\"" '"UID"="报表用户"' '"PWD"="p;w'"'"'d"' \
+    '"DBname"="账房"' '"Driver"="FreeTDS"' | iconv -f UTF-8 -t UTF-16LE; } >"$out/settings.reg"
+wine regedit /s "$(winpath "$out/settings.reg")" 2>/dev/null
+status=0
+statement invoice --dept 01 --from 2024-01-01 --to 2024-12-31 --quiet \
+  --csv "$(winpath "$out/registry.csv")" 2>"$out/registry.txt" || status=$?
+wait $tds || true
+login=$(grep '^{' "$listener" || true)
+logged_in() {
+  python3 -c 'import json, sys
+f = json.loads(sys.argv[1])
+sys.exit(not (f["user"] == "报表用户" and f["database"] == "账房"))' "$1" 2>/dev/null
+}
+if [ $status -eq 1 ] && logged_in "$login"; then
+  pass "settings in HKCU\Software\VB and VBA Program Settings\云栖账房\DBConfig: the login reached the server ($login)"
+else
+  fail "settings in the registry: status $status, login '$login': $(head -c 200 "$out/registry.txt")"
+fi
+wine reg delete 'HKCU\Software\VB and VBA Program Settings\云栖账房' /f >/dev/null 2>&1 || true
+
+echo "== the desktop program"
 printf '[DBConfig]\r\nDriver=SQLite\r\nDBname=%s\r\n' "$(winpath "$db")" >"$config/云栖账房.ini"
-wine "$win/yunqi-reports.exe" >/dev/null 2>&1 &
-desktop=$!
-main=""
-for _ in $(seq 60); do
-  main=$(xdotool search --name '^云栖账房报表$' 2>/dev/null | head -n 1 || true)
-  [ -n "$main" ] && break
-  sleep 1
-done
+start_desktop "$win/yunqi-reports.exe"
 if [ -z "$main" ]; then
   fail "yunqi-reports.exe: no main window"
 else
@@ -223,6 +300,59 @@ else
   status=0
   timeout 20 tail --pid=$desktop -f /dev/null || status=$?
   kill -0 $desktop 2>/dev/null && fail "退出系统 → 退出: still running" || pass "退出系统 → 退出: the program ended"
+fi
+
+if [ -n "$msi" ]; then
+  echo "== the installer"
+  folder="$WINEPREFIX/drive_c/Program Files/云栖账房报表"
+  uninstall_key='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall'
+  # reg writes a pipe in the console's code page: GBK for Chinese.
+  entries() { LC_ALL=zh_CN.UTF-8 wine reg query "$uninstall_key" /s 2>/dev/null | tr -d '\r' |
+                iconv -f GBK -t UTF-8; }
+  products() { entries | grep -a -c "DisplayName *REG_SZ *云栖账房报表$" || true; }
+  version_of() { entries | grep -a -A20 "DisplayName *REG_SZ *云栖账房报表$" |
+                   sed -n 's/.*DisplayVersion *REG_SZ *//p' | head -n 1; }
+  shortcuts() { find "$WINEPREFIX/drive_c" -name '云栖账房报表*.lnk' | wc -l; }
+  status=0
+  wine msiexec /i "$(winpath "$msi")" /qn || status=$?
+  if [ $status -eq 0 ] && [ -f "$folder/yunqi-reports.exe" ] && [ "$(products)" -eq 1 ] &&
+     [ "$(shortcuts)" -eq 2 ]; then
+    pass "msiexec /i: Program Files\云栖账房报表 ($(find "$folder" -type f | wc -l) files), 2 Start-menu entries, 云栖账房报表 $(version_of) in Apps & features"
+  else
+    fail "msiexec /i: status $status, $(products) products, $(shortcuts) shortcuts"
+  fi
+  rm -f "$out/installed.csv"
+  wine "$folder/yunqi-statement.exe" invoice --dept 01 --from 2024-01-01 --to 2024-12-31 \
+    --database "$(winpath "$db")" --quiet --csv "$(winpath "$out/installed.csv")" || true
+  cmp -s "$out/installed.csv" "$out/invoice.linux.csv" &&
+    pass "the installed yunqi-statement.exe: the invoice statement equals the Linux build's" ||
+    fail "the installed yunqi-statement.exe: no equal statement"
+  start_desktop "$folder/yunqi-reports.exe"
+  [ -n "$main" ] && pass "the installed yunqi-reports.exe: main window shown" ||
+    fail "the installed yunqi-reports.exe: no main window"
+  kill $desktop 2>/dev/null || true
+  wineserver -k 2>/dev/null || true
+  wait $desktop 2>/dev/null || true
+
+  status=0
+  wine msiexec /i "$(winpath "$later_msi")" /qn || status=$?
+  later=$(version_of)
+  if [ $status -eq 0 ] && [ "$(products)" -eq 1 ] && [ "$later" != "" ] &&
+     [ -f "$folder/yunqi-statement.exe" ]; then
+    pass "upgrade: $later replaced the installed version, one entry in Apps & features"
+  else
+    fail "upgrade: status $status, $(products) products, version '$later'"
+  fi
+  status=0
+  wine msiexec /x "$(winpath "$later_msi")" /qn || status=$?
+  left=$( (find "$folder" 2>/dev/null || true) | wc -l)
+  key=$(wine reg query 'HKLM\Software\yunqi-reports' >/dev/null 2>&1 && echo 1 || echo 0)
+  if [ $status -eq 0 ] && [ "$left" -eq 0 ] && [ "$(products)" -eq 0 ] && [ "$(shortcuts)" -eq 0 ] &&
+     [ "$key" -eq 0 ]; then
+    pass "msiexec /x: no file, folder, Start-menu entry, registry key or Apps & features entry left"
+  else
+    fail "msiexec /x: status $status, $left files and folders, $(products) products, $(shortcuts) shortcuts, key $key"
+  fi
 fi
 
 finished=true

@@ -86,6 +86,7 @@ QString StatementUsage(const QString& command) {
     }
     return usage + QStringLiteral(
                        "  yunqi-statement COMMAND --help\n"
+                       "  yunqi-statement help COMMAND\n"
                        "  yunqi-statement --help|--version\n");
 }
 

@@ -33,18 +33,6 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
     const std::vector<OutputOption> outputs{{QStringLiteral("--csv"), o.csv, Dash::IsStdout},
                                             {QStringLiteral("--xlsx"), o.xlsx},
                                             {QStringLiteral("--sql-log"), o.sqlLog}};
-    QStringList inputs{o.database};
-    if (o.database.isEmpty()) {
-        const DbSettings settings = ReadDbSettings();
-        if (settings.Driver.compare(QLatin1String("SQLite"), Qt::CaseInsensitive) == 0)
-            inputs << settings.DBname;
-    }
-    if (const auto clash = OutputClash(outputs, inputs)) {
-        SayOnStderr(*clash);
-        QTextStream(stderr) << StatementUsage(report.command);
-        return kStatementBadArguments;
-    }
-
     QString told;
     const auto tell = [&told](const RuntimeError& e) {
         const QString text = QStringLiteral("error ") + QString::number(e.number()) +
@@ -52,6 +40,23 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
         if (text != told) SayOnStderr(text);
         told = text;
     };
+    QStringList inputs{o.database};
+    if (o.database.isEmpty()) {
+        try {
+            const DbSettings settings = ReadDbSettings();
+            if (settings.Driver.compare(QLatin1String("SQLite"), Qt::CaseInsensitive) == 0)
+                inputs << settings.DBname;
+        } catch (const RuntimeError& e) {
+            tell(e);
+            return kStatementFailure;
+        }
+    }
+    if (const auto clash = OutputClash(outputs, inputs)) {
+        SayOnStderr(*clash);
+        QTextStream(stderr) << StatementUsage(report.command);
+        return kStatementBadArguments;
+    }
+
     // A read-only file or a missing folder is refused before any work.
     try {
         CheckOutputs(outputs);
@@ -67,6 +72,8 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
     } catch (const RuntimeError& e) {
         tell(e);
     }
+    // A department not in the list, dates out of order: the usage follows.
+    if (status == kStatementBadArguments) QTextStream(stderr) << StatementUsage(report.command);
     // The log is kept also when the run failed: it tells what was sent.
     try {
         log.Finish();

@@ -1,13 +1,23 @@
 #include "shell/Startup.h"
 
 #include "core/Dialogs.h"
+#include "core/MessageForms.h"
 #include "db/OpenDatabase.h"
 #include "db/SessionState.h"
 
 namespace yunqi {
 
 int Main(const std::function<void()>& showMainWindow) {
-    return StartUp(ReadDbSettings(), showMainWindow);
+    DbSettings settings;
+    try {
+        settings = ReadDbSettings();
+    } catch (const SettingsUnreadable& e) {
+        // Told as a failed connection is: without its settings the program
+        // cannot go on.
+        MessageForms::ShowStartup(e.description());
+        return 1;
+    }
+    return StartUp(settings, showMainWindow);
 }
 
 int StartUp(const DbSettings& settings, const std::function<void()>& showMainWindow) {

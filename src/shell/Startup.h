@@ -12,7 +12,8 @@ namespace yunqi {
 // loop). Command-line arguments play no part. Returns the process status: 0
 // once the main window is shown, 1 when the connection failed, after
 // "错误信息：" + the driver's description under "信息文本" and "数据库连接失败!"
-// under "连接提示".
+// under "连接提示". A settings file that cannot be read is told as
+// "错误信息：" + its name and the reason, under "信息文本", and gives 1.
 int Main(const std::function<void()>& showMainWindow);
 
 // The same steps on settings already read.

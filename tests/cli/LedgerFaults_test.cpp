@@ -148,6 +148,9 @@ TEST_F(LedgerFaults, ArgumentsAndEmptyWindowsHaveTheirStatus) {
         const ToolResult r = RunTool(c.args, {.workDir = dir.path()});
         EXPECT_EQ(r.status, c.status);
         EXPECT_TRUE(r.Err().contains(QString::fromUtf8(c.message))) << r.Err().toStdString();
+        // Every mistake in the arguments is followed by a usage.
+        EXPECT_EQ(r.Err().contains("\nusage:"), c.status == 2)
+            << r.Err().toStdString();
         EXPECT_TRUE(QDir(dir.path()).isEmpty());
     }
 }

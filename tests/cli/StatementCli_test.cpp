@@ -105,6 +105,7 @@ TEST(StatementCliTest, HelpAndVersionAnswerOnStandardOutput) {
     EXPECT_EQ(all.status, 0);
     EXPECT_TRUE(all.err.isEmpty());
     EXPECT_TRUE(all.out.startsWith("usage:\n"));
+    EXPECT_TRUE(all.out.contains("\n  yunqi-statement help COMMAND\n"));
     for (const QStringList& same : {QStringList{"-h"}, QStringList{"help"}})
         EXPECT_EQ(RunTool(same).out, all.out) << same.join(' ').toStdString();
     // No arguments: the same usage, as a mistake.

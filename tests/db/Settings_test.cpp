@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -86,5 +87,59 @@ TEST(SettingsTest, ValuesWrittenByQSettingsRoundTrip) {
         }
         QSettings store(file, QSettings::IniFormat);
         EXPECT_EQ(ReadDbSettings(store).PWD, v) << v.toStdString();
+    }
+}
+
+// Notepad's encodings: a byte-order mark decides; without one, text that is
+// valid UTF-8 is UTF-8 and anything else is in the system's ANSI code page.
+TEST(SettingsTest, TheFilesEncodingIsTakenFromItsBytes) {
+    const auto ansi = [](const QByteArray& bytes) { return "ANSI:" + QString::fromLatin1(bytes); };
+    const QString ledger = QString::fromUtf8("D:\\账房目录\\账房.sqlite");
+    const QByteArray utf16le(reinterpret_cast<const char*>(ledger.utf16()), ledger.size() * 2);
+    QByteArray utf16be;
+    for (const QChar c : ledger) utf16be += char(c.unicode() >> 8), utf16be += char(c.unicode());
+    struct Case {
+        const char* name;
+        QByteArray bytes;
+        QString text;
+    };
+    const Case cases[] = {
+        {"UTF-8 with its mark", "\xEF\xBB\xBF" + ledger.toUtf8(), ledger},
+        {"UTF-8 without a mark", ledger.toUtf8(), ledger},
+        {"UTF-16 little-endian (Notepad's Unicode)", "\xFF\xFE" + utf16le, ledger},
+        {"UTF-16 big-endian", "\xFE\xFF" + utf16be, ledger},
+        {"ASCII", "Svr=host,1433", "Svr=host,1433"},
+        // 账房 in GBK: not UTF-8.
+        {"GBK", "DBname=\xD5\xCB\xB7\xBF", QString::fromLatin1("ANSI:DBname=\xD5\xCB\xB7\xBF")},
+        {"a cut UTF-8 sequence", "x\xE8\xB4", QString::fromLatin1("ANSI:x\xE8\xB4")},
+    };
+    for (const Case& c : cases) EXPECT_EQ(DecodeSettingsText(c.bytes, +ansi), c.text) << c.name;
+}
+
+// A settings file that is there and can't be read stops the reading with its
+// name and the reason, rather than giving empty settings.
+TEST(SettingsTest, AnUnreadableFileIsNamed) {
+    QTemporaryDir dir;
+    const QString folder = dir.filePath("folder.ini");
+    ASSERT_TRUE(QDir().mkdir(folder));
+    const QString locked = dir.filePath("locked.ini");
+    {
+        QFile f(locked);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("[DBConfig]\nSvr=host\n");
+    }
+    QFile::setPermissions(locked, QFileDevice::Permissions());
+    const bool lockedOut = !QFile(locked).open(QIODevice::ReadOnly);  // root reads anyway
+    for (const QString& file : {folder, locked}) {
+        if (file == locked && !lockedOut) continue;
+        QSettings store(file, QSettings::IniFormat);
+        try {
+            ReadDbSettings(store);
+            ADD_FAILURE() << "read " << file.toStdString();
+        } catch (const SettingsUnreadable& e) {
+            EXPECT_EQ(e.number(), 75);
+            EXPECT_TRUE(e.description().startsWith("Path/File access error: " + file + ": "))
+                << e.description().toStdString();
+        }
     }
 }

@@ -1,8 +1,11 @@
 #include "frame/widgets/WidgetDialogs.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
+#include <QStandardPaths>
 #include <QTextStream>
 #include <memory>
 
@@ -70,10 +73,21 @@ std::optional<QString> WidgetDialogs::SaveFileName(const QString& defaultName,
     const QStringList parts = filter.split(QLatin1Char('|'));
     QStringList filters;
     for (int i = 0; i + 1 < parts.size(); i += 2) filters << parts[i] + " (" + parts[i + 1] + ")";
+    // The operator's documents, then the folder last chosen; never the
+    // folder the program runs in, whose name may hold a dot that the file
+    // name rule cuts at.
+    static QString lastFolder;
+    QString folder = lastFolder;
+    if (folder.isEmpty() || !QDir(folder).exists())
+        folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (!QDir(folder).exists()) folder = QDir::homePath();
+    const QString start =
+        QDir::isAbsolutePath(defaultName) ? defaultName : QDir(folder).filePath(defaultName);
     const QString chosen = QFileDialog::getSaveFileName(
-        parent_ ? parent_ : QApplication::activeWindow(), QString(), defaultName,
+        parent_ ? parent_ : QApplication::activeWindow(), QString(), start,
         filters.join(QStringLiteral(";;")), nullptr, QFileDialog::DontConfirmOverwrite);
     if (chosen.isEmpty()) return std::nullopt;
+    lastFolder = QFileInfo(chosen).absolutePath();
     return chosen;
 }
 

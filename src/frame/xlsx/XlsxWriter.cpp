@@ -87,6 +87,16 @@ class Formats {
     std::map<int, lxw_format*> made_;
 };
 
+// A name as the library opens it: on Windows it is built to take UTF-8 and
+// open it through the wide calls, as the ANSI code page may not spell it.
+QByteArray LibraryName(const QString& path) {
+#ifdef Q_OS_WIN
+    return QDir::toNativeSeparators(path).toUtf8();
+#else
+    return QFile::encodeName(path);
+#endif
+}
+
 }  // namespace
 
 struct XlsxWriter::State {
@@ -108,9 +118,9 @@ struct XlsxWriter::State {
 };
 
 XlsxWriter::XlsxWriter(const QString& path) : d_(std::make_unique<State>(path)) {
-    const QByteArray tempName = QFile::encodeName(d_->out.StagingPath());
+    const QByteArray tempName = LibraryName(d_->out.StagingPath());
     // The library's temporary parts go where the system's temporary files go.
-    d_->tmpdir = QFile::encodeName(QDir::tempPath());
+    d_->tmpdir = LibraryName(QDir::tempPath());
     lxw_workbook_options options{};
     options.constant_memory = LXW_TRUE;
     // (The library's default, tmpfile(3), ignores $TMPDIR.)

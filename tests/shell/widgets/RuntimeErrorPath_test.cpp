@@ -110,3 +110,23 @@ TEST(RuntimeErrorPathTest, AFailedStartUpOffscreenSaysWhyAndEnds) {
         EXPECT_GT(err.indexOf("连接提示: 数据库连接失败!"), first) << err.toStdString();
     }
 }
+
+// A settings file the program can't read is named in the start-up form, and
+// the program ends instead of trying a server with empty settings.
+TEST(RuntimeErrorPathTest, AnUnreadableSettingsFileIsNamed) {
+    QTemporaryDir config;
+    const QString ini = config.filePath("云栖账房/云栖账房.ini");
+    ASSERT_TRUE(QDir(config.path()).mkpath("云栖账房/云栖账房.ini"));
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("XDG_CONFIG_HOME", config.path());
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    QProcess p;
+    p.setProcessEnvironment(env);
+    p.start(QStringLiteral(YUNQI_BIN_DIR "/yunqi-reports"), {});
+    ASSERT_TRUE(p.waitForFinished(30000)) << "the program waits on a box nobody can see";
+    const QString err = QString::fromUtf8(p.readAllStandardError());
+    EXPECT_EQ(p.exitCode(), 1) << err.toStdString();
+    EXPECT_TRUE(err.contains("信息文本: 错误信息：Path/File access error: " + ini + ": "))
+        << err.toStdString();
+    EXPECT_FALSE(err.contains("数据库连接失败")) << err.toStdString();
+}
