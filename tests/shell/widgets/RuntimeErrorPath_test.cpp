@@ -126,7 +126,7 @@ TEST(RuntimeErrorPathTest, AnUnreadableSettingsFileIsNamed) {
     ASSERT_TRUE(p.waitForFinished(30000)) << "the program waits on a box nobody can see";
     const QString err = QString::fromUtf8(p.readAllStandardError());
     EXPECT_EQ(p.exitCode(), 1) << err.toStdString();
-    EXPECT_TRUE(err.contains("信息文本: 错误信息：Path/File access error: " + ini + ": "))
+    EXPECT_TRUE(err.contains("信息文本: 错误信息：路径/文件访问错误: " + ini + ": "))
         << err.toStdString();
     EXPECT_FALSE(err.contains("数据库连接失败")) << err.toStdString();
 }
