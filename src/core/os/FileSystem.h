@@ -80,6 +80,18 @@ Error Rename(const QString& from, const QString& to);
 void SyncFolder(const QString& folder);
 bool Remove(const QString& path);
 
+// ---- Folders ----------------------------------------------------------------
+//
+// A new folder with the usual permissions; an existing one is an error.
+Error MakeFolder(const QString& path);
+// The two folders trade places in one step. Where the system or the file
+// system has no such step, an error and nothing moved.
+Error ExchangeFolders(const QString& a, const QString& b);
+// A folder locked for this process while the handle is open (Close() it),
+// let go however the process ends; kNoHandle when another process holds it,
+// or where the system has no such lock.
+Handle LockFolder(const QString& path);
+
 // ---- The end of the process -------------------------------------------------
 //
 // A name in the form the system takes it, copied to the heap (free with

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -181,6 +182,34 @@ void SyncFolder(const QString& folder) {
 }
 
 bool Remove(const QString& path) { return ::unlink(Native(path).constData()) == 0; }
+
+// ---- Folders ----------------------------------------------------------------
+
+Error MakeFolder(const QString& path) {
+    return ::mkdir(Native(path).constData(), 0777) == 0 ? 0 : LastError();
+}
+
+Error ExchangeFolders(const QString& a, const QString& b) {
+#ifdef RENAME_EXCHANGE
+    return ::renameat2(AT_FDCWD, Native(a).constData(), AT_FDCWD, Native(b).constData(),
+                       RENAME_EXCHANGE) == 0
+               ? 0
+               : LastError();
+#else
+    (void)a;
+    (void)b;
+    return ENOSYS;
+#endif
+}
+
+Handle LockFolder(const QString& path) {
+    // Not inherited: a companion must not keep its batch's folder locked.
+    const int fd = ::open(Native(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return kNoHandle;
+    if (::flock(fd, LOCK_EX | LOCK_NB) == 0) return fd;
+    ::close(fd);
+    return kNoHandle;
+}
 
 // ---- The end of the process -------------------------------------------------
 
