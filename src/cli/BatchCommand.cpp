@@ -70,7 +70,8 @@ int RunBatch(const QStringList& args) {
         Trapped trapped;
         entries = Conditions::LoadDepartments(*session, &trapped);
         if (trapped) throw *trapped;
-    } catch (const RuntimeError& e) {
+    } catch (const RuntimeError& error) {
+        const RuntimeError e = WithLedgerCause(error, o.database);
         BatchSay(QStringLiteral("error ") + QString::number(e.number()) + QStringLiteral(": ") +
                  e.description());
         return kSomeFailed;

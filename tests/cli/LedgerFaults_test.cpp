@@ -3,6 +3,7 @@
 // routine's error trap has shown; exit 2 is for bad
 // arguments only; exit 3 for nothing to show. No output is made on any.
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/stat.h>
 
 #include <QSqlDatabase>
@@ -104,6 +105,35 @@ TEST_F(LedgerFaults, EachBadLedgerIsADatabaseFailureWithTheDriversMessage) {
         EXPECT_FALSE(QFile::exists(dir.filePath("out.csv")));
         EXPECT_EQ(QFile::exists(file), shape.name != std::string("missing"));
         if (regular) EXPECT_EQ(ReadAll(file), bytes);
+    }
+}
+
+// A user who may only read the ledger: what would make the engine write to
+// it is told, not only the engine's "readonly database".
+TEST_F(LedgerFaults, WhatMakesTheEngineWriteToAReadOnlyLedgerIsTold) {
+    const struct passwd* nobody = ::getpwnam("nobody");
+    if (::geteuid() != 0 || !nobody) GTEST_SKIP() << "running as user nobody needs root";
+    struct Shape {
+        const char* name;
+        const char* sql;  // run as the owner, who may write
+        const char* cause;
+    };
+    const Shape shapes[] = {
+        {"a WAL ledger in a closed folder", "PRAGMA journal_mode=WAL",
+         "the ledger is in WAL mode, which needs its -wal and -shm files in "},
+        {"a journal left by a stopped writer", nullptr, "-journal was left by a writer that was stopped"},
+    };
+    ASSERT_EQ(::chmod(QFile::encodeName(dir.path()).constData(), 0755), 0);
+    for (const Shape& shape : shapes) {
+        SCOPED_TRACE(shape.name);
+        const QString file = Copy(shape.name);
+        if (shape.sql) Sql(file, {shape.sql});
+        else WriteAll(file + "-journal", QByteArray(4096, 'j'));  // any bytes make it hot
+        for (const QString& f : {file, file + "-journal"}) ::chmod(QFile::encodeName(f).constData(), 0644);
+        const ToolResult r = RunTool(Invoice({"--csv", "/dev/null"}, file), {.user = nobody});
+        if (r.status == 126) GTEST_SKIP() << "this system does not let root become nobody";
+        EXPECT_EQ(r.status, 1);
+        EXPECT_TRUE(r.Err().contains(shape.cause)) << r.Err().toStdString();
     }
 }
 
