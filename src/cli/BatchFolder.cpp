@@ -72,7 +72,9 @@ QString Move(const QString& from, const QString& to, const QString& name) {
 }  // namespace
 
 QString ForeignFolderProblem(const QString& out, bool force) {
-    if (!QFileInfo(out).isDir() || force || HoldsOnlyBatchFiles(out)) return QString();
+    const QFileInfo folder(out);
+    if (folder.exists() && !folder.isDir()) return out + QStringLiteral(" is not a folder");
+    if (!folder.exists() || force || HoldsOnlyBatchFiles(out)) return QString();
     return out + QStringLiteral(" holds files of something else; --force to write into it anyway");
 }
 
@@ -95,7 +97,10 @@ QString FileNameOfCode(const QString& code) {
 
 // ---- BatchStaging ---------------------------------------------------------------
 
-BatchStaging::BatchStaging(const QString& out) : out_(out) {}
+// A link to a folder: the folder itself is traded, the link stays.
+BatchStaging::BatchStaging(const QString& out)
+    : out_(QFileInfo(out).isSymLink() && QFileInfo(out).isDir() ? QFileInfo(out).canonicalFilePath()
+                                                                 : out) {}
 
 BatchStaging::~BatchStaging() {
     if (!path_.isEmpty()) QDir(path_).removeRecursively();

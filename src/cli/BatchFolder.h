@@ -8,7 +8,8 @@ namespace yunqi {
 
 // The output folder of a batch. One that holds anything but the files of a
 // batch (summary.csv, mismatches.csv, and per department folder the reports'
-// workbooks and CSV files) is refused unless forced: the problem, else an empty text.
+// workbooks and CSV files) is refused unless forced, one that is no folder
+// always: the problem, else an empty text.
 // Messages name the folder as typed.
 QString ForeignFolderProblem(const QString& out, bool force);
 

@@ -5,10 +5,10 @@
 
 namespace yunqi {
 
-// While it lives, a request to stop the process (SIGINT, SIGTERM, SIGHUP;
-// on Windows Ctrl+C, Ctrl+Break and the console closing) is kept instead of
-// ending the process: the event loop calls the handler, and Requested() tells
-// it also before the event loop has seen it.
+// While it lives, a request to stop the process (SIGINT, SIGTERM, SIGHUP,
+// SIGPIPE; on Windows Ctrl+C, Ctrl+Break and the console closing) is kept
+// instead of ending the process: the event loop calls the handler, and
+// Requested() tells it also before the event loop has seen it.
 class InterruptWatch {
   public:
     InterruptWatch();

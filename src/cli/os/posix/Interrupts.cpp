@@ -20,7 +20,9 @@ void OnSignal(int signal) {
     errno = saved;
 }
 
-constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+// SIGPIPE: a reader of the progress that went away stops the batch as an
+// interrupt does.
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 
 }  // namespace
 
