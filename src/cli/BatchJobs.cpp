@@ -51,7 +51,11 @@ QString FailureMessage(const QByteArray& err, int code, QProcess::ExitStatus how
 }
 
 bool EndedByInterrupt(int code, QProcess::ExitStatus how) {
-    return how == QProcess::CrashExit && (code == SIGINT || code == SIGTERM || code == SIGHUP);
+    if (how != QProcess::CrashExit) return false;
+#ifdef SIGHUP
+    if (code == SIGHUP) return true;
+#endif
+    return code == SIGINT || code == SIGTERM;
 }
 
 }  // namespace
