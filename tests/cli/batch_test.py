@@ -238,7 +238,7 @@ class Batch(unittest.TestCase):
                              stderr=subprocess.PIPE, text=True, env=ENV, start_new_session=True)
         p.stderr.readline()
         os.killpg(p.pid, signal.SIGINT)
-        err = p.communicate(timeout=60)[1]
+        err = p.communicate(timeout=300)[1]
         self.assertEqual(p.returncode, 130)
         self.assertIsNone(re.search(r"batch: \S+ \w+: ", err), err)  # no failed statement
         self.assertFalse(os.path.exists(out))
@@ -256,7 +256,7 @@ class Batch(unittest.TestCase):
             companions = children(p.pid)
             self.assertTrue(companions, sig)
             p.send_signal(sig)
-            p.communicate(timeout=60)
+            p.communicate(timeout=300)
             self.assertEqual(p.returncode, 130 if sig != signal.SIGKILL else -sig)
             # The companions end with their batch, and write nothing into the folder.
             for _ in range(200):
@@ -301,7 +301,7 @@ class Batch(unittest.TestCase):
                              stderr=subprocess.PIPE, env=ENV)
         p.stderr.readline()  # once the first statement is done: others are still running
         p.send_signal(signal.SIGINT)
-        p.communicate(timeout=60)
+        p.communicate(timeout=300)
         self.assertEqual(p.returncode, 130)
         left = [f for _, _, files in os.walk(out) for f in files
                 if f.startswith(".") or ".part" in f or f.count(".") > 1]

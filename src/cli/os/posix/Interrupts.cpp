@@ -1,5 +1,6 @@
 #include "cli/os/Interrupts.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -32,16 +33,18 @@ struct InterruptWatch::State {
     std::function<void()> handler;
     bool requested = false;
 
+    // Also from Requested(): the notifier may then find the byte gone.
     void Take() {
         char byte;
-        [[maybe_unused]] const auto n = ::read(signalPipe[0], &byte, 1);
+        if (::read(signalPipe[0], &byte, 1) != 1) return;
         requested = true;
         if (handler) handler();
     }
 };
 
 InterruptWatch::InterruptWatch() : d_(new State) {
-    if (signalPipe[0] < 0 && ::pipe(signalPipe) != 0) return;
+    // Never blocks; not inherited by the companions.
+    if (signalPipe[0] < 0 && ::pipe2(signalPipe, O_NONBLOCK | O_CLOEXEC) != 0) return;
     struct sigaction action = {};
     action.sa_handler = OnSignal;
     sigemptyset(&action.sa_mask);
