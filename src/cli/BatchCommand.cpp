@@ -13,6 +13,8 @@
 #include "cli/BatchSummary.h"
 #include "cli/StatementCli.h"
 #include "cli/StatementSession.h"
+#include "cli/os/Companions.h"
+#include "cli/os/Interrupts.h"
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
 #include "frame/Conditions.h"
@@ -25,6 +27,32 @@ constexpr int kDone = 0, kSomeFailed = 1, kInterrupted = 130;
 
 int BadArguments(const QString& problem) {
     return CommandArgumentError(QStringLiteral("batch"), problem);
+}
+
+// As many companions at a time as asked, or as the limit of open files allows.
+int CompanionsAtOnce(const BatchOptions& o) {
+    long limit = 0;
+    const int allowed = CompanionsTheFileLimitAllows(&limit);
+    if (o.jobs <= allowed) return o.jobs;
+    if (!o.quiet)
+        BatchSay(QStringLiteral("%1 statements at a time, not %2: the limit of open files is %3")
+                     .arg(allowed)
+                     .arg(o.jobs)
+                     .arg(limit));
+    return allowed;
+}
+
+// A department folder that can't be made fails its statements, not the batch.
+void MakeDepartmentFolders(const BatchStaging& staging, BatchPlan& plan) {
+    for (const QString& folder : plan.folders) {
+        const QString problem = staging.MakeFolder(folder);
+        if (problem.isEmpty()) continue;
+        for (BatchJob& job : plan.jobs)
+            if (job.relativeFile.section(QLatin1Char('/'), 0, 0) == folder) {
+                job.status = BatchJob::Status::Failed;
+                job.message = problem;
+            }
+    }
 }
 
 }  // namespace
@@ -42,7 +70,8 @@ int RunBatch(const QStringList& args) {
         Trapped trapped;
         entries = Conditions::LoadDepartments(*session, &trapped);
         if (trapped) throw *trapped;
-    } catch (const RuntimeError& e) {
+    } catch (const RuntimeError& error) {
+        const RuntimeError e = WithLedgerCause(error, o.database);
         BatchSay(QStringLiteral("error ") + QString::number(e.number()) + QStringLiteral(": ") +
                  e.description());
         return kSomeFailed;
@@ -51,26 +80,45 @@ int RunBatch(const QStringList& args) {
     if (problem = ForeignFolderProblem(o.out, o.force); !problem.isEmpty())
         return BadArguments(problem);
 
-    BatchPlan plan = PlanBatch(o, entries);
-    if (!MakeBatchFolders(o.out, plan.folders)) return kSomeFailed;
+    // From here on an interrupt removes what the batch made, and the output
+    // folder stays as it was.
+    InterruptWatch watch;
+    BatchStaging staging(o.out);
+    if (!staging.Make()) return kSomeFailed;
+    BatchOptions staged = o;
+    staged.out = staging.Path();
+    BatchPlan plan = PlanBatch(staged, entries);
+    MakeDepartmentFolders(staging, plan);
 
     BatchProgress progress(int(plan.jobs.size()), o.quiet);
-    const bool completed =
-        RunBatchJobs(plan.jobs, o.jobs, QCoreApplication::applicationFilePath(),
-                     [&progress](const BatchJob& job, int done) { progress.Finished(job, done); });
-    if (!completed) {
+    for (std::size_t i = 0, done = 0; i < plan.jobs.size(); ++i)
+        if (plan.jobs[i].status == BatchJob::Status::Failed)
+            progress.Finished(plan.jobs[i], int(++done));
+    const bool completed = RunBatchJobs(
+        plan.jobs, CompanionsAtOnce(o), QCoreApplication::applicationFilePath(),
+        [&](BatchJob& job, int done) {
+            job.message = staging.AsOutput(job.message);
+            progress.Finished(job, done);
+        },
+        watch);
+    if (!completed || watch.Requested()) {
         progress.Interrupted();
         return kInterrupted;
     }
     try {
-        WriteOutputFile(QDir(o.out).filePath(QStringLiteral("summary.csv")),
+        WriteOutputFile(QDir(staging.Path()).filePath(QStringLiteral("summary.csv")),
                         BatchSummary(plan.jobs).toUtf8());
-        WriteOutputFile(QDir(o.out).filePath(QStringLiteral("mismatches.csv")),
+        WriteOutputFile(QDir(staging.Path()).filePath(QStringLiteral("mismatches.csv")),
                         MismatchesCsv(plan.jobs).toUtf8());
     } catch (const RuntimeError& e) {
-        BatchSay(e.description());
+        BatchSay(staging.AsOutput(e.description()));
         return kSomeFailed;
     }
+    if (watch.Requested()) {
+        progress.Interrupted();
+        return kInterrupted;
+    }
+    if (!staging.SwapIn()) return kSomeFailed;
     // The batch's verdict on the books; --quiet keeps it for when some disagree.
     const int disagreeing = DepartmentsNotReconciled(plan.jobs);
     if (disagreeing > 0 || !o.quiet)

@@ -5,6 +5,8 @@
 #include <functional>
 #include <vector>
 
+#include "cli/os/Interrupts.h"
+
 namespace yunqi {
 
 // One statement of a batch: the companion run as a process of its own, so
@@ -31,11 +33,15 @@ struct BatchJob {
 // "ok", "empty" or "failed", as the summary and the progress say it.
 QString StatusText(BatchJob::Status status);
 
-// Runs the jobs, at most `parallel` at a time, and reports each finished one.
-// Returns false when interrupted (SIGINT, SIGTERM, SIGHUP): the running
-// companions are stopped, and they remove their temporary files themselves.
+// Runs the pending jobs, at most `parallel` at a time, and reports each finished one.
+// A companion that cannot start is run when another has ended, with fewer at
+// a time, or fails its statement when none is running. Returns false when
+// interrupted (the watch's request): the running companions are stopped, and
+// they remove their temporary files themselves; one that the same request
+// ended is not a failed statement.
 bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& program,
-                  const std::function<void(const BatchJob&, int done)>& finished);
+                  const std::function<void(BatchJob&, int done)>& finished,
+                  InterruptWatch& watch);
 
 // Body records of a CSV text (RFC 4180: a quoted field may hold line ends).
 int CsvRecords(const QByteArray& csv);

@@ -6,6 +6,7 @@
 
 #include "cli/StatementOptions.h"
 #include "frame/Conditions.h"
+#include "frame/SplitRatios.h"
 #include "reports/Reports.h"
 
 namespace yunqi {
@@ -69,8 +70,19 @@ std::optional<BatchOptions> ParseBatchOptions(const QStringList& args, QString& 
     o.depts = parsed.Values(QStringLiteral("--dept"));
     o.reports = parsed.Values(QStringLiteral("--report"));
     o.ratios = parsed.Values(QStringLiteral("--ratio"));
-    // The statements would refuse a second ratio of an item, each of them.
-    if (!ReadRatios(o.ratios, problem)) return std::nullopt;
+    // The statements would refuse a second ratio of an item, or shares that
+    // miss 100, each of them: refused before any work instead.
+    const auto ratios = ReadRatios(o.ratios, problem);
+    if (!ratios) return std::nullopt;
+    for (const RatioOption& r : *ratios) {
+        FlexGrid grid = SplitRatios::NewGrid();
+        grid.SetRows(2);
+        SplitRatios::SetShares(grid, 1, r.developer, r.property);
+        if (!SplitRatios::SumIsHundred(grid, 1)) {
+            problem = SplitRatios::SumMessage();
+            return std::nullopt;
+        }
+    }
     o.csv = parsed.Has(QStringLiteral("--csv"));
     o.jobs = parsed.Has(QStringLiteral("--jobs")) ? parsed.Value(QStringLiteral("--jobs")).toInt()
                                                   : std::max(1, QThread::idealThreadCount());

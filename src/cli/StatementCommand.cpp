@@ -7,6 +7,7 @@
 
 #include "cli/GridCsv.h"
 #include "cli/StatementCli.h"
+#include "cli/StatementSession.h"
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
 #include "db/Settings.h"
@@ -34,7 +35,8 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
                                             {QStringLiteral("--xlsx"), o.xlsx},
                                             {QStringLiteral("--sql-log"), o.sqlLog}};
     QString told;
-    const auto tell = [&told](const RuntimeError& e) {
+    const auto tell = [&told, &inputs](const RuntimeError& error) {
+        const RuntimeError e = WithLedgerCause(error, inputs.last());
         const QString text = QStringLiteral("error ") + QString::number(e.number()) +
                              QStringLiteral(": ") + e.description();
         if (text != told) SayOnStderr(text);

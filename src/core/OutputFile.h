@@ -11,15 +11,17 @@ namespace yunqi {
 // A regular file, or a name not taken yet, is written under a temporary name
 // beside it (".NAME.XXXXXX", the target's permissions) and renamed over it
 // only after every write, the flush to disk and the close succeeded; a symbolic
-// link is followed, so the link stays and its file is replaced. A target that
-// exists and is not a regular file (a device such as /dev/null or /dev/full, a
-// FIFO, a terminal, /dev/stdout and the other /dev/fd and /proc/.../fd names)
-// is written in place and never replaced.
+// link is followed, so the link stays and its file is replaced (or made, for a
+// link to a file not made yet). A target that exists and is not a regular file
+// (a device such as /dev/null or /dev/full, a FIFO, a terminal, /dev/stdout and
+// the other /dev/fd and /proc/.../fd names) is written in place and never
+// replaced.
 //
 // Every failure throws RuntimeError 75 (76 when the folder is missing) whose
 // description names the target and gives the system's reason. The old file is
 // then as it was, and no temporary file is left: the destructors remove them,
-// and once InstallOutputCleanup() ran so do SIGINT, SIGTERM, SIGHUP and SIGPIPE.
+// and once InstallOutputCleanup() ran so do SIGINT, SIGTERM, SIGHUP, SIGPIPE
+// and SIGABRT.
 
 // What "-" names: standard output (`--csv -`), or a file called "-".
 enum class Dash { IsStdout, IsFileName };
@@ -85,7 +87,7 @@ class StagedOutput {
 void WriteOutputFile(const QString& path, const QByteArray& bytes, Dash dash = Dash::IsFileName);
 
 // Once per process, from main: the temporary files still registered are
-// removed when SIGINT, SIGTERM, SIGHUP or SIGPIPE ends the process (a signal
+// removed when SIGINT, SIGTERM, SIGHUP, SIGPIPE or SIGABRT ends the process (a signal
 // ignored at start stays ignored), and SIGXFSZ is ignored, so that a file-size
 // limit fails the write, which is told, instead of ending the process silently.
 // A temporary file is registered before any of these signals can act on it,

@@ -21,7 +21,22 @@ struct Digits15 {
     int exponent = 0;
 };
 
+// Beyond 15 digits before the point "0.00" would make up the digits that
+// follow, and the workbook and the CSV would disagree on them; an infinity or
+// NaN has no digits at all.
+constexpr double kBeyondExact = 1e15;
+
+void Unformattable(double value) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.15g", value);
+    throw RuntimeError(ErrorCode::Overflow,
+                       QString::fromLatin1(text) +
+                           QStringLiteral(" has more than the 15 digits before the point that "
+                                          "the number forms hold"));
+}
+
 Digits15 Decompose(double magnitude) {
+    if (!std::isfinite(magnitude)) Unformattable(magnitude);
     char buf[40];
     std::snprintf(buf, sizeof buf, "%.14e", magnitude);
     Digits15 d;
@@ -43,6 +58,7 @@ char DigitAt(const Digits15& d, int place) {
 // The "0.00" text in Latin-1, sign included.
 std::string Fixed2(double value) {
     if (value == 0) return "0.00";
+    if (!(std::fabs(value) < kBeyondExact)) Unformattable(value);
     Digits15 d = Decompose(std::fabs(value));
     // Integer part digits, then two decimals, then the rounding digit.
     std::string out;
@@ -69,6 +85,14 @@ std::string Fixed2(double value) {
 }
 
 }  // namespace
+
+RuntimeError NamingTheValue(const RuntimeError& error, const QString& holder) {
+    if (error.number() != RuntimeError::Overflow().number()) return error;
+    const QString head = RuntimeError::Overflow().description() + QStringLiteral(": ");
+    QString detail = error.description();
+    if (detail.startsWith(head)) detail.remove(0, head.size());
+    return RuntimeError(ErrorCode::Overflow, holder + QStringLiteral(": ") + detail);
+}
 
 QString Format0_00(double value) {
     const std::string text = Fixed2(value);

@@ -4,11 +4,20 @@
 #include <QString>
 #include <QVariant>
 
+#include "core/RuntimeError.h"
+
 namespace yunqi {
 
 // The value rules every statement shares: number and date formats, the
 // numeric value of a text, rounding. One place, so no report rounds its own way.
 namespace ValueRules {
+
+// An infinity or NaN raises Overflow in every number form below, naming it;
+// so does a value of more than 15 digits before the point in "0.00".
+
+// The Overflow of a number form told with what held the value ("票据编号
+// 0001"); any other error as it was.
+RuntimeError NamingTheValue(const RuntimeError& error, const QString& holder);
 
 // "0.00": the value's 15-significant-digit decimal form rounded half away from
 // zero; a negative that rounds to zero keeps its sign ("-0.00").

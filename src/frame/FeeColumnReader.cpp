@@ -1,5 +1,6 @@
 #include "frame/FeeColumnReader.h"
 
+#include "core/RuntimeError.h"
 #include "core/ValueRules.h"
 
 namespace yunqi {
@@ -10,9 +11,22 @@ FeeColumnReader::FeeColumnReader(const Recordset& rs, int base, int count) : bas
     isDeveloper_.resize(count + 1, 0);
     for (int j = 1; j <= count; ++j)
         isDeveloper_[j] = rs.FieldName(base + j).contains(QStringLiteral("KFS"));
+    for (int i = 0; i < rs.FieldCount() && ticket_ < 0; ++i)
+        if (rs.FieldName(i).compare(QStringLiteral("票据编号"), Qt::CaseInsensitive) == 0) ticket_ = i;
 }
 
 void FeeColumnReader::Read(const Recordset& rs, std::span<double> amounts) const {
+    try {
+        ReadAmounts(rs, amounts);
+    } catch (const RuntimeError& e) {
+        // An amount the number forms can't hold: the ticket that has it.
+        if (ticket_ < 0) throw;
+        throw ValueRules::NamingTheValue(
+            e, QStringLiteral("票据编号 ") + ValueRules::TextOrEmpty(rs.Value(ticket_)));
+    }
+}
+
+void FeeColumnReader::ReadAmounts(const Recordset& rs, std::span<double> amounts) const {
     for (int j = 1; j <= Count(); ++j) {
         const int pos = base_ + j;
         double& amount = amounts[j - 1];

@@ -19,13 +19,17 @@ public:
     FeeColumnReader(const Recordset& rs, int base, int count);
 
     int Count() const { return int(isDeveloper_.size()) - 1; }
-    // The current record's amounts: amounts[j - 1] for money column j.
+    // The current record's amounts: amounts[j - 1] for money column j. An
+    // amount beyond the number forms raises Overflow naming its ticket.
     void Read(const Recordset& rs, std::span<double> amounts) const;
     // The sum of a row's money columns, in column order.
     static double Total(const DetailRows& rows, int r);
 
 private:
+    void ReadAmounts(const Recordset& rs, std::span<double> amounts) const;
+
     int base_;
+    int ticket_ = -1;  // 票据编号, when the result has it
     std::vector<char> isDeveloper_;
 };
 

@@ -1,5 +1,6 @@
 #include "frame/FeeItemReader.h"
 
+#include "core/RuntimeError.h"
 #include "core/ValueRules.h"
 #include "frame/FeeSql.h"
 #include "frame/SplitRatios.h"
@@ -24,7 +25,13 @@ void ReadFeeItems(Recordset& rs, FeeItemList& items) {
         if (!rs.IsNull(fCode)) item.ItemCode = '\'' + TextOf(rs.Value(fCode)) + '\'';
         item.ItemName = AliasSafeName(TextOrEmpty(rs.Value(fName)));
         item.Category = TextOrEmpty(rs.Value(fCategory));
-        item.TaxRate = rs.IsNull(fRate) ? 0 : Round2(NumberOf(rs.Value(fRate)));
+        try {
+            item.TaxRate = rs.IsNull(fRate) ? 0 : Round2(NumberOf(rs.Value(fRate)));
+        } catch (const RuntimeError& e) {
+            // A rate beyond the number forms: the item that has it.
+            throw NamingTheValue(e, QStringLiteral("收费项目代号 ") + item.ItemCode +
+                                        QStringLiteral(" 税率"));
+        }
         if (!item.ItemName.isEmpty()) item.TaxAlias = item.ItemName + QStringLiteral("税额");
         items.push_back(std::move(item));
     }

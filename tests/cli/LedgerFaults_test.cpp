@@ -3,6 +3,8 @@
 // routine's error trap has shown; exit 2 is for bad
 // arguments only; exit 3 for nothing to show. No output is made on any.
 #include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/stat.h>
 
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -59,6 +61,23 @@ TEST_F(LedgerFaults, EachBadLedgerIsADatabaseFailureWithTheDriversMessage) {
         {"missing ticket types", [](const QString& f) { Sql(f, {"DROP TABLE 票据类型"}); },
          "no such table: 票据类型"},
         {"missing", [](const QString& f) { QFile::remove(f); }, "error 53: File not found"},
+        // The engine would open these as new, empty databases: told what they are.
+        {"a folder", [](const QString& f) { QFile::remove(f), QDir().mkdir(f); }, ": is a folder"},
+        {"a FIFO",
+         [](const QString& f) { QFile::remove(f), ::mkfifo(QFile::encodeName(f).constData(), 0600); },
+         ": is not a regular file"},
+        // Amounts and rates beyond the number forms: an error that names them.
+        {"an amount beyond 15 digits",
+         [](const QString& f) { Sql(f, {"UPDATE 票据开票数据 SET 金额 = 1e300 WHERE 票据编号 = "
+                                        "(SELECT min(票据编号) FROM 票据 WHERE 开票部门编号 = '01' "
+                                        "AND 开票日期 >= '2024-03')"}); },
+         "error 6: Overflow: 票据编号 "},
+        {"an infinite amount",
+         [](const QString& f) { Sql(f, {"UPDATE 票据开票数据 SET 金额 = 9e999"}); },
+         "inf has more than the 15 digits"},
+        {"a tax rate beyond 15 digits",
+         [](const QString& f) { Sql(f, {"UPDATE setupsfxm SET 税率 = 1e308"}); },
+         "税率: 1e+308 has more than the 15 digits"},
         // Trapped: the fee-item extraction, the pre-invoice run, the reconciliation's items.
         {"trapped extraction", [](const QString& f) { Sql(f, {"DROP TABLE setupsfxm"}); },
          "error 1: no such table: setupsfxm", "parking"},
@@ -72,7 +91,8 @@ TEST_F(LedgerFaults, EachBadLedgerIsADatabaseFailureWithTheDriversMessage) {
         SCOPED_TRACE(shape.name);
         const QString file = Copy(shape.name);
         shape.make(file);
-        const QByteArray bytes = ReadAll(file);
+        const bool regular = QFileInfo(file).isFile();
+        const QByteArray bytes = regular ? ReadAll(file) : QByteArray();
         QStringList args = Invoice({"--csv", dir.filePath("out.csv")}, file);
         args[0] = QString::fromUtf8(shape.command);
         if (args[0] == "reconciliation")
@@ -84,7 +104,36 @@ TEST_F(LedgerFaults, EachBadLedgerIsADatabaseFailureWithTheDriversMessage) {
         EXPECT_FALSE(r.Err().contains("no department"));
         EXPECT_FALSE(QFile::exists(dir.filePath("out.csv")));
         EXPECT_EQ(QFile::exists(file), shape.name != std::string("missing"));
-        EXPECT_EQ(ReadAll(file), bytes);
+        if (regular) EXPECT_EQ(ReadAll(file), bytes);
+    }
+}
+
+// A user who may only read the ledger: what would make the engine write to
+// it is told, not only the engine's "readonly database".
+TEST_F(LedgerFaults, WhatMakesTheEngineWriteToAReadOnlyLedgerIsTold) {
+    const struct passwd* nobody = ::getpwnam("nobody");
+    if (::geteuid() != 0 || !nobody) GTEST_SKIP() << "running as user nobody needs root";
+    struct Shape {
+        const char* name;
+        const char* sql;  // run as the owner, who may write
+        const char* cause;
+    };
+    const Shape shapes[] = {
+        {"a WAL ledger in a closed folder", "PRAGMA journal_mode=WAL",
+         "the ledger is in WAL mode, which needs its -wal and -shm files in "},
+        {"a journal left by a stopped writer", nullptr, "-journal was left by a writer that was stopped"},
+    };
+    ASSERT_EQ(::chmod(QFile::encodeName(dir.path()).constData(), 0755), 0);
+    for (const Shape& shape : shapes) {
+        SCOPED_TRACE(shape.name);
+        const QString file = Copy(shape.name);
+        if (shape.sql) Sql(file, {shape.sql});
+        else WriteAll(file + "-journal", QByteArray(4096, 'j'));  // any bytes make it hot
+        for (const QString& f : {file, file + "-journal"}) ::chmod(QFile::encodeName(f).constData(), 0644);
+        const ToolResult r = RunTool(Invoice({"--csv", "/dev/null"}, file), {.user = nobody});
+        if (r.status == 126) GTEST_SKIP() << "this system does not let root become nobody";
+        EXPECT_EQ(r.status, 1);
+        EXPECT_TRUE(r.Err().contains(shape.cause)) << r.Err().toStdString();
     }
 }
 

@@ -174,6 +174,38 @@ TEST_F(OutputFaults, EveryOutputIsWrittenWithItsPermissions) {
     EXPECT_EQ(HiddenFiles(dir.path()), QStringList());
 }
 
+// A symbolic link stays a link: the file it names is written, also one not
+// made yet; a link into a missing folder is refused.
+TEST_F(OutputFaults, LinksAreWrittenThroughToTheirFiles) {
+    struct Case {
+        const char* name;
+        QStringList links;  // link -> target pairs, made in this order
+        const char* file;   // what the output ends in; nullptr when refused
+    };
+    const Case cases[] = {
+        {"a link to a file", {"l1.csv", "t1.csv"}, "t1.csv"},
+        {"a dangling link", {"l2.csv", "t2.csv"}, "t2.csv"},
+        {"a chain of dangling links", {"l3.csv", "m3.csv", "m3.csv", "t3.csv"}, "t3.csv"},
+        {"a dangling link into a missing folder", {"l4.csv", "no/t4.csv"}, nullptr},
+    };
+    WriteAll(Path("t1.csv"), "old");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        for (int i = 0; i < c.links.size(); i += 2)
+            ASSERT_EQ(::symlink(QFile::encodeName(c.links[i + 1]).constData(),
+                                QFile::encodeName(Path(c.links[i].toUtf8())).constData()),
+                      0);
+        const ToolResult r = RunTool(Invoice({"--csv", Path(c.links[0].toUtf8())}));
+        EXPECT_EQ(r.status, c.file ? 0 : 1) << r.Err().toStdString();
+        EXPECT_TRUE(QFileInfo(Path(c.links[0].toUtf8())).isSymLink());
+        if (c.file)
+            EXPECT_TRUE(ReadAll(Path(c.file)).startsWith(kOutputs[0].start));
+        else
+            EXPECT_TRUE(r.Err().contains("Path not found")) << r.Err().toStdString();
+    }
+    EXPECT_EQ(HiddenFiles(dir.path()), QStringList());
+}
+
 // What can't be an output is refused before any work: the SQL log, which the
 // first statement would start, is never made, and nothing is touched.
 TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
@@ -281,7 +313,7 @@ TEST_F(OutputFaults, SignalsDuringAnExportLeaveNothing) {
         // Staged in the temporary folder, then copied into the device.
         {"workbook to a device", Invoice({"--xlsx", "/dev/null"}), "yunqi-output"},
     };
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGABRT}) {
         for (const Case& c : cases) {
             QTemporaryDir out;
             QStringList args = c.args;

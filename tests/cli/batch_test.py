@@ -2,12 +2,16 @@
 the single commands, a summary, narrowed work, failures and interruptions.
 """
 import os
+import pwd
+import re
+import resource
 import shutil
 import signal
 import sqlite3
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
@@ -21,6 +25,38 @@ DEPTS = ["A1", "B2", "C/3"]  # in the list's order; B2 has no parking item
 
 def run(*args):
     return programs.run(*args, env=ENV)
+
+
+def tree(folder):
+    """Every file under folder, hidden ones too, with its bytes."""
+    found = {}
+    for top, _, files in os.walk(folder):
+        for f in files:
+            with open(os.path.join(top, f), "rb") as fh:
+                found[os.path.relpath(os.path.join(top, f), folder)] = fh.read()
+    return found
+
+
+def children(pid):
+    """The live processes whose parent is pid."""
+    found = []
+    for entry in os.listdir("/proc"):
+        try:
+            with open("/proc/%s/stat" % entry) as f:
+                fields = f.read().rsplit(")", 1)[1].split()
+        except (OSError, IndexError):
+            continue
+        if fields[0] != "Z" and int(fields[1]) == pid:
+            found.append(int(entry))
+    return found
+
+
+def alive(pid):
+    try:
+        with open("/proc/%d/stat" % pid) as f:
+            return f.read().rsplit(")", 1)[1].split()[0] != "Z"
+    except OSError:
+        return False
 
 
 def make_ledger(path):
@@ -102,9 +138,11 @@ class Batch(unittest.TestCase):
                          [["A1", "invoice", "ok"], ["C/3", "invoice", "ok"]])
         self.assertEqual(sorted(os.listdir(os.path.join(out, "A1"))), ["invoice.xlsx"])
         # A bad month or an unknown option: StatementCli_test, as for every command.
-        for bad in (["--report", "nothing"], ["--dept", "ZZ"], ["--jobs", "0"]):
+        for bad in (["--report", "nothing"], ["--dept", "ZZ"], ["--jobs", "0"],
+                    ["--ratio", "%s=50/60" % self.parking]):
             self.assertEqual(run("batch", "--database", self.db, "--month", "2024-03", "--out",
                                  os.path.join(self.dir, "bad"), *bad).returncode, 2, bad)
+            self.assertFalse(os.path.exists(os.path.join(self.dir, "bad")), bad)
 
     def test_a_failing_statement_spoils_only_itself(self):
         db = os.path.join(self.dir, "broken.sqlite")
@@ -135,16 +173,135 @@ class Batch(unittest.TestCase):
         self.assertEqual(self.batch(again, "--report", "invoice").returncode, 0)
         self.assertEqual(self.batch(again, "--report", "invoice").returncode, 0)
 
+    def test_another_month_replaces_the_whole_batch(self):
+        out = os.path.join(self.dir, "months")
+        self.assertEqual(self.batch(out, "--csv").returncode, 0)
+        r = run("batch", "--database", self.db, "--month", "2021-12", "--out", out, "--csv")
+        self.assertEqual(r.returncode, 0, r.stderr)
+        self.assertEqual(sorted(tree(out)), ["mismatches.csv", "summary.csv"])
+        self.assertEqual({row[2] for row in self.summary(out)[1:]}, {"empty"})
+        self.assertFalse([f for f in os.listdir(self.dir) if f.startswith(".")])
+
+    def test_limits_of_the_system_fail_statements_never_the_batch(self):
+        nobody = pwd.getpwnam("nobody")
+        if os.geteuid() != 0:
+            self.skipTest("a process limit binds only a user other than root")
+        os.chmod(self.dir, 0o755)
+        os.chmod(self.db, 0o644)
+        room = tempfile.mkdtemp()
+        os.chmod(room, 0o777)
+        rows = [  # name, open files, processes of the user, --jobs
+            ("1024 files, 256 jobs", 1024, None, "256"),
+            ("20 files, 8 jobs", 20, None, "8"),
+            ("3 processes, 4 jobs", None, 3, "4"),
+            ("1 process", None, 1, "4"),
+        ]
+        for name, files, processes, jobs in rows:
+            def limits():
+                if files:
+                    resource.setrlimit(resource.RLIMIT_NOFILE, (files, files))
+                if processes:
+                    os.setgid(nobody.pw_gid)
+                    os.setuid(nobody.pw_uid)
+                    resource.setrlimit(resource.RLIMIT_NPROC, (processes, processes))
+            out = os.path.join(room, name)
+            r = subprocess.run([TOOL, "batch", "--database", self.db, "--month", "2024-03",
+                                "--out", out, "--jobs", jobs, "--quiet"], capture_output=True,
+                               text=True, env=ENV, preexec_fn=limits)
+            self.assertIn(r.returncode, (0, 1), name + r.stderr)
+            self.assertEqual(len(self.summary(out)), 1 + len(DEPTS) * len(REPORTS), name)
+            if processes == 1:  # not one companion could start
+                self.assertIn("cannot start the companion", r.stderr, name)
+        shutil.rmtree(room)
+
+    def test_a_code_that_cannot_be_a_folder_fails_its_department_only(self):
+        db = os.path.join(self.dir, "codes.sqlite")
+        shutil.copy(self.db, db)
+        long_code = "L" * 300
+        with sqlite3.connect(db) as con:
+            for code in ("summary.csv", long_code):
+                con.execute("INSERT INTO 职能部门new VALUES (?, '怪苑', NULL)", (code,))
+                con.execute("INSERT INTO 设置管理处 VALUES (?, 'GA', '怪苑')", (code,))
+        out = os.path.join(self.dir, "codes")
+        r = run("batch", "--database", db, "--month", "2024-03", "--out", out, "--quiet")
+        self.assertEqual(r.returncode, 1)
+        self.assertIn("File name too long", r.stderr)
+        status = {(d, rep): s for d, rep, s, *_ in self.summary(out)[1:]}
+        self.assertEqual({status[(long_code, rep)] for rep in REPORTS}, {"failed"})
+        self.assertEqual(status[("A1", "invoice")], "ok")
+        self.assertTrue(os.path.isdir(os.path.join(out, "%73ummary.csv")))
+
+    def test_a_ctrl_c_to_the_process_group_is_an_interruption_only(self):
+        out = os.path.join(self.dir, "group")
+        p = subprocess.Popen([TOOL, "batch", "--database", self.large(), "--month", "2024-03",
+                              "--out", out, "--jobs", "2"], stdout=subprocess.DEVNULL,
+                             stderr=subprocess.PIPE, text=True, env=ENV, start_new_session=True)
+        p.stderr.readline()
+        os.killpg(p.pid, signal.SIGINT)
+        err = p.communicate(timeout=300)[1]
+        self.assertEqual(p.returncode, 130)
+        self.assertIsNone(re.search(r"batch: \S+ \w+: ", err), err)  # no failed statement
+        self.assertFalse(os.path.exists(out))
+
+    def test_an_interrupted_or_killed_batch_leaves_the_folder_as_it_was(self):
+        # Rows: the signal, and whether the batch's own handler runs.
+        for sig in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGKILL):
+            out = os.path.join(self.dir, "kept-%d" % sig)
+            self.assertEqual(self.batch(out, "--csv").returncode, 0)
+            before = tree(out)
+            p = subprocess.Popen([TOOL, "batch", "--database", self.large(), "--month",
+                                  "2024-02", "--out", out, "--csv", "--jobs", "2"],
+                                 stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, env=ENV)
+            p.stderr.readline()  # one statement done, others running
+            companions = children(p.pid)
+            self.assertTrue(companions, sig)
+            p.send_signal(sig)
+            p.communicate(timeout=300)
+            self.assertEqual(p.returncode, 130 if sig != signal.SIGKILL else -sig)
+            # The companions end with their batch, and write nothing into the folder.
+            for _ in range(200):
+                if not any(alive(c) for c in companions):
+                    break
+                time.sleep(0.05)
+            self.assertFalse([c for c in companions if alive(c)], sig)
+            self.assertEqual(tree(out), before, sig)
+            # A killed batch's hidden folder goes with the next batch.
+            self.assertEqual(self.batch(out, "--report", "invoice").returncode, 0)
+            self.assertFalse([f for f in os.listdir(self.dir) if f.startswith(".")], sig)
+
+    def test_a_name_that_is_no_utf8_is_refused_before_any_work(self):
+        # Typed under a GBK locale: each would have become the same U+FFFD name.
+        folder = tempfile.mkdtemp(dir=self.dir)
+        rows = [("报表.csv in GBK", ["invoice", "--csv", "报表.csv".encode("gbk")]),
+                ("表报.csv in GBK", ["invoice", "--csv", "表报.csv".encode("gbk")]),
+                ("a stray byte", ["invoice", "--csv", b"bad\xffname.csv"]),
+                ("a batch folder in GBK", ["batch", "--out", "月结".encode("gbk")])]
+        for name, (command, option, value) in rows:
+            args = [os.path.abspath(TOOL), command, "--database", self.db, "--dept", "A1", option, value]
+            args += (["--month", "2024-03"] if command == "batch" else
+                     ["--from", "2024-03-01", "--to", "2024-03-31"])
+            r = subprocess.run(args, capture_output=True, env=dict(ENV, LANG="zh_CN.GBK"),
+                               cwd=folder)
+            self.assertEqual(r.returncode, 2, name)
+            self.assertIn(b"is not UTF-8 text", r.stderr, name)
+            self.assertEqual(os.listdir(folder), [], name)
+
+    @classmethod
+    def large(cls):
+        db = os.path.join(cls.dir, "large.sqlite")
+        if not os.path.exists(db):
+            assert run("make-demo-db", db, "--tickets", "60000").returncode == 0
+        return db
+
     def test_an_interrupted_batch_leaves_no_temporary_file(self):
-        db = os.path.join(self.dir, "large.sqlite")
-        self.assertEqual(run("make-demo-db", db, "--tickets", "60000").returncode, 0)
+        db = self.large()
         out = os.path.join(self.dir, "interrupted")
         p = subprocess.Popen([TOOL, "batch", "--database", db, "--month", "2024-03", "--out", out,
                               "--csv", "--jobs", "2"], stdout=subprocess.DEVNULL,
                              stderr=subprocess.PIPE, env=ENV)
         p.stderr.readline()  # once the first statement is done: others are still running
         p.send_signal(signal.SIGINT)
-        p.communicate(timeout=60)
+        p.communicate(timeout=300)
         self.assertEqual(p.returncode, 130)
         left = [f for _, _, files in os.walk(out) for f in files
                 if f.startswith(".") or ".part" in f or f.count(".") > 1]

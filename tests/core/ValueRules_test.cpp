@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <limits>
 
 #include "core/RuntimeError.h"
 
@@ -49,6 +50,24 @@ TEST(ValueRulesFormat, Round2IsTheFormattedTextReadBack) {
             ASSERT_EQ(std::signbit(Round2(w)), std::signbit(expected)) << w;
         }
     }
+}
+
+// Beyond 15 digits before the point "0.00" would invent digits; an infinity
+// or NaN has none. Each form raises Overflow instead of text.
+TEST(ValueRulesFormat, ValuesBeyondTheFormsOverflow) {
+    const double inf = std::numeric_limits<double>::infinity();
+    const std::pair<const char*, std::function<void(double)>> forms[] = {
+        {"0.00", [](double v) { Format0_00(v); }},
+        {"Round2", [](double v) { Round2(v); }},
+        {"DoubleText", [](double v) { DoubleText(v); }}};
+    for (const auto& [name, form] : forms) {
+        for (const double value : {inf, -inf, std::nan("")})
+            EXPECT_EQ(ErrorNumberOf([&] { form(value); }), 6) << name << ' ' << value;
+        EXPECT_EQ(ErrorNumberOf([&] { form(999999999999999.0); }), 0) << name;
+    }
+    for (const double value : {1e308, 1e300, 1e64, 1e15, -1e15})
+        EXPECT_EQ(ErrorNumberOf([&] { Round2(value); }), 6) << value;
+    EXPECT_EQ(Format0_00(-999999999999999.0), "-999999999999999.00");
 }
 
 TEST(ValueRulesVal, LongestLeadingNumberWithBlanksSkipped) {

@@ -5,15 +5,22 @@
 
 namespace yunqi {
 
-// While it lives, a request to stop the process (SIGINT, SIGTERM, SIGHUP;
-// on Windows Ctrl+C, Ctrl+Break and the console closing) calls onInterrupt on
-// the thread that runs the event loop, instead of ending the process.
+// While it lives, a request to stop the process (SIGINT, SIGTERM, SIGHUP,
+// SIGPIPE; on Windows Ctrl+C, Ctrl+Break and the console closing) is kept
+// instead of ending the process: the event loop calls the handler, and
+// Requested() tells it also before the event loop has seen it.
 class InterruptWatch {
   public:
-    explicit InterruptWatch(std::function<void()> onInterrupt);
+    InterruptWatch();
     ~InterruptWatch();
     InterruptWatch(const InterruptWatch&) = delete;
     InterruptWatch& operator=(const InterruptWatch&) = delete;
+
+    // What a request does from now on, on the thread that runs the event loop.
+    void OnInterrupt(std::function<void()> handler);
+    // Whether a request came; one the event loop has not taken yet is taken
+    // now, and the handler called.
+    bool Requested();
 
   private:
     struct State;

@@ -37,8 +37,8 @@ struct FileInfo {
     bool inPlace = false;
     // No write permission at all (for root too) / the read-only attribute.
     bool readOnly = false;
-    // The file to replace: for an existing regular file the one a link
-    // names, else the path as given.
+    // The file to replace: for an existing regular file, or a link to a file
+    // not made yet, the one the link names; else the path as given.
     QString file;
     // Known for an existing file the system could be asked about.
     std::optional<FileIdentity> identity;
@@ -80,6 +80,18 @@ Error Rename(const QString& from, const QString& to);
 void SyncFolder(const QString& folder);
 bool Remove(const QString& path);
 
+// ---- Folders ----------------------------------------------------------------
+//
+// A new folder with the usual permissions; an existing one is an error.
+Error MakeFolder(const QString& path);
+// The two folders trade places in one step. Where the system or the file
+// system has no such step, an error and nothing moved.
+Error ExchangeFolders(const QString& a, const QString& b);
+// A folder locked for this process while the handle is open (Close() it),
+// let go however the process ends; kNoHandle when another process holds it,
+// or where the system has no such lock.
+Handle LockFolder(const QString& path);
+
 // ---- The end of the process -------------------------------------------------
 //
 // A name in the form the system takes it, copied to the heap (free with
@@ -89,8 +101,9 @@ char* NewNativeName(const QString& path);
 bool RemoveNative(const char* name);
 
 // Once: cleanup runs when the user or the system ends the process, which then
-// ends as that event would have ended it. POSIX: SIGINT, SIGTERM, SIGHUP and
-// SIGPIPE (one ignored at start stays ignored), and SIGXFSZ is ignored.
+// ends as that event would have ended it. POSIX: SIGINT, SIGTERM, SIGHUP,
+// SIGPIPE and SIGABRT (one ignored at start stays ignored), and SIGXFSZ is
+// ignored.
 // Windows: Ctrl+C, Ctrl+Break, the console closed, logoff and shutdown.
 // cleanup returns false when a file could not be removed.
 void InstallEndHandler(bool (*cleanup)());

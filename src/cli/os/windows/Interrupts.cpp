@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QObject>
+#include <atomic>
 
 namespace yunqi {
 
@@ -13,10 +14,12 @@ namespace {
 // a receiver that lives on the event loop's thread.
 QObject* receiver = nullptr;
 std::function<void()> callback;
+std::atomic<bool> requested{false};
 HANDLE stopped = nullptr;  // set once the watch ends
 
 BOOL WINAPI OnConsoleEvent(DWORD event) {
     if (!receiver) return FALSE;
+    requested = true;
     QMetaObject::invokeMethod(receiver, [] { if (callback) callback(); }, Qt::QueuedConnection);
     // For a closing console the process ends when the handler returns: the
     // companions, which have the same console, get the event too; give the
@@ -32,9 +35,9 @@ struct InterruptWatch::State {
     QObject receiver;
 };
 
-InterruptWatch::InterruptWatch(std::function<void()> onInterrupt) : d_(new State) {
-    callback = std::move(onInterrupt);
+InterruptWatch::InterruptWatch() : d_(new State) {
     receiver = &d_->receiver;
+    requested = false;
     if (!stopped) stopped = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
     ::ResetEvent(stopped);
     ::SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
@@ -46,5 +49,9 @@ InterruptWatch::~InterruptWatch() {
     callback = nullptr;
     ::SetEvent(stopped);
 }
+
+void InterruptWatch::OnInterrupt(std::function<void()> handler) { callback = std::move(handler); }
+
+bool InterruptWatch::Requested() { return requested; }
 
 }  // namespace yunqi

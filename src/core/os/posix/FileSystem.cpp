@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -38,6 +39,26 @@ mode_t CurrentUmask() {
 
 Error LastError() { return errno; }
 
+// The file a dangling link would name, through a chain of links; empty when
+// path is no link.
+QByteArray DanglingTarget(const QByteArray& path) {
+    QByteArray at = path;
+    for (int hops = 0; hops < 40; ++hops) {
+        struct stat st {};
+        if (::lstat(at.constData(), &st) != 0) return hops > 0 ? at : QByteArray();
+        if (!S_ISLNK(st.st_mode)) return QByteArray();
+        QByteArray next(PATH_MAX, '\0');
+        const ssize_t n = ::readlink(at.constData(), next.data(), next.size());
+        if (n <= 0) return QByteArray();
+        next.truncate(n);
+        // A relative target is read from the link's folder.
+        const qsizetype slash = at.lastIndexOf('/');
+        if (!next.startsWith('/') && slash >= 0) next = at.left(slash + 1) + next;
+        at = next;
+    }
+    return QByteArray();
+}
+
 }  // namespace
 
 QString Reason(Error error) { return QString::fromLocal8Bit(std::strerror(int(error))); }
@@ -51,6 +72,10 @@ FileInfo Stat(const QString& path, Error* error) {
     struct stat st {};
     if (::stat(given.constData(), &st) != 0) {
         *error = errno == ENOENT ? 0 : LastError();
+        // A link to a file not made yet: the file is made, the link stays.
+        if (!*error)
+            if (const QByteArray target = DanglingTarget(given); !target.isEmpty())
+                info.file = QFile::decodeName(target);
         return info;
     }
     info.exists = true;
@@ -182,6 +207,34 @@ void SyncFolder(const QString& folder) {
 
 bool Remove(const QString& path) { return ::unlink(Native(path).constData()) == 0; }
 
+// ---- Folders ----------------------------------------------------------------
+
+Error MakeFolder(const QString& path) {
+    return ::mkdir(Native(path).constData(), 0777) == 0 ? 0 : LastError();
+}
+
+Error ExchangeFolders(const QString& a, const QString& b) {
+#ifdef RENAME_EXCHANGE
+    return ::renameat2(AT_FDCWD, Native(a).constData(), AT_FDCWD, Native(b).constData(),
+                       RENAME_EXCHANGE) == 0
+               ? 0
+               : LastError();
+#else
+    (void)a;
+    (void)b;
+    return ENOSYS;
+#endif
+}
+
+Handle LockFolder(const QString& path) {
+    // Not inherited: a companion must not keep its batch's folder locked.
+    const int fd = ::open(Native(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return kNoHandle;
+    if (::flock(fd, LOCK_EX | LOCK_NB) == 0) return fd;
+    ::close(fd);
+    return kNoHandle;
+}
+
 // ---- The end of the process -------------------------------------------------
 
 char* NewNativeName(const QString& path) { return strdup(Native(path).constData()); }
@@ -190,7 +243,9 @@ bool RemoveNative(const char* name) { return ::unlink(name) == 0 || errno == ENO
 
 namespace {
 
-constexpr int kHandled[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+// SIGABRT: an abort (a failed allocation where no exception can go) leaves
+// nothing behind either.
+constexpr int kHandled[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGABRT};
 bool (*cleanupAtTheEnd)() = nullptr;
 
 void OnSignal(int signal) {

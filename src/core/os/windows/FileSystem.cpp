@@ -291,6 +291,16 @@ void SyncFolder(const QString&) {}
 
 bool Remove(const QString& path) { return DeleteFileW(Wide(path).c_str()); }
 
+Error MakeFolder(const QString& path) {
+    return CreateDirectoryW(Wide(path).c_str(), nullptr) ? 0 : LastError();
+}
+
+// No call trades two folders' places.
+Error ExchangeFolders(const QString&, const QString&) { return ERROR_NOT_SUPPORTED; }
+
+// A handle that shares nothing would keep the folder from being removed.
+Handle LockFolder(const QString&) { return kNoHandle; }
+
 // ---- The end of the process -------------------------------------------------
 
 char* NewNativeName(const QString& path) {
