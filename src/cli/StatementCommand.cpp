@@ -34,6 +34,7 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
     const std::vector<OutputOption> outputs{{QStringLiteral("--csv"), o.csv, Dash::IsStdout},
                                             {QStringLiteral("--xlsx"), o.xlsx},
                                             {QStringLiteral("--sql-log"), o.sqlLog}};
+    QStringList inputs{o.database};
     QString told;
     const auto tell = [&told, &inputs](const RuntimeError& error) {
         const RuntimeError e = WithLedgerCause(error, inputs.last());
@@ -42,7 +43,6 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
         if (text != told) SayOnStderr(text);
         told = text;
     };
-    QStringList inputs{o.database};
     if (o.database.isEmpty()) {
         try {
             const DbSettings settings = ReadDbSettings();
