@@ -50,11 +50,10 @@ QString Reason(os::Error error) { return os::Reason(error); }
 QString MakeUniqueFolder(const QString& folder, const QString& base, const char* tag,
                          os::Error* error) {
     for (int attempt = 0; attempt < 100; ++attempt) {
-        const QString path =
-            QDir(folder).filePath(QStringLiteral(".%1.%2-%3")
-                                      .arg(base, QLatin1String(tag))
-                                      .arg(QRandomGenerator::global()->generate() % 1000000, 6, 10,
-                                           QLatin1Char('0')));
+        const QString path = QDir(folder).filePath(
+            QStringLiteral(".%1.%2-%3")
+                .arg(base, QLatin1String(tag))
+                .arg(QRandomGenerator::global()->generate() % 1000000, 6, 10, QLatin1Char('0')));
         *error = os::MakeFolder(path);
         if (!*error) return path;
         if (QFileInfo::exists(path)) continue;
@@ -100,7 +99,7 @@ QString FileNameOfCode(const QString& code) {
 // A link to a folder: the folder itself is traded, the link stays.
 BatchStaging::BatchStaging(const QString& out)
     : out_(QFileInfo(out).isSymLink() && QFileInfo(out).isDir() ? QFileInfo(out).canonicalFilePath()
-                                                                 : out) {}
+                                                                : out) {}
 
 BatchStaging::~BatchStaging() {
     if (!path_.isEmpty()) QDir(path_).removeRecursively();
@@ -114,9 +113,9 @@ void RemoveLeftOvers(const QString& parent, const QString& base, const QString& 
     const QString pattern = QStringLiteral(".%1.batch-??????").arg(base);
     QFileInfoList found = QDir(parent).entryInfoList({pattern}, QDir::Dirs | QDir::Hidden);
     if (QFileInfo(out).isDir())
-        found += QDir(out).entryInfoList({QStringLiteral(".batch.new-??????"),
-                                          QStringLiteral(".batch.old-??????")},
-                                         QDir::Dirs | QDir::Hidden);
+        found += QDir(out).entryInfoList(
+            {QStringLiteral(".batch.new-??????"), QStringLiteral(".batch.old-??????")},
+            QDir::Dirs | QDir::Hidden);
     for (const QFileInfo& folder : found) {
         if (folder.isSymLink()) continue;
         const os::Handle lock = os::LockFolder(folder.filePath());

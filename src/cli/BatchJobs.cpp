@@ -61,8 +61,7 @@ bool EndedByInterrupt(int code, QProcess::ExitStatus how) {
 }  // namespace
 
 bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& program,
-                  const std::function<void(BatchJob&, int done)>& finished,
-                  InterruptWatch& watch) {
+                  const std::function<void(BatchJob&, int done)>& finished, InterruptWatch& watch) {
     QEventLoop loop;
     // Statements that failed before the run (their folder) count as done.
     std::deque<std::size_t> waiting;

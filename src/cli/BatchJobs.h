@@ -40,8 +40,7 @@ QString StatusText(BatchJob::Status status);
 // they remove their temporary files themselves; one that the same request
 // ended is not a failed statement.
 bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& program,
-                  const std::function<void(BatchJob&, int done)>& finished,
-                  InterruptWatch& watch);
+                  const std::function<void(BatchJob&, int done)>& finished, InterruptWatch& watch);
 
 // Body records of a CSV text (RFC 4180: a quoted field may hold line ends).
 int CsvRecords(const QByteArray& csv);

@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-
 #include "core/RuntimeError.h"
 #include "core/os/FileSystem.h"
 #include "db/OpenDatabase.h"
@@ -14,20 +13,24 @@ namespace yunqi {
 std::unique_ptr<DatabaseSession> OpenStatementSession(const QString& database) {
     if (database.isEmpty()) {
         // The desktop program's settings; OpenDatabase has shown why it failed.
-        if (!OpenDatabase(ReadDbSettings()))
-            throw RuntimeError(ErrorCode::ConnectionFailed);
+        if (!OpenDatabase(ReadDbSettings())) throw RuntimeError(ErrorCode::ConnectionFailed);
         return std::move(AppSession().SessionConnection);
     }
     os::Error error = 0;
     const os::FileInfo info = os::Stat(database, &error);
-    if (error) throw RuntimeError(ErrorCode::PathFileAccess, database + QStringLiteral(": ") + os::Reason(error));
+    if (error)
+        throw RuntimeError(ErrorCode::PathFileAccess,
+                           database + QStringLiteral(": ") + os::Reason(error));
     if (!info.exists) throw RuntimeError(ErrorCode::FileNotFound, database);
     // The engine would take any of these for a new, empty database.
     if (info.folder)
-        throw RuntimeError(ErrorCode::PathFileAccess, database + QStringLiteral(": is a folder, not a ledger"));
-    if (!info.regular)
         throw RuntimeError(ErrorCode::PathFileAccess,
-                           database + QStringLiteral(": is not a regular file (a device, FIFO or socket), not a ledger"));
+                           database + QStringLiteral(": is a folder, not a ledger"));
+    if (!info.regular)
+        throw RuntimeError(
+            ErrorCode::PathFileAccess,
+            database +
+                QStringLiteral(": is not a regular file (a device, FIFO or socket), not a ledger"));
     return DatabaseSession::OpenEmbedded(database);
 }
 
@@ -56,14 +59,15 @@ QString LedgerCause(const QString& ledger) {
 
 RuntimeError WithLedgerCause(const RuntimeError& error, const QString& database) {
     const QString& text = error.description();
-    if (database.isEmpty() || !(text.contains(QLatin1String("attempt to write a readonly database")) ||
-                                text.contains(QLatin1String("unable to open database file"))))
+    if (database.isEmpty() ||
+        !(text.contains(QLatin1String("attempt to write a readonly database")) ||
+          text.contains(QLatin1String("unable to open database file"))))
         return error;
     const QString cause = LedgerCause(database);
-    return cause.isEmpty() ? error
-                           : RuntimeError(error.number(), text + QStringLiteral(" (") + database +
-                                                              QStringLiteral(": ") + cause +
-                                                              QLatin1Char(')'));
+    return cause.isEmpty()
+               ? error
+               : RuntimeError(error.number(), text + QStringLiteral(" (") + database +
+                                                  QStringLiteral(": ") + cause + QLatin1Char(')'));
 }
 
 }  // namespace yunqi

@@ -5,8 +5,8 @@
 #include <exception>
 #include <new>
 
-#include "cli/StatementCli.h"
 #include "cli/CommandLine.h"
+#include "cli/StatementCli.h"
 #include "cli/os/Arguments.h"
 #include "cli/os/Console.h"
 #include "core/OutputFile.h"
@@ -52,8 +52,10 @@ int main(int argc, char** argv) {
     InstallOutputCleanup();
     // A name is passed on as the bytes given or refused, never changed.
     if (const auto bad = ArgumentNotAsGiven(argc, argv)) {
-        std::fprintf(stderr, "yunqi-statement: %s is not UTF-8 text: it would reach the system as another name\n%s",
-                     bad->constData(), StatementUsage().toUtf8().constData());
+        std::fprintf(
+            stderr,
+            "yunqi-statement: %s is not UTF-8 text: it would reach the system as another name\n%s",
+            bad->constData(), StatementUsage().toUtf8().constData());
         return kExitBadArguments;
     }
     try {

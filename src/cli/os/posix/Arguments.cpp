@@ -10,9 +10,10 @@ std::optional<QByteArray> ArgumentNotAsGiven(int argc, char** argv) {
         if (QString::fromUtf8(given).toUtf8() == given) continue;
         QByteArray shown;
         for (const char byte : given)
-            shown += uchar(byte) >= 0x20 && uchar(byte) < 0x7f
-                         ? QByteArray(1, byte)
-                         : "\\x" + QByteArray::number(uchar(byte), 16).rightJustified(2, '0').toUpper();
+            shown +=
+                uchar(byte) >= 0x20 && uchar(byte) < 0x7f
+                    ? QByteArray(1, byte)
+                    : "\\x" + QByteArray::number(uchar(byte), 16).rightJustified(2, '0').toUpper();
         return shown;
     }
     return std::nullopt;

@@ -50,7 +50,8 @@ InterruptWatch::InterruptWatch() : d_(new State) {
     sigemptyset(&action.sa_mask);
     for (int s : kSignals) sigaction(s, &action, &d_->old[s]);
     d_->notifier = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
-    QObject::connect(d_->notifier.get(), &QSocketNotifier::activated, [d = d_.get()] { d->Take(); });
+    QObject::connect(d_->notifier.get(), &QSocketNotifier::activated,
+                     [d = d_.get()] { d->Take(); });
 }
 
 InterruptWatch::~InterruptWatch() {
@@ -58,7 +59,9 @@ InterruptWatch::~InterruptWatch() {
     for (int s : kSignals) sigaction(s, &d_->old[s], nullptr);
 }
 
-void InterruptWatch::OnInterrupt(std::function<void()> handler) { d_->handler = std::move(handler); }
+void InterruptWatch::OnInterrupt(std::function<void()> handler) {
+    d_->handler = std::move(handler);
+}
 
 bool InterruptWatch::Requested() {
     pollfd p{signalPipe[0], POLLIN, 0};

@@ -20,7 +20,12 @@ HANDLE stopped = nullptr;  // set once the watch ends
 BOOL WINAPI OnConsoleEvent(DWORD event) {
     if (!receiver) return FALSE;
     requested = true;
-    QMetaObject::invokeMethod(receiver, [] { if (callback) callback(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        receiver,
+        [] {
+            if (callback) callback();
+        },
+        Qt::QueuedConnection);
     // For a closing console the process ends when the handler returns: the
     // companions, which have the same console, get the event too; give the
     // batch a moment to see them end.
