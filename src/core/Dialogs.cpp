@@ -1,13 +1,32 @@
 #include "core/Dialogs.h"
 
+#include "core/StopRequest.h"
+
 namespace yunqi {
 
 namespace {
+
+// What work that was asked to stop has to say is not shown: the error of a
+// query that was stopped, the questions of steps that will not run.
+class StoppedDialogs : public Dialogs {
+  public:
+    MsgResult MsgBox(const QString&, const QString&, MsgIcon, MsgButtons buttons) override {
+        return buttons == MsgButtons::YesNo ? MsgResult::No : MsgResult::Ok;
+    }
+    std::optional<QString> SaveFileName(const QString&, const QString&) override { return {}; }
+    void Yield() override {}
+};
+
 RecordingDialogs fallbackDialogs;
+StoppedDialogs stoppedDialogs;
 Dialogs* current = nullptr;
+
 }  // namespace
 
-Dialogs& AppDialogs() { return current ? *current : fallbackDialogs; }
+Dialogs& AppDialogs() {
+    if (StopRequestedHere()) return stoppedDialogs;
+    return current ? *current : fallbackDialogs;
+}
 void SetAppDialogs(Dialogs* dialogs) { current = dialogs; }
 
 MsgResult RecordingDialogs::MsgBox(const QString& text, const QString& title, MsgIcon icon,

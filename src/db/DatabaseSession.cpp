@@ -1,14 +1,17 @@
 #include "db/DatabaseSession.h"
 
 #include <QFileInfo>
+#include <QLibrary>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlResult>
+#include <QThread>
 #include <atomic>
 
 #include "core/RuntimeError.h"
+#include "core/StopRequest.h"
 #include "db/OdbcApi.h"
 
 namespace yunqi {
@@ -22,21 +25,46 @@ QString NewConnectionName() {
 
 RuntimeError ErrorOf(const QSqlError& error) { return DatabaseError(error); }
 
+// The driver's handle of an ODBC statement, or null.
+void* StatementHandle(const QSqlQuery& query) {
+    const QVariant handle = query.result()->handle();
+    if (handle.metaType() != QMetaType::fromType<void*>()) return nullptr;
+    return *static_cast<void* const*>(handle.constData());
+}
+
 // Where the driver refuses, the statement runs without a limit.
 void SetQueryTimeout(const QSqlQuery& query, int seconds) {
-    const QVariant handle = query.result()->handle();
     const auto fn = Odbc().SetStmtAttr;
-    if (!fn || handle.metaType() != QMetaType::fromType<void*>()) return;
-    void* statement = *static_cast<void* const*>(handle.constData());
-    if (statement)
+    if (void* statement = StatementHandle(query); fn && statement)
         fn(statement, SQL_ATTR_QUERY_TIMEOUT,
            reinterpret_cast<SQLPOINTER>(static_cast<quintptr>(seconds)), SQL_IS_UINTEGER);
+}
+
+// The embedded engine's handle of a connection, or null.
+void* EngineHandle(const QSqlDatabase& db) {
+    const QVariant handle = db.driver()->handle();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0) return nullptr;
+    return *static_cast<void* const*>(handle.constData());
+}
+
+// The engine's interrupt, from the library Qt's driver runs on; null where
+// that library keeps it to itself (then the work stops at its next row).
+using EngineInterruptFn = void (*)(void*);
+EngineInterruptFn EngineInterrupt() {
+    static const EngineInterruptFn fn = [] {
+        QLibrary engine(QStringLiteral("sqlite3"), 0);
+        return reinterpret_cast<EngineInterruptFn>(engine.resolve("sqlite3_interrupt"));
+    }();
+    return fn;
 }
 
 }  // namespace
 
 DatabaseSession::DatabaseSession(QString connectionName, SqlDialect dialect, bool odbc)
-    : connectionName_(std::move(connectionName)), dialect_(dialect), odbc_(odbc) {}
+    : connectionName_(std::move(connectionName)),
+      dialect_(dialect),
+      odbc_(odbc),
+      ownerThread_(QThread::currentThread()) {}
 
 DatabaseSession::~DatabaseSession() {
     {
@@ -106,25 +134,27 @@ void DatabaseSession::SetSqlLog(std::function<void(const QString&)> log) {
 }
 
 Recordset DatabaseSession::Open(const QString& sql) {
+    ThrowIfStopRequested();
     if (log_)
         log_(sql);
     else if (keepUnlogged_)
         sent_ << sql;
     const QString text = dialect_ == SqlDialect::SQLite ? AdaptToSQLite(sql) : sql;
+    ThreadLink* link = LinkOfThisThread();
+    auto& open = link ? link->open : open_;
     if (oneStatement_)
-        for (const auto& cursor : open_) Recordset::ReadRestToMemory(cursor);
-    open_.clear();
+        for (const auto& cursor : open) Recordset::ReadRestToMemory(cursor);
+    open.clear();
 
-    QSqlQuery query(QSqlDatabase::database(connectionName_, false));
+    QSqlQuery query(QSqlDatabase::database(link ? link->connectionName : connectionName_, false));
     query.setForwardOnly(true);
     bool ok;
-    if (odbc_ && commandTimeout_.value_or(0) > 0) {
-        // The statement must exist before its time-out can be set.
+    if (odbc_ && (commandTimeout_.value_or(0) > 0 || link)) {
+        // The statement must exist before its time-out can be set, and
+        // before another thread can cancel it.
         ok = query.prepare(text);
-        if (ok) {
-            SetQueryTimeout(query, *commandTimeout_);
-            ok = query.exec();
-        }
+        if (ok && commandTimeout_.value_or(0) > 0) SetQueryTimeout(query, *commandTimeout_);
+        if (ok) ok = link ? ExecuteCancellable(query) : query.exec();
     } else {
         ok = query.exec(text);
     }
@@ -136,8 +166,78 @@ Recordset DatabaseSession::Open(const QString& sql) {
     Recordset rs(std::move(query), odbc_ && dialect_ == SqlDialect::SqlServer
                                        ? std::optional<QByteArray>(narrowCodec_)
                                        : std::nullopt);
-    if (!rs.AtEnd()) open_.push_back(rs.Watch());
+    if (!rs.AtEnd()) open.push_back(rs.Watch());
     return rs;
+}
+
+DatabaseSession::ThreadLink* DatabaseSession::LinkOfThisThread() {
+    const void* thread = QThread::currentThread();
+    if (thread == ownerThread_) return nullptr;
+    std::lock_guard lock(threadsMutex_);
+    const auto found = threads_.find(thread);
+    // Without a connection of its own a thread would share the session's,
+    // which its driver does not allow.
+    if (found == threads_.end()) throw RuntimeError::InvalidProcedureCall();
+    return &found->second;
+}
+
+bool DatabaseSession::ExecuteCancellable(QSqlQuery& query) {
+    ThreadLink* link = LinkOfThisThread();
+    {
+        std::lock_guard lock(threadsMutex_);
+        link->executing = StatementHandle(query);
+    }
+    // A stop asked for before the handle was there has found nothing to cancel.
+    if (StopRequestedHere()) {
+        std::lock_guard lock(threadsMutex_);
+        link->executing = nullptr;
+        throw Stopped{};
+    }
+    const bool ok = query.exec();
+    std::lock_guard lock(threadsMutex_);
+    link->executing = nullptr;
+    return ok;
+}
+
+void DatabaseSession::Interrupt() {
+    std::lock_guard lock(threadsMutex_);
+    for (auto& [thread, link] : threads_) {
+        if (link.executing && Odbc().Cancel) Odbc().Cancel(link.executing);
+        if (link.engine && EngineInterrupt()) EngineInterrupt()(link.engine);
+    }
+}
+
+DatabaseSession::ThreadConnection::ThreadConnection(DatabaseSession& session) : session_(session) {
+    const QString name = NewConnectionName();
+    void* engine = nullptr;
+    {
+        QSqlDatabase db = QSqlDatabase::cloneDatabase(session.connectionName_, name);
+        if (!db.open()) {
+            RuntimeError e = ErrorOf(db.lastError());
+            db = QSqlDatabase();
+            QSqlDatabase::removeDatabase(name);
+            throw e;
+        }
+        engine = EngineHandle(db);
+    }
+    std::lock_guard lock(session.threadsMutex_);
+    session.threads_[QThread::currentThread()] = ThreadLink{name, engine, nullptr, {}};
+}
+
+DatabaseSession::ThreadConnection::~ThreadConnection() {
+    QString name;
+    {
+        std::lock_guard lock(session_.threadsMutex_);
+        const auto found = session_.threads_.find(QThread::currentThread());
+        if (found == session_.threads_.end()) return;
+        name = found->second.connectionName;
+        session_.threads_.erase(found);
+    }
+    {
+        QSqlDatabase db = QSqlDatabase::database(name, false);
+        if (db.isValid()) db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
 }
 
 }  // namespace yunqi

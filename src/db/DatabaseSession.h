@@ -3,7 +3,9 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -63,6 +65,28 @@ class DatabaseSession {
     void SetSqlLog(std::function<void(const QString&)> log);
     void KeepUnloggedTexts(bool keep) { keepUnlogged_ = keep; }
 
+    // Open on a thread other than the one that opened the session runs on a
+    // connection of that thread's own with the session's settings (driver,
+    // database, login and busy time-outs, command time-out, code page, log).
+    // It is opened when a ThreadConnection is made on that thread, which
+    // costs a login on a server, and closed when it goes. Throws RuntimeError
+    // as the session's own opening does.
+    class ThreadConnection {
+      public:
+        explicit ThreadConnection(DatabaseSession& session);
+        ~ThreadConnection();
+        ThreadConnection(const ThreadConnection&) = delete;
+        ThreadConnection& operator=(const ThreadConnection&) = delete;
+
+      private:
+        DatabaseSession& session_;
+    };
+    // Stops the statements running on the threads' own connections: an ODBC
+    // statement is cancelled at the driver, the embedded engine interrupted.
+    // From any thread. A statement that starts later runs: the work looks at
+    // its StopRequest before each Open.
+    void Interrupt();
+
   private:
     DatabaseSession(QString connectionName, SqlDialect dialect, bool odbc);
 
@@ -76,6 +100,19 @@ class DatabaseSession {
     std::optional<int> commandTimeout_;
     std::function<void(const QString&)> log_;
     std::vector<std::weak_ptr<Recordset::Cursor>> open_;
+
+    // The connections of other threads, by thread.
+    struct ThreadLink {
+        QString connectionName;
+        void* engine = nullptr;     // the embedded engine's handle
+        void* executing = nullptr;  // the ODBC statement being executed
+        std::vector<std::weak_ptr<Recordset::Cursor>> open;
+    };
+    const void* ownerThread_;
+    std::mutex threadsMutex_;
+    std::map<const void*, ThreadLink> threads_;
+    ThreadLink* LinkOfThisThread();
+    bool ExecuteCancellable(QSqlQuery& query);
 };
 
 }  // namespace yunqi

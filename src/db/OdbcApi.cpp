@@ -21,6 +21,7 @@ const OdbcApi& Odbc() {
         take(a.SetEnvAttr, "SQLSetEnvAttr");
         take(a.DriversW, "SQLDriversW");
         take(a.SetStmtAttr, "SQLSetStmtAttr");
+        take(a.Cancel, "SQLCancel");
         take(a.NumResultCols, "SQLNumResultCols");
         take(a.DescribeColW, "SQLDescribeColW");
         take(a.Fetch, "SQLFetch");
@@ -51,17 +52,15 @@ QString OdbcDriverLibrary(const QString& driver) {
     if (driver.contains(QLatin1Char('/')) || driver.contains(QLatin1Char('\\')))
         return QFileInfo(driver).fileName();
     const OdbcApi& api = Odbc();
-    if (!api.AllocHandle || !api.SetEnvAttr || !api.DriversW || !api.FreeHandle)
-        return QString();
+    if (!api.AllocHandle || !api.SetEnvAttr || !api.DriversW || !api.FreeHandle) return QString();
     SQLHENV env = nullptr;
     if (!SQL_SUCCEEDED(api.AllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env))) return QString();
     api.SetEnvAttr(env, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
     QString library;
     SQLWCHAR name[256], attributes[4096];
     SQLSMALLINT nameLength = 0, attributesLength = 0;
-    for (SQLUSMALLINT direction = SQL_FETCH_FIRST;
-         SQL_SUCCEEDED(api.DriversW(env, direction, name, 256, &nameLength, attributes, 4096,
-                                    &attributesLength));
+    for (SQLUSMALLINT direction = SQL_FETCH_FIRST; SQL_SUCCEEDED(api.DriversW(
+             env, direction, name, 256, &nameLength, attributes, 4096, &attributesLength));
          direction = SQL_FETCH_NEXT) {
         if (FromSqlWChar(name, qMin<int>(nameLength, 255)).compare(driver, Qt::CaseInsensitive))
             continue;

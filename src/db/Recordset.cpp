@@ -5,6 +5,7 @@
 #include <QSqlResult>
 
 #include "core/RuntimeError.h"
+#include "core/StopRequest.h"
 #include "db/OdbcRows.h"
 #include "db/PackedRows.h"
 
@@ -136,6 +137,8 @@ bool Recordset::AtEnd() const { return cursor_->atEnd; }
 
 void Recordset::MoveNext() {
     if (cursor_->atEnd) throw NoCurrentRecord();
+    // Rows read after a stop request would be thrown away.
+    ThrowIfStopRequested();
     cursor_->Next();
 }
 

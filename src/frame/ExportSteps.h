@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "core/Dialogs.h"
+#include "core/StopRequest.h"
 
 namespace yunqi {
 
@@ -21,8 +22,15 @@ class ExportControls {
     virtual void SetBusyLabelVisible(bool visible) = 0;  // Label2
     // The busy pointer, from the first row until the file is saved.
     virtual void SetBusy(bool busy) = 0;
+    // Runs write, the whole writing of the file; false when it was stopped
+    // (then nothing was written). A window runs it beside its own thread, and
+    // the calls below may then come from there.
+    virtual bool WriteAside(const std::function<void()>& write) {
+        write();
+        return true;
+    }
     // Runs finish, which makes the written rows a complete file (packing,
-    // checking, renaming) and may throw. A window keeps painting meanwhile.
+    // checking, renaming) and may throw.
     virtual void FinishFile(const std::function<void()>& finish) { finish(); }
 };
 
@@ -33,8 +41,9 @@ class ExportSteps {
         : controls_(controls), dialogs_(dialogs) {}
     // After the title block and headers: yield, show Label2, yield.
     void HeaderWritten();
-    // Before record r is written.
+    // Before record r is written; a stopped export ends here.
     void Row(int r) {
+        ThrowIfStopRequested();
         if (controls_) controls_->SetProgressValue(r);
     }
     // After the footer: Label2 hidden.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <memory>
 
 #include "core/RuntimeError.h"
 #include "frame/ExportSteps.h"
@@ -18,6 +19,9 @@ namespace yunqi {
 class MonthlyStatement {
   public:
     virtual ~MonthlyStatement() = default;
+
+    // A copy to run on, so that a run that is stopped leaves this one as it was.
+    virtual std::unique_ptr<MonthlyStatement> Clone() const = 0;
 
     // The header before any fee item is known.
     virtual void InitGridHeader(FlexGrid& statementGrid) const = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <memory>
 
 #include "core/RuntimeError.h"
 #include "frame/ExportSteps.h"
@@ -29,6 +30,9 @@ class PagedStatement {
     };
 
     virtual ~PagedStatement() = default;
+
+    // A copy to run on, so that a run that is stopped leaves this one as it was.
+    virtual std::unique_ptr<PagedStatement> Clone() const = 0;
 
     // The default header, before any fee item is known.
     virtual void InitGridHeader(FlexGrid& statementGrid) const = 0;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QKeyEvent>
 
 namespace yunqi {
 
@@ -40,9 +41,30 @@ bool InputBlock::IsInput(const QEvent* event) {
     }
 }
 
+void InputBlock::AllowStop(std::function<void()> stop, QWidget* button) {
+    stop_ = std::move(stop);
+    stopButton_ = button;
+}
+
 bool InputBlock::eventFilter(QObject* watched, QEvent* event) {
     if (!window_ || !IsInput(event) || !watched->isWidgetType()) return false;
-    return static_cast<QWidget*>(watched)->window() == window_;
+    auto* widget = static_cast<QWidget*>(watched);
+    if (widget->window() != window_) return false;
+    // A close event comes accepted: swallowed as it is, it would still close.
+    if (event->type() == QEvent::Close) event->ignore();
+    if (!stop_) return true;
+    if (stopButton_ && (widget == stopButton_ || stopButton_->isAncestorOf(widget)) &&
+        event->type() != QEvent::Close)
+        return false;
+    const bool escape = event->type() == QEvent::KeyPress &&
+                        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape;
+    if (event->type() == QEvent::Close) {
+        closeWanted_ = widget;
+        stop_();
+    } else if (escape) {
+        stop_();
+    }
+    return true;
 }
 
 }  // namespace yunqi

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QWidget>
+#include <functional>
 
 namespace yunqi {
 
@@ -25,6 +26,14 @@ class InputBlock : public QObject {
     // it arrive, to be swallowed: called at the end of the busy time.
     void Drain();
 
+    // While work can be stopped: Esc and a close call stop, and button (the
+    // busy panel's stop button) takes its clicks. Without stop, both are
+    // swallowed again.
+    void AllowStop(std::function<void()> stop, QWidget* button);
+    // The window or sub-window that was to close while the work ran: closed
+    // again once the work is over.
+    QWidget* CloseWanted() const { return closeWanted_; }
+
     // Whether the event is input (or a close) that the block swallows.
     static bool IsInput(const QEvent* event);
 
@@ -33,6 +42,9 @@ class InputBlock : public QObject {
 
   private:
     QPointer<QWidget> window_;
+    std::function<void()> stop_;
+    QPointer<QWidget> stopButton_;
+    QPointer<QWidget> closeWanted_;
 };
 
 }  // namespace yunqi

@@ -112,18 +112,35 @@ void MonthlyReportWindow::RunReconciliation() {
         combo3_->setFocus();
         return;
     }
+    // What a stopped run puts back.
+    std::unique_ptr<MonthlyStatement> kept = statement_->Clone();
+    const FlexGrid shownGrid = Grid1();
+    const StatementConditions before = Conditions();
     TakeDepartment();
     StatementConditions& k = MutableConditions();
     k.Year = combo1_->currentText();
     k.FromMonth = combo2_->currentText();
     k.ToMonth = combo3_->currentText();
+    const StatementConditions asked = k;
 
     FlexGrid& grid = MutableGrid1();
     SetHourglass();
     grid.SetRows(2);
     Grid1View()->Refresh();
+    // The grid is painted meanwhile: each step fills a copy of it.
+    const auto step = [&](const std::function<void(FlexGrid&)>& run) {
+        FlexGrid filled = grid;
+        if (RunAside([&] { run(filled); }, [&] { grid = std::move(filled); })) return true;
+        statement_ = std::move(kept);
+        grid = shownGrid;
+        Grid1View()->Refresh();
+        MutableConditions() = before;
+        HideBusyPanel();
+        RestorePointer();
+        return false;
+    };
     ShowBusyPanel(Texts().extractingText);
-    statement_->ExtractFeeItems(k, grid);
+    if (!step([&](FlexGrid& g) { statement_->ExtractFeeItems(asked, g); })) return;
     Grid1View()->Refresh();
     if (statement_->FeeItems().size() <= 1) {
         AppDialogs().MsgBox(Texts().noFeeItemsText, kSystemTitle, MsgIcon::Information);
@@ -134,7 +151,7 @@ void MonthlyReportWindow::RunReconciliation() {
     grid.SetRows(2);
     Grid1View()->Refresh();
     ShowBusyPanel(Texts().runningText);
-    statement_->RunReconciliation(k, grid);
+    if (!step([&](FlexGrid& g) { statement_->RunReconciliation(asked, g); })) return;
     Grid1View()->Refresh();
     HideBusyPanel();
     RestorePointer();
@@ -147,11 +164,12 @@ ExportFrame::ExportRequest MonthlyReportWindow::MakeExportRequest() {
     shown.FromMonth = combo2_->currentText();
     shown.ToMonth = combo3_->currentText();
     const int rows = Grid1().Rows();
-    return {
-        rows, rows, TitleText(), Texts().exportedText,
-        [this, shown](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
-            statement_->WriteSheet(sheet, steps, {Grid1(), TitleText(), SelectedEntry(), shown});
-        }};
+    // Written beside the window's thread: the texts are read here.
+    return {rows, rows, TitleText(), Texts().exportedText,
+            [this, shown, title = TitleText(), entry = SelectedEntry()](
+                SheetModel& sheet, ExportFrame::ExportSteps& steps) {
+                statement_->WriteSheet(sheet, steps, {Grid1(), title, entry, shown});
+            }};
 }
 
 void MonthlyReportWindow::KeepRoomForTheRule() {

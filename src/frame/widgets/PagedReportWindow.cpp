@@ -160,13 +160,28 @@ void PagedReportWindow::ClickCommand3() {
         if (*problem == Conditions::ConditionProblem::EndBeforeStart) to_->setFocus();
         return;
     }
+    const StatementConditions before = Conditions();
     TakeDepartment();
     StatementConditions& conditions = MutableConditions();
     conditions.From = from_->date();
     conditions.To = to_->date();
     SetHourglass();
     ShowBusyPanel(Texts().extractingText);
-    statement_->ExtractFeeItems(conditions, grid2_, MutableGrid1());
+    // The grids are painted meanwhile: the run fills copies of them.
+    std::unique_ptr<PagedStatement> kept = statement_->Clone();
+    FlexGrid ratios = grid2_, statementGrid = Grid1();
+    const StatementConditions asked = conditions;
+    if (!RunAside([&] { statement_->ExtractFeeItems(asked, ratios, statementGrid); },
+                  [&] {
+                      grid2_ = std::move(ratios);
+                      MutableGrid1() = std::move(statementGrid);
+                  })) {
+        statement_ = std::move(kept);
+        MutableConditions() = before;
+        HideBusyPanel();
+        RestorePointer();
+        return;
+    }
     // The shown page went with the grid's rows; so does its page text.
     if (Grid1().Rows() <= 2) label19_->setText(Pager::EmptyPageText());
     txtGrd_->hide();
@@ -197,6 +212,12 @@ void PagedReportWindow::LayHeaderAndDisableCommand6() {
 
 void PagedReportWindow::ClickCommand6() {
     if (statement_->FeeItems().size() <= 1) return;
+    // What a stopped run puts back.
+    std::unique_ptr<PagedStatement> kept = statement_->Clone();
+    const FlexGrid shownGrid = Grid1();
+    const StatementConditions before = Conditions();
+    const int shownPage = currentPage_;
+    const bool ranBefore = ran_;
     // Command6 stays disabled after the run: only a new extraction enables it.
     LayHeaderAndDisableCommand6();
     SetHourglass();
@@ -209,7 +230,22 @@ void PagedReportWindow::ClickCommand6() {
     conditions.From = from_->date();
     conditions.To = to_->date();
     ran_ = true;
-    if (statement_->RunStatistics(conditions, grid2_, pageSize_)) {
+    const StatementConditions asked = conditions;
+    PagedStatement::RunOutcome outcome;
+    if (!RunAside([&, pageSize = pageSize_] {
+            outcome = statement_->RunStatistics(asked, grid2_, pageSize);
+        })) {
+        statement_ = std::move(kept);
+        MutableGrid1() = shownGrid;
+        Grid1View()->Refresh();
+        MutableConditions() = before;
+        currentPage_ = shownPage;
+        ran_ = ranBefore;
+        HideBusyPanel();
+        RestorePointer();
+        return;
+    }
+    if (outcome) {
         ShowPage();
     } else {
         MutableGrid1().SetRows(2);
@@ -300,8 +336,10 @@ ExportFrame::ExportRequest PagedReportWindow::MakeExportRequest() {
     const QString title = TitleText();
     return {Grid1().Rows(), statement_->UpperBound(),
             ExportFrame::DefaultFileName(title, from_->date(), to_->date()), Texts().exportedText,
-            [this, shown, title](SheetModel& sheet, ExportFrame::ExportSteps& steps) {
-                statement_->WriteSheet(sheet, steps, {Grid1(), title, SelectedEntry(), shown});
+            // Written beside the window's thread: the texts are read here.
+            [this, shown, title, entry = SelectedEntry()](SheetModel& sheet,
+                                                          ExportFrame::ExportSteps& steps) {
+                statement_->WriteSheet(sheet, steps, {Grid1(), title, entry, shown});
             }};
 }
 

@@ -4,13 +4,17 @@
 #include <QDateTime>
 #include <QEventLoop>
 #include <QMouseEvent>
+#include <QThread>
 #include <QTimer>
 #include <cmath>
 #include <exception>
+#include <optional>
 #include <thread>
 
 #include "core/Dialogs.h"
 #include "core/RuntimeError.h"
+#include "core/StopRequest.h"
+#include "db/DatabaseSession.h"
 #include "db/SessionState.h"
 #include "frame/Conditions.h"
 #include "frame/widgets/ChildWindow.h"
@@ -66,6 +70,7 @@ const ControlSpec kFrameLayout[] = {
     {K::Grid,        "MSFlexGrid1",  "Picture3", {30, 420, 11865, 7095}},
     {K::Picture,     "Picture5",     "Picture3", {3675, 3300, 5340, 495}, {}, ControlFont::Normal, kHidden, kLightBlue},
     {K::Label,       "Label3",       "Picture5", {240, 75, 3930, 285}},
+    {K::Button,      "CommandStop",  "Picture5", {4230, 75, 1020, 345}, Said("取消")},
     {K::Picture,     "Picture4",     nullptr,    {4575, 9915, 14700, 585}},
     {K::ProgressBar, "ProgressBar1", "Picture4", {4005, 195, 6255, 285}, {}, ControlFont::Normal, kHidden},
     {K::Button,      "Command2",     "Picture4", {2250, 180, 1305, 345}, Said("导出Excel")},
@@ -107,10 +112,17 @@ ReportWindow::ReportWindow(const ReportDefinition& report, DatabaseSession& sess
     view1_->SetGrid(grid1_);
     command1_ = Control<QPushButton>("Command1");
     command2_ = Control<QPushButton>("Command2");
+    stopButton_ = Control<QPushButton>("CommandStop");
     progress_ = Control<QProgressBar>("ProgressBar1");
     status_ = Control<QStatusBar>("StatusBar1");
     SetStatusPanels();
 
+    connect(stopButton_, &QPushButton::clicked, this, [this] {
+        if (stopRun_) stopRun_();
+    });
+    creep_ = new QTimer(this);
+    creep_->setInterval(100);
+    connect(creep_, &QTimer::timeout, this, [this] { CreepOn(); });
     OnClick(command1_, [this] { Unload(); });
     OnClick(command2_, [this] { ClickCommand2(); });
     // Every change of the selected entry, by mouse or by keyboard.
@@ -203,10 +215,59 @@ void ReportWindow::RestorePointer() {
     if (pointerDepth_ == 0) return;
     if (pointerDepth_ == 1 && block_) {
         block_->Drain();
+        // A close asked for during a run that it stopped is carried out now.
+        if (QPointer<QWidget> closing = block_->CloseWanted())
+            QTimer::singleShot(0, closing, [closing] { closing->close(); });
         block_.reset();
     }
     QApplication::restoreOverrideCursor();
     --pointerDepth_;
+}
+
+bool ReportWindow::RunAside(const std::function<void()>& work, const std::function<void()>& keep,
+                            Queries queries) {
+    StopRequest stop;
+    QEventLoop loop;
+    // A query that started after the first interrupt is interrupted by the next.
+    QTimer again;
+    again.setInterval(100);
+    connect(&again, &QTimer::timeout, this, [this] { session_.Interrupt(); });
+    stopRun_ = [&] {
+        if (stop.Requested()) return;
+        stop.Request();
+        session_.Interrupt();
+        again.start();
+    };
+    if (block_) block_->AllowStop(stopRun_, stopButton_);
+    std::exception_ptr failure;
+    std::thread worker([&] {
+        StopScope scope(stop);
+        try {
+            std::optional<DatabaseSession::ThreadConnection> connection;
+            if (queries == Queries::Some) connection.emplace(session_);
+            work();
+        } catch (const Stopped&) {
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    loop.exec();
+    worker.join();
+    again.stop();
+    stopRun_ = nullptr;
+    if (block_) block_->AllowStop(nullptr, nullptr);
+    if (stop.Requested()) return false;
+    if (keep) keep();
+    if (failure) std::rethrow_exception(failure);
+    return true;
+}
+
+void ReportWindow::OnWindowThread(std::function<void()> call) {
+    if (QThread::currentThread() == thread())
+        call();
+    else
+        QMetaObject::invokeMethod(this, std::move(call), Qt::QueuedConnection);
 }
 
 void ReportWindow::ShowBusyPanel(const QString& text) {
@@ -224,6 +285,11 @@ void ReportWindow::ClickCommand2() {
     lastExport_ = ExportFrame::ExportCommand(MakeExportRequest(), *this, AppDialogs());
 }
 
+bool ReportWindow::WriteAside(const std::function<void()>& write) {
+    barShown_ = -1;
+    return RunAside(write, {}, Queries::None);
+}
+
 void ReportWindow::SetButtonsVisible(bool visible) {
     command1_->setVisible(visible);
     command2_->setVisible(visible);
@@ -236,40 +302,39 @@ void ReportWindow::ShowProgressBar(int maximum) {
     exportClock_.start();
 }
 void ReportWindow::SetProgressValue(int value) {
-    progress_->setValue(int(qint64(value) * kRowsShare / progressMaximum_));
+    // Rows come by the hundred thousand from the writing thread: the bar is
+    // told only when it moves.
+    const int shown = int(qint64(value) * kRowsShare / progressMaximum_);
+    if (shown == barShown_.exchange(shown)) return;
+    OnWindowThread([this, shown] { progress_->setValue(shown); });
 }
 
 void ReportWindow::FinishFile(const std::function<void()>& finish) {
-    // The library packs the workbook in one call: it runs beside the window's
-    // thread, which keeps painting (the input is blocked while busy) and
-    // moves the bar on towards, never to, the end, at the pace the rows set.
-    const double pace = std::max<double>(exportClock_.elapsed(), 500);
-    QElapsedTimer since;
-    since.start();
-    QEventLoop loop;
-    QTimer creep;
-    connect(&creep, &QTimer::timeout, this, [&] {
-        const double share = 1 - std::exp(-double(since.elapsed()) / pace);
-        progress_->setValue(kRowsShare + int((kBarSteps - 1 - kRowsShare) * share));
+    // The library packs the workbook in one call: meanwhile the bar moves on
+    // towards, never to, the end, at the pace the rows set.
+    OnWindowThread([this] {
+        creepPace_ = std::max<double>(exportClock_.elapsed(), 500);
+        creepClock_.start();
+        creep_->start();
     });
-    creep.start(100);
-    std::exception_ptr failure;
-    std::thread worker([&] {
-        try {
-            finish();
-        } catch (...) {
-            failure = std::current_exception();
+    struct StopCreep {
+        ReportWindow* w;
+        ~StopCreep() {
+            w->OnWindowThread([w = w] { w->creep_->stop(); });
         }
-        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
-    });
-    loop.exec();
-    worker.join();
-    creep.stop();
-    if (failure) std::rethrow_exception(failure);
-    progress_->setValue(kBarSteps);
+    } stopCreep{this};
+    finish();
+    OnWindowThread([this] { progress_->setValue(kBarSteps); });
+}
+
+void ReportWindow::CreepOn() {
+    const double share = 1 - std::exp(-double(creepClock_.elapsed()) / creepPace_);
+    progress_->setValue(kRowsShare + int((kBarSteps - 1 - kRowsShare) * share));
 }
 void ReportWindow::HideProgressBar() { progress_->hide(); }
-void ReportWindow::SetBusyLabelVisible(bool visible) { SetExportLabelVisible(visible); }
+void ReportWindow::SetBusyLabelVisible(bool visible) {
+    OnWindowThread([this, visible] { SetExportLabelVisible(visible); });
+}
 
 void ReportWindow::SetBusy(bool busy) {
     if (busy)

@@ -6,7 +6,9 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QTimer>
 #include <QWidget>
+#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -106,6 +108,21 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     void ShowBusyPanel(const QString& text);
     void HideBusyPanel();
 
+    // Runs work on a thread of its own, its queries on a connection of that
+    // thread's, while this thread goes on painting and ticking (the input
+    // stays blocked while the hourglass stands). Esc, a close of the window
+    // and the busy panel's 取消 stop it: its query is stopped at the driver
+    // and false returned, and the caller puts the window back as it was.
+    // Otherwise keep runs here, then an error that work raised is raised
+    // here, and true is returned. Work that touches widgets asks this thread
+    // (OnWindowThread); dialogs ask by themselves.
+    // Work without queries (the export) opens no connection.
+    enum class Queries { Some, None };
+    bool RunAside(const std::function<void()>& work, const std::function<void()>& keep = {},
+                  Queries queries = Queries::Some);
+    // Runs call on the window's thread: now from there, later from elsewhere.
+    void OnWindowThread(std::function<void()> call);
+
     // Command1: unloads the window, its MDI frame with it.
     void Unload();
 
@@ -134,7 +151,9 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     void HideProgressBar() override;
     void SetBusyLabelVisible(bool visible) override;
     void SetBusy(bool busy) override;
+    bool WriteAside(const std::function<void()>& write) override;
     void FinishFile(const std::function<void()>& finish) override;
+    void CreepOn();
     void SetStatusPanels();
 
     const ReportDefinition& report_;
@@ -146,13 +165,18 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     int pointerDepth_ = 0;
     int progressMaximum_ = 1;
     QElapsedTimer exportClock_;
+    std::atomic<int> barShown_ = -1;
+    QTimer* creep_;
+    QElapsedTimer creepClock_;
+    double creepPace_ = 500;
     std::unique_ptr<InputBlock> block_;
+    std::function<void()> stopRun_;
 
     QWidget *picture1_, *picture2_, *picture3_, *picture4_, *picture5_;
     QLabel *title_, *label3_;
     QListWidget* list1_;
     FlexGridView* view1_;
-    QPushButton *command1_, *command2_;
+    QPushButton *command1_, *command2_, *stopButton_;
     QProgressBar* progress_;
     QStatusBar* status_;
 };

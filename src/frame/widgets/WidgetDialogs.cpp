@@ -7,9 +7,25 @@
 #include <QMessageBox>
 #include <QStandardPaths>
 #include <QTextStream>
+#include <QThread>
 #include <memory>
 
 namespace yunqi {
+
+namespace {
+
+bool OffTheWindowsThread() { return QThread::currentThread() != qApp->thread(); }
+
+// Work running beside the windows asks its questions on the windows' thread
+// and waits for the answer.
+template <typename Answer, typename Ask>
+Answer AskOnTheWindowsThread(Answer answer, Ask ask) {
+    QMetaObject::invokeMethod(
+        qApp, [&] { answer = ask(); }, Qt::BlockingQueuedConnection);
+    return answer;
+}
+
+}  // namespace
 
 bool WidgetDialogs::Headless() {
     const QString platform = QGuiApplication::platformName();
@@ -18,6 +34,9 @@ bool WidgetDialogs::Headless() {
 
 MsgResult WidgetDialogs::MsgBox(const QString& text, const QString& title, MsgIcon icon,
                                 MsgButtons buttons) {
+    if (OffTheWindowsThread())
+        return AskOnTheWindowsThread(MsgResult::Ok,
+                                     [&] { return MsgBox(text, title, icon, buttons); });
     const bool headless = Headless();
     // Nobody can see or answer a box without a screen: the form goes to
     // standard error as well, the box is shown without waiting, and a
@@ -64,6 +83,9 @@ MsgResult WidgetDialogs::MsgBox(const QString& text, const QString& title, MsgIc
 
 std::optional<QString> WidgetDialogs::SaveFileName(const QString& defaultName,
                                                    const QString& filter) {
+    if (OffTheWindowsThread())
+        return AskOnTheWindowsThread(std::optional<QString>(),
+                                     [&] { return SaveFileName(defaultName, filter); });
     if (Headless()) {
         // The save dialog would wait for ever: cancelled, and said so.
         QTextStream(stderr) << "save dialog (" << defaultName << "): cancelled, no screen\n";
@@ -91,6 +113,9 @@ std::optional<QString> WidgetDialogs::SaveFileName(const QString& defaultName,
     return chosen;
 }
 
-void WidgetDialogs::Yield() { QApplication::processEvents(); }
+// Beside the windows there is nothing to yield to: their thread runs on.
+void WidgetDialogs::Yield() {
+    if (!OffTheWindowsThread()) QApplication::processEvents();
+}
 
 }  // namespace yunqi

@@ -48,12 +48,17 @@ QString ExportToExcel(const QString& chosen, const ExportRequest& request, Expor
     try {
         const QString file = ExportFileStem(chosen) + WorkbookExtension();
         ExportSteps steps(controls, dialogs);
-        StreamXlsx(
-            file, [&](SheetModel& sheet) { request.writeSheet(sheet, steps); }, {},
-            [&](const std::function<void()>& close) { steps.FinishFile(close); });
+        const auto write = [&] {
+            StreamXlsx(
+                file, [&](SheetModel& sheet) { request.writeSheet(sheet, steps); }, {},
+                [&](const std::function<void()>& close) { steps.FinishFile(close); });
+        };
+        const bool written = controls ? controls->WriteAside(write) : (write(), true);
         busy.End();
-        dialogs.MsgBox(request.successText, QStringLiteral("系统提示"), MsgIcon::Information);
-        return file;
+        // Stopped, the export is as cancelled as at the save dialog.
+        dialogs.MsgBox(written ? request.successText : CancelledText(), QStringLiteral("系统提示"),
+                       MsgIcon::Information);
+        return written ? file : QString();
     } catch (const RuntimeError& e) {
         busy.End();
         dialogs.MsgBox(ErrorText(e.number(), e.description()), QStringLiteral("系统提示"),

@@ -11,6 +11,7 @@
 
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
+#include "core/StopRequest.h"
 #include "frame/xlsx/WorkbookCheck.h"
 
 namespace yunqi {
@@ -207,6 +208,8 @@ void XlsxWriter::Close() {
     const lxw_error closed = workbook_close(book);
     if (closed != LXW_NO_ERROR) Fail(closed, d.path);
     CheckWorkbookFile(d.out.StagingPath(), d.path);
+    // Stopped while it was packed: the target stays as it was.
+    ThrowIfStopRequested();
     d.out.Commit();
 }
 

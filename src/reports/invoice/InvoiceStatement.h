@@ -12,6 +12,9 @@ namespace yunqi {
 class InvoiceStatement : public TicketStatement {
   public:
     explicit InvoiceStatement(DatabaseSession& session);
+    std::unique_ptr<PagedStatement> Clone() const override {
+        return std::make_unique<InvoiceStatement>(*this);
+    }
 
     Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& ratios,
                             FlexGrid& statementGrid) override;

@@ -19,6 +19,9 @@ class ParkingStatement : public TicketStatement {
     static constexpr DetailRows::Kind kElectronic = DetailRows::Kind::Electronic;  // 电子
 
     explicit ParkingStatement(DatabaseSession& session);
+    std::unique_ptr<PagedStatement> Clone() const override {
+        return std::make_unique<ParkingStatement>(*this);
+    }
 
     // Has an error trap: a failure is shown and leaves the items read so far.
     Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& ratios,

@@ -13,6 +13,9 @@ namespace yunqi {
 class PreInvoiceStatement : public TicketStatement {
   public:
     explicit PreInvoiceStatement(DatabaseSession& session);
+    std::unique_ptr<PagedStatement> Clone() const override {
+        return std::make_unique<PreInvoiceStatement>(*this);
+    }
 
     Trapped ExtractFeeItems(const StatementConditions& conditions, FlexGrid& ratios,
                             FlexGrid& statementGrid) override;

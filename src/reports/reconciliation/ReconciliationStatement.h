@@ -14,6 +14,9 @@ namespace yunqi {
 class ReconciliationStatement : public MonthlyStatement {
   public:
     explicit ReconciliationStatement(DatabaseSession& session) : session_(session) {}
+    std::unique_ptr<MonthlyStatement> Clone() const override {
+        return std::make_unique<ReconciliationStatement>(*this);
+    }
 
     void InitGridHeader(FlexGrid& statementGrid) const override;
     QString LoadInvoiceTypes() override;

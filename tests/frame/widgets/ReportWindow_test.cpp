@@ -15,11 +15,16 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTemporaryDir>
+#include <QThread>
+#include <QTimer>
+#include <atomic>
+#include <thread>
 
 #include "cli/DemoDatabase.h"
 #include "cli/GridCsv.h"
 #include "core/Dialogs.h"
 #include "core/RuntimeError.h"
+#include "core/StopRequest.h"
 #include "db/SessionState.h"
 #include "frame/Pager.h"
 #include "frame/widgets/EventDriver.h"
@@ -40,7 +45,9 @@ const QString kReconciliation = QStringLiteral("开票票据核对表");
 // The invoice statement telling the test what the window shows while it works.
 class WatchedStatement : public InvoiceStatement {
   public:
-    struct Hooks { std::function<void()> onBuildHeader, onShowPage; };
+    struct Hooks {
+        std::function<void()> onBuildHeader, onShowPage;
+    };
     const Hooks& hooks_;
     WatchedStatement(DatabaseSession& s, const Hooks& hooks) : InvoiceStatement(s), hooks_(hooks) {}
     void BuildGridHeader(FlexGrid& g1, const FlexGrid& g2) override {
@@ -63,11 +70,15 @@ void ExpectSameAsFile(const QByteArray& shown, const QString& file) {
 // Message boxes recorded with the state of the window at the moment.
 class WatchingDialogs : public RecordingDialogs {
   public:
-    std::function<void()> onMessage;
+    std::function<void()> onMessage, onYield;
     MsgResult MsgBox(const QString& text, const QString& title, MsgIcon icon,
                      MsgButtons buttons) override {
         if (onMessage) onMessage();
         return RecordingDialogs::MsgBox(text, title, icon, buttons);
+    }
+    void Yield() override {
+        if (onYield) onYield();
+        RecordingDialogs::Yield();
     }
 };
 
@@ -149,7 +160,8 @@ TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
         EXPECT_FALSE(Child<QPushButton>(w, "Command6")->isEnabled());
     }
     EXPECT_TRUE(dialogs.messages.empty()) << dialogs.texts().join('|').toStdString();
-    const QString golden = QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/") + report.command + '/';
+    const QString golden =
+        QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/") + report.command + '/';
     ExpectSameAsFile(GridCsv(w->Grid1()).toUtf8(), golden + "statement.csv");
 
     QTemporaryDir dir;
@@ -193,9 +205,9 @@ TEST_P(ReportWindows, EveryControlTakesAClickWhereItIsDrawn) {
         Settle();
         int seen = 0;
         for (QWidget* control : w->findChildren<QWidget*>()) {
-            if (!control->isVisibleTo(w) || !(qobject_cast<QAbstractButton*>(control) ||
-                                               qobject_cast<QAbstractSpinBox*>(control) ||
-                                               qobject_cast<QComboBox*>(control)))
+            if (!control->isVisibleTo(w) ||
+                !(qobject_cast<QAbstractButton*>(control) ||
+                  qobject_cast<QAbstractSpinBox*>(control) || qobject_cast<QComboBox*>(control)))
                 continue;
             ++seen;
             const QWidget* hit = w->childAt(control->mapTo(w, control->rect().center()));
@@ -218,7 +230,8 @@ TEST_F(MonthlyWindowTest, ADepartmentMonthsInOrderTicketsFirstAndTheBoxAtTheBott
     FillGoldenLedger(db);
     auto* w = OpenOnLedger<MonthlyReportWindow>(kReconciliation);
     ASSERT_TRUE(w);
-    EXPECT_EQ(Child<QComboBox>(w, "Combo1")->currentText(), QString::number(QDate::currentDate().year()));
+    EXPECT_EQ(Child<QComboBox>(w, "Combo1")->currentText(),
+              QString::number(QDate::currentDate().year()));
     ClickButton(w, "Command3");
     EXPECT_EQ(dialogs.texts(), QStringList{"请先选择统计部门!"});
     Months(w, "2024", "12", "01");
@@ -283,16 +296,19 @@ class InvoiceWindowTest : public WindowTest {
         db.Item("07", "停车费", "0.05", "停车收费");
         db.Methods({"现金"});
         for (int i = 1; i <= 45; ++i)
-            db.Add({.no = QString("%1").arg(i, 5, 10, QChar('0')), .issued = "2024-03-10",
-                    .amount = 100, .item = i % 2 ? "01" : "07", .dept = "01"});
+            db.Add({.no = QString("%1").arg(i, 5, 10, QChar('0')),
+                    .issued = "2024-03-10",
+                    .amount = 100,
+                    .item = i % 2 ? "01" : "07",
+                    .dept = "01"});
         db.Exec("COMMIT");
         session = db.Session();
         definition = *FindReport("invoice");
         definition.makePaged = [this](DatabaseSession& s) {
             return std::make_unique<WatchedStatement>(s, hooks);
         };
-        main = ShownMainWindow(
-            {{kInvoice, [this] { return NewReportWindow(definition, *session); }}});
+        main =
+            ShownMainWindow({{kInvoice, [this] { return NewReportWindow(definition, *session); }}});
     }
     PagedReportWindow* Open() { return OpenFromMenu<PagedReportWindow>(*main, kInvoice); }
     // Department 01, March 2024, fee items extracted.
@@ -344,7 +360,9 @@ TEST_F(InvoiceWindowTest, ChecksConditionsClosesAndOpensFreshAtItsDesignSizeOnce
     EXPECT_EQ(w->Grid2().Rows(), 1);
     EXPECT_TRUE(w->Conditions().DeptCode.isEmpty());
     for (const auto& [panel, text] : std::vector<std::pair<const char*, QString>>{
-             {"Panel2", "张三"}, {"Panel4", "财务部"}, {"Panel8", QDate::currentDate().toString("yyyy-MM-dd")}})
+             {"Panel2", "张三"},
+             {"Panel4", "财务部"},
+             {"Panel8", QDate::currentDate().toString("yyyy-MM-dd")}})
         EXPECT_EQ(Child<QLabel>(w, panel)->text(), text) << panel;
     QMdiSubWindow* frame = Frame(w);
     EXPECT_FALSE(frame->isMaximized());
@@ -372,7 +390,8 @@ TEST_F(InvoiceWindowTest, ChecksConditionsClosesAndOpensFreshAtItsDesignSizeOnce
     QString memo = "报表";
     main->权限设置(memo);
     AppSession().SessionConnection.reset();
-    for (const char* name : {"统计报表", "停车费明细表", "增值税开票明细表", "增值税预开明细表", "开票票据核对表"})
+    for (const char* name :
+         {"统计报表", "停车费明细表", "增值税开票明细表", "增值税预开明细表", "开票票据核对表"})
         EXPECT_FALSE(main->findChild<QAction*>(QString::fromUtf8(name))->isEnabled()) << name;
     EXPECT_TRUE(main->findChild<QAction*>("关于软件")->isEnabled());
     dialogs.answers = {MsgResult::No};
@@ -439,8 +458,9 @@ TEST_F(InvoiceWindowTest, ArrowKeysCarryTheTitleAndATallerWindowShowsTheEndOfThe
     ASSERT_GT(w->height(), 850);
     auto* list = Child<QListWidget>(w, "List1");
     list->setFocus();
-    for (const auto& [key, title] : std::vector<std::pair<Qt::Key, QString>>{
-             {Qt::Key_Down, "【云栖苑】增值税开票明细表"}, {Qt::Key_Down, "【分部02】增值税开票明细表"}}) {
+    for (const auto& [key, title] :
+         std::vector<std::pair<Qt::Key, QString>>{{Qt::Key_Down, "【云栖苑】增值税开票明细表"},
+                                                  {Qt::Key_Down, "【分部02】增值税开票明细表"}}) {
         QTest::keyClick(list, key);
         Settle();
         EXPECT_EQ(w->TitleText(), title);
@@ -542,9 +562,12 @@ TEST_F(InvoiceWindowTest, PagerStripGoesThroughThePages) {
                   QString::number(Pager::FirstRowOf(page, w->PageSize())));
     };
     expectPage(1);
-    for (const auto& [image, page] : std::vector<std::pair<const char*, int>>{
-             {"Image2(3)", pages}, {"Image2(2)", pages}, {"Image2(1)", pages - 1},
-             {"Image2(0)", 1}, {"Image2(1)", 1}}) {
+    for (const auto& [image, page] :
+         std::vector<std::pair<const char*, int>>{{"Image2(3)", pages},
+                                                  {"Image2(2)", pages},
+                                                  {"Image2(1)", pages - 1},
+                                                  {"Image2(0)", 1},
+                                                  {"Image2(1)", 1}}) {
         SCOPED_TRACE(image);
         ClickButton(w, image);
         expectPage(page);
@@ -571,8 +594,10 @@ TEST_F(InvoiceWindowTest, PagerStripGoesThroughThePages) {
 // Every page is shown from its first row; the page counts rows as drawn.
 TEST_F(InvoiceWindowTest, EachPageFromItsFirstRowAndItsLastRowWhole) {
     for (int i = 1; i <= 40; ++i)  // three pages or more, the first two full
-        db.Add({.no = QString("M%1").arg(i, 4, 10, QChar('0')), .issued = "2024-03-11",
-                .amount = 100, .dept = "01"});
+        db.Add({.no = QString("M%1").arg(i, 4, 10, QChar('0')),
+                .issued = "2024-03-11",
+                .amount = 100,
+                .dept = "01"});
     PagedReportWindow* w = Open();
     Extract(w);
     ClickButton(w, "Command6");
@@ -608,10 +633,10 @@ TEST_F(InvoiceWindowTest, InputDuringARunDoesNotActAfterIt) {
         const QPoint at = command3->rect().center();
         for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
             QCoreApplication::postEvent(
-                command3, new QMouseEvent(type, at, command3->mapToGlobal(at), Qt::LeftButton,
-                                          type == QEvent::MouseButtonPress ? Qt::LeftButton
-                                                                           : Qt::NoButton,
-                                          Qt::NoModifier));
+                command3,
+                new QMouseEvent(type, at, command3->mapToGlobal(at), Qt::LeftButton,
+                                type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+                                Qt::NoModifier));
     };
     ClickButton(w, "Command6");
     Settle();
@@ -648,4 +673,157 @@ TEST_F(InvoiceWindowDemoTest, ScreenshotOfTheWindowOpenedFromTheMenu) {
     EXPECT_TRUE(dialogs.messages.empty());
     if (const QByteArray shot = qgetenv("YUNQI_SCREENSHOT"); !shot.isEmpty())
         EXPECT_TRUE(main->grab().save(QString::fromUtf8(shot)));
+}
+
+// ---- Runs beside the window's thread, and stopped ---------------------------------
+
+namespace {
+
+enum class StopBy { Escape, StopButton, Close };
+
+// Which window, how the operator stops it, and at which query of which
+// button's run (the reconciliation's run has two steps, each on a thread of
+// its own; a paged window's statistics follow an extraction).
+struct StopRow {
+    const char* name;
+    const char* report;
+    StopBy by;
+    const char* button;
+    int atQuery;
+};
+void PrintTo(const StopRow& row, std::ostream* os) { *os << row.name; }
+
+const StopRow kStopRows[] = {
+    {"invoiceExtractingByEscape", "invoice", StopBy::Escape, "Command3", 1},
+    {"invoiceCountingByTheButton", "invoice", StopBy::StopButton, "Command6", 1},
+    {"preinvoiceCountingByEscape", "preinvoice", StopBy::Escape, "Command6", 1},
+    {"parkingExtractingByTheButton", "parking", StopBy::StopButton, "Command3", 1},
+    {"parkingCountingByClosing", "parking", StopBy::Close, "Command6", 1},
+    {"reconciliationExtractingByEscape", "reconciliation", StopBy::Escape, "Command3", 1},
+    {"reconciliationRunningByTheButton", "reconciliation", StopBy::StopButton, "Command3", 4},
+};
+
+// Waits, on the work's thread, until done() holds; a minute is a hang.
+bool WaitFor(const std::function<bool()>& done) {
+    for (int i = 0; i < 6000 && !done(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return done();
+}
+
+class StoppedRuns : public WindowTest, public ::testing::WithParamInterface<StopRow> {
+  protected:
+    // The conditions of the golden statements, and a run: extraction, then
+    // the statistics of a paged window.
+    void Run(ReportWindow* w) {
+        ClickButton(w, "Command3");
+        if (paged) ClickButton(w, "Command6");
+    }
+    QString Shown(ReportWindow* w) {
+        return GridCsv(w->Grid1()) + (paged ? Child<QLabel>(w, "Label19")->text() : QString());
+    }
+    bool paged = false;
+};
+
+}  // namespace
+
+// The window paints and ticks while the statement runs; stopped, it shows the
+// statement of the run before, and the run after is as if none was stopped.
+TEST_P(StoppedRuns, TheWindowLivesAndAStopPutsItBack) {
+    const StopRow& row = GetParam();
+    const ReportDefinition& report = *FindReport(row.report);
+    FillGoldenLedger(db);
+    ReportWindow* w = OpenOnLedger(report.menuEntry);
+    ASSERT_TRUE(w);
+    paged = report.conditions == ConditionsKind::DateWindow;
+    paged ? SetDates(w, QDate(2024, 3, 1), QDate(2024, 3, 31)) : Months(w, "2024", "03", "03");
+    ClickEntry(w, 0);
+    Run(w);
+    ASSERT_GT(w->Grid1().Rows(), 2);
+
+    const QString statement = Shown(w);
+    // Counting follows a new extraction, which empties the grid.
+    if (QLatin1String(row.button) == QLatin1String("Command6")) ClickButton(w, "Command3");
+    const QString before = Shown(w);
+
+    std::atomic<int> ticks = 0, queries = 0;
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, [&] { ++ticks; });
+    tick.start(10);
+    bool ticked = false, stopSeen = false;
+    QWidget* stop = Child(w, "CommandStop");
+    session->SetSqlLog([&](const QString&) {
+        if (QThread::currentThread() == qApp->thread() || ++queries != row.atQuery) return;
+        const int seen = ticks;
+        ticked = WaitFor([&] { return ticks >= seen + 2; });
+        QMetaObject::invokeMethod(
+            qApp,
+            [&] {
+                switch (row.by) {
+                    case StopBy::Escape:
+                        QTest::keyClick(Child(w, "MSFlexGrid1"), Qt::Key_Escape);
+                        break;
+                    case StopBy::StopButton:
+                        ClickAt(w, stop->mapTo(w, stop->rect().center()));
+                        break;
+                    case StopBy::Close:
+                        Frame(w)->close();
+                        break;
+                }
+            },
+            Qt::QueuedConnection);
+        stopSeen = WaitFor([] { return StopRequestedHere(); });
+    });
+    ClickButton(w, row.button);
+    Settle();
+    session->SetSqlLog(nullptr);
+    EXPECT_TRUE(ticked) << "the window's timer stood still during the run";
+    EXPECT_TRUE(stopSeen);
+    EXPECT_TRUE(dialogs.messages.empty()) << dialogs.texts().join('|').toStdString();
+    EXPECT_TRUE(errors.empty());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    if (row.by == StopBy::Close) {
+        EXPECT_EQ(main->OpenWindow(report.menuEntry), nullptr) << "the close was not carried out";
+        return;
+    }
+    EXPECT_EQ(Shown(w).toStdString(), before.toStdString());
+    EXPECT_TRUE(Child(w, "Picture5")->isHidden());
+    if (paged) EXPECT_FALSE(Child<QPushButton>(w, "Command6")->isEnabled());
+    Run(w);
+    EXPECT_EQ(Shown(w).toStdString(), statement.toStdString());
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, StoppedRuns, ::testing::ValuesIn(kStopRows),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// An export stopped while its rows go out writes nothing: the old file stays,
+// no temporary file is left, and the operator is told as for a cancelled dialog.
+TEST_F(InvoiceWindowTest, AStoppedExportLeavesTheOldFile) {
+    PagedReportWindow* w = Open();
+    Extract(w);
+    ClickButton(w, "Command6");
+    QTemporaryDir dir;
+    const QString target = dir.filePath("out.xlsx");
+    QFile old(target);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("the old statement") > 0);
+    old.close();
+    dialogs.saveAnswers = {target};
+    bool stopSeen = false;
+    dialogs.onYield = [&] {
+        if (QThread::currentThread() == qApp->thread() || stopSeen) return;
+        QMetaObject::invokeMethod(
+            qApp, [&] { QTest::keyClick(w, Qt::Key_Escape); }, Qt::QueuedConnection);
+        stopSeen = WaitFor([] { return StopRequestedHere(); });
+    };
+    ClickButton(w, "Command2");
+    dialogs.onYield = nullptr;
+    EXPECT_TRUE(stopSeen);
+    EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral("您取消了导出操作！")});
+    EXPECT_TRUE(w->LastExport().isEmpty());
+    QFile kept(target);
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+    EXPECT_EQ(kept.readAll(), "the old statement");
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.xlsx"});
+    EXPECT_TRUE(Child(w, "Command2")->isVisible());
+    EXPECT_FALSE(Child(w, "ProgressBar1")->isVisible());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
