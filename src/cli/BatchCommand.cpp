@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QScopeGuard>
 #include <algorithm>
 
 #include "cli/BatchFolder.h"
@@ -13,6 +14,7 @@
 #include "cli/BatchSummary.h"
 #include "cli/StatementCli.h"
 #include "cli/StatementSession.h"
+#include "cli/TimeLimit.h"
 #include "cli/os/Companions.h"
 #include "cli/os/Interrupts.h"
 #include "core/OutputFile.h"
@@ -55,6 +57,16 @@ void MakeDepartmentFolders(const BatchStaging& staging, BatchPlan& plan) {
     }
 }
 
+// A batch stopped by its time limit says so, with the limit's status.
+int Interrupted(BatchProgress& progress, const TimeLimit& limit) {
+    if (!limit.Reached()) {
+        progress.Interrupted(QStringLiteral("interrupted"));
+        return kInterrupted;
+    }
+    progress.Interrupted(TimeLimitText(limit.Seconds()));
+    return kExitTimeLimit;
+}
+
 }  // namespace
 
 int RunBatch(const QStringList& args) {
@@ -62,6 +74,9 @@ int RunBatch(const QStringList& args) {
     const auto parsed = ParseBatchOptions(args, problem);
     if (!parsed) return BadArguments(problem);
     const BatchOptions& o = *parsed;
+    // Until the batch can stop as an interrupt stops it, the limit ends the
+    // process: nothing is made yet, and the server may never answer.
+    TimeLimit limit(o.timeout, QStringLiteral("yunqi-statement: batch: "));
 
     // The departments in the list's order, as many as were asked for.
     QStringList entries;
@@ -83,6 +98,8 @@ int RunBatch(const QStringList& args) {
     // From here on an interrupt removes what the batch made, and the output
     // folder stays as it was.
     InterruptWatch watch;
+    limit.EndBy([&watch] { watch.Request(); });
+    const auto limitEnded = qScopeGuard([&limit] { limit.Stop(); });
     BatchStaging staging(o.out);
     if (!staging.Make()) return kSomeFailed;
     BatchOptions staged = o;
@@ -100,11 +117,8 @@ int RunBatch(const QStringList& args) {
             job.message = staging.AsOutput(job.message);
             progress.Finished(job, done);
         },
-        watch);
-    if (!completed || watch.Requested()) {
-        progress.Interrupted();
-        return kInterrupted;
-    }
+        watch, limit);
+    if (!completed || watch.Requested()) return Interrupted(progress, limit);
     try {
         WriteOutputFile(QDir(staging.Path()).filePath(QStringLiteral("summary.csv")),
                         BatchSummary(plan.jobs).toUtf8());
@@ -114,10 +128,7 @@ int RunBatch(const QStringList& args) {
         BatchSay(staging.AsOutput(e.description()));
         return kSomeFailed;
     }
-    if (watch.Requested()) {
-        progress.Interrupted();
-        return kInterrupted;
-    }
+    if (watch.Requested()) return Interrupted(progress, limit);
     if (!staging.SwapIn()) return kSomeFailed;
     // The batch's verdict on the books; --quiet keeps it for when some disagree.
     const int disagreeing = DepartmentsNotReconciled(plan.jobs);

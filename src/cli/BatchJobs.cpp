@@ -50,8 +50,9 @@ QString FailureMessage(const QByteArray& err, int code, QProcess::ExitStatus how
                                       : QStringLiteral("exit status %1").arg(code);
 }
 
+// A signal, or the companion's share of the batch's time limit.
 bool EndedByInterrupt(int code, QProcess::ExitStatus how) {
-    if (how != QProcess::CrashExit) return false;
+    if (how == QProcess::NormalExit) return code == kExitTimeLimit;
 #ifdef SIGHUP
     if (code == SIGHUP) return true;
 #endif
@@ -61,7 +62,8 @@ bool EndedByInterrupt(int code, QProcess::ExitStatus how) {
 }  // namespace
 
 bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& program,
-                  const std::function<void(BatchJob&, int done)>& finished, InterruptWatch& watch) {
+                  const std::function<void(BatchJob&, int done)>& finished, InterruptWatch& watch,
+                  const TimeLimit& limit) {
     QEventLoop loop;
     // Statements that failed before the run (their folder) count as done.
     std::deque<std::size_t> waiting;
@@ -149,7 +151,10 @@ bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& prog
                                  if (error == QProcess::FailedToStart && !ended[i]) notStarted(i);
                              });
             TieToThisProcess(*process);
-            process->start(program, jobs[i].args);
+            QStringList args = jobs[i].args;
+            if (const int left = limit.SecondsLeft())
+                args << QStringLiteral("--timeout") << QString::number(left);
+            process->start(program, args);
         }
     };
 

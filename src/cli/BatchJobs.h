@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "cli/TimeLimit.h"
 #include "cli/os/Interrupts.h"
 
 namespace yunqi {
@@ -38,9 +39,12 @@ QString StatusText(BatchJob::Status status);
 // a time, or fails its statement when none is running. Returns false when
 // interrupted (the watch's request): the running companions are stopped, and
 // they remove their temporary files themselves; one that the same request
-// ended is not a failed statement.
+// ended is not a failed statement. Each companion gets what is left of the
+// batch's time limit as its own, so that it ends by itself also where the
+// batch cannot end it.
 bool RunBatchJobs(std::vector<BatchJob>& jobs, int parallel, const QString& program,
-                  const std::function<void(BatchJob&, int done)>& finished, InterruptWatch& watch);
+                  const std::function<void(BatchJob&, int done)>& finished, InterruptWatch& watch,
+                  const TimeLimit& limit);
 
 // Body records of a CSV text (RFC 4180: a quoted field may hold line ends).
 int CsvRecords(const QByteArray& csv);

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "cli/StatementOptions.h"
+#include "cli/TimeLimit.h"
 #include "frame/Conditions.h"
 #include "frame/SplitRatios.h"
 #include "reports/Reports.h"
@@ -52,6 +53,7 @@ const CommandSpec& BatchSpec() {
                                    {"--ratio", "ITEMCODE=DEV/PROP", O::Repeatable, RatioProblem},
                                    {"--csv", nullptr, O::Repeatable},
                                    {"--jobs", "N", 0, JobsProblem},
+                                   {"--timeout", "SECONDS", 0, TimeoutProblem},
                                    {"--force", nullptr, O::Repeatable},
                                    {"--quiet", nullptr, O::Repeatable}}};
     return spec;
@@ -86,6 +88,7 @@ std::optional<BatchOptions> ParseBatchOptions(const QStringList& args, QString& 
     o.csv = parsed.Has(QStringLiteral("--csv"));
     o.jobs = parsed.Has(QStringLiteral("--jobs")) ? parsed.Value(QStringLiteral("--jobs")).toInt()
                                                   : std::max(1, QThread::idealThreadCount());
+    o.timeout = parsed.Value(QStringLiteral("--timeout")).toInt();
     o.force = parsed.Has(QStringLiteral("--force"));
     o.quiet = parsed.Has(QStringLiteral("--quiet"));
     return o;

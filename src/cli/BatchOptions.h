@@ -18,7 +18,8 @@ struct BatchOptions {
     QStringList reports;
     QStringList ratios;  // as typed, passed on to each statement
     bool csv = false;
-    int jobs = 0;  // default: the number of processors
+    int jobs = 0;     // default: the number of processors
+    int timeout = 0;  // seconds for the whole batch; 0: no limit
     bool force = false;
     bool quiet = false;
 };

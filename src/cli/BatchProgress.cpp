@@ -31,10 +31,10 @@ void BatchProgress::Finished(const BatchJob& job, int done) {
         err << line << "\n" << Qt::flush;
 }
 
-void BatchProgress::Interrupted() {
+void BatchProgress::Interrupted(const QString& why) {
     // A redrawn line is ended first.
     if (terminal_ && !quiet_) QTextStream(stderr) << "\n";
-    BatchSay(QStringLiteral("interrupted"));
+    BatchSay(why);
 }
 
 }  // namespace yunqi

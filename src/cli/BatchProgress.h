@@ -16,7 +16,8 @@ class BatchProgress {
   public:
     BatchProgress(int total, bool quiet);
     void Finished(const BatchJob& job, int done);
-    void Interrupted();
+    // The batch stopped before its end: why, after a redrawn line is ended.
+    void Interrupted(const QString& why);
 
   private:
     int total_;

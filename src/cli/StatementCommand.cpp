@@ -8,6 +8,7 @@
 #include "cli/GridCsv.h"
 #include "cli/StatementCli.h"
 #include "cli/StatementSession.h"
+#include "cli/TimeLimit.h"
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
 #include "db/Settings.h"
@@ -31,6 +32,8 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
         return kStatementBadArguments;
     }
     const StatementOptions& o = *options;
+    // The whole run, a wait for a server that never answers too.
+    const TimeLimit limit(o.timeout, QStringLiteral("yunqi-statement: "));
     const std::vector<OutputOption> outputs{{QStringLiteral("--csv"), o.csv, Dash::IsStdout},
                                             {QStringLiteral("--xlsx"), o.xlsx},
                                             {QStringLiteral("--sql-log"), o.sqlLog}};

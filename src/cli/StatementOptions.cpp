@@ -4,6 +4,8 @@
 #include <QSet>
 #include <cmath>
 
+#include "cli/TimeLimit.h"
+
 namespace yunqi {
 
 namespace {
@@ -66,6 +68,7 @@ CommandSpec DateWindowSpec() {
              {"--csv", "PATH|-"},
              {"--xlsx", "PATH"},
              {"--sql-log", "PATH"},
+             {"--timeout", "SECONDS", 0, TimeoutProblem},
              {"--quiet", nullptr}},
             {QStringLiteral("--year"), QStringLiteral("--months")},
             QStringLiteral(" belongs to the reconciliation; this command takes --from and --to")};
@@ -79,6 +82,7 @@ CommandSpec YearMonthsSpec() {
              {"--csv", "PATH|-"},
              {"--xlsx", "PATH"},
              {"--sql-log", "PATH"},
+             {"--timeout", "SECONDS", 0, TimeoutProblem},
              {"--quiet", nullptr}},
             {QStringLiteral("--from"), QStringLiteral("--to"), QStringLiteral("--ratio")},
             QStringLiteral(" belongs to the date-window statements; this command takes --year and "
@@ -139,6 +143,7 @@ std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, C
     o.xlsx = parsed.Value(QStringLiteral("--xlsx"));
     o.sqlLog = parsed.Value(QStringLiteral("--sql-log"));
     o.quiet = parsed.Has(QStringLiteral("--quiet"));
+    o.timeout = parsed.Value(QStringLiteral("--timeout")).toInt();
     if (kind == ConditionsKind::DateWindow) {
         o.from = Day(parsed.Value(QStringLiteral("--from")));
         o.to = Day(parsed.Value(QStringLiteral("--to")));

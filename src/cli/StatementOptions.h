@@ -15,7 +15,7 @@ namespace yunqi {
 // shape of conditions its command takes:
 //   DateWindow (invoice, preinvoice, parking): --from, --to, --ratio...
 //   YearMonths (reconciliation):               --year, --months
-// Both take --database, --dept, --csv, --xlsx, --sql-log and --quiet.
+// Both take --database, --dept, --csv, --xlsx, --sql-log, --timeout and --quiet.
 struct RatioOption {
     QString itemCode;   // 收费项目代号, without quotes
     QString developer;  // the 开发商 percentage as typed
@@ -37,6 +37,7 @@ struct StatementOptions {
     QString csv;  // "-" for standard output
     QString xlsx;
     QString sqlLog;
+    int timeout = 0;     // seconds; 0: no limit
     bool quiet = false;  // no progress line on a terminal
 };
 

@@ -154,8 +154,8 @@ void Check(const Target& t) {
     }
     if (!os::IsFolder(t.folder)) throw RuntimeError(ErrorCode::PathNotFound, t.folder);
     if (const os::Error e = os::CanCreateIn(t.folder))
-        Fail(t.path, QStringLiteral("no new file can be made in ") + t.folder + QStringLiteral(": ") +
-                         os::Reason(e));
+        Fail(t.path, QStringLiteral("no new file can be made in ") + t.folder +
+                         QStringLiteral(": ") + os::Reason(e));
     if (t.info.exists) {
         if (const os::Error e = os::WriteAccess(t.file, t.info)) FailWith(t.path, e);
         // Root may write anything; a file without a write bit is still read-only.
@@ -397,5 +397,7 @@ void InstallOutputCleanup() {
 }
 
 void RemoveTemporaryOutputs() { RemoveRegistered(); }
+
+void RemoveTemporaryOutputsFromAnyThread() { RemoveAtTheEnd(); }
 
 }  // namespace yunqi

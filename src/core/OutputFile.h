@@ -96,5 +96,10 @@ void InstallOutputCleanup();
 // Removes every registered temporary file now, for an end of the process that
 // skips the destructors.
 void RemoveTemporaryOutputs();
+// The same for an end decided on a thread of its own (a time limit) while other
+// threads may be making or writing outputs: as the end handler does, a file
+// being made is registered first and no new one is made from then on, so the
+// process must end right after.
+void RemoveTemporaryOutputsFromAnyThread();
 
 }  // namespace yunqi

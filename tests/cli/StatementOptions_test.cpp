@@ -73,15 +73,27 @@ TEST(StatementOptionsTest, EachProblemNamesItsOption) {
          "--ratio for item 7 given twice"},
         {kWindow + QStringList{"--xlsx", "--csv", "a"}, W, "--xlsx needs a value"},
         {QStringList{"-"} + kWindow, W, "unexpected argument -"},
+        {kWindow + QStringList{"--timeout", "0"}, W,
+         "--timeout wants a whole number of seconds from 1 to 2147483647, not 0"},
+        {kMonths + QStringList{"--timeout", "-1"}, M,
+         "--timeout wants a whole number of seconds from 1 to 2147483647, not -1"},
+        {kWindow + QStringList{"--timeout", "1.5"}, W,
+         "--timeout wants a whole number of seconds from 1 to 2147483647, not 1.5"},
+        {kMonths + QStringList{"--timeout", "2147483648"}, M,
+         "--timeout wants a whole number of seconds from 1 to 2147483647, not 2147483648"},
     };
     for (const Case& c : cases)
         EXPECT_EQ(Problem(c.args, c.kind), QString::fromUtf8(c.problem))
             << c.args.join(' ').toStdString();
     // Ratios of two items, and a 开发商 share as typed (it is summed and shown only).
     QString problem;
-    const auto o = ParseStatementOptions(
-        kWindow + QStringList{"--ratio", "007=60%/40", "--ratio", "008= 55 / 45 "}, problem);
+    const auto o =
+        ParseStatementOptions(kWindow + QStringList{"--ratio", "007=60%/40", "--ratio",
+                                                    "008= 55 / 45 ", "--timeout", "172800"},
+                              problem);
     ASSERT_TRUE(o) << problem.toStdString();
+    EXPECT_EQ(o->timeout, 172800);  // two days: longer than a day is allowed
+    EXPECT_EQ(ParseStatementOptions(kWindow, problem)->timeout, 0);  // none by default
     ASSERT_EQ(o->ratios.size(), 2u);
     EXPECT_EQ(o->ratios[0].developer, "60%");
     EXPECT_EQ(o->ratios[1].property, " 45 ");
@@ -95,6 +107,8 @@ TEST(BatchOptionsTest, ValuesAndTheBatchsOwnShapes) {
          "--report wants invoice, preinvoice, parking or reconciliation, not invoices"},
         {{"--ratio", "7=60/x"}, "--ratio 7=60/x: the 物业 share x is no number"},
         {{"--ratio", "7=60/40", "--ratio", "7=50/50"}, "--ratio for item 7 given twice"},
+        {{"--timeout", "abc"},
+         "--timeout wants a whole number of seconds from 1 to 2147483647, not abc"},
     };
     for (const auto& [extra, message] : cases) {
         QString problem;
@@ -103,12 +117,13 @@ TEST(BatchOptionsTest, ValuesAndTheBatchsOwnShapes) {
     }
     QString problem;
     const auto o = ParseBatchOptions(base + QStringList{"--dept", "A", "--dept", "B", "--csv",
-                                                        "--csv", "--jobs", "3"},
+                                                        "--csv", "--jobs", "3", "--timeout", "90"},
                                      problem);
     ASSERT_TRUE(o) << problem.toStdString();
     EXPECT_EQ(o->month, QDate(2024, 2, 1));
     EXPECT_EQ(o->depts, QStringList({"A", "B"}));
     EXPECT_TRUE(o->csv);  // a flag may be repeated, as before
     EXPECT_EQ(o->jobs, 3);
+    EXPECT_EQ(o->timeout, 90);
     EXPECT_FALSE(o->force);
 }

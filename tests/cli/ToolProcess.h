@@ -31,6 +31,7 @@ struct ToolOptions {
     qint64 fileSizeLimit = 0;  // bytes; 0 for none
     QString stdoutFile;        // standard output goes to this file when set
     QString workDir;
+    QStringList env;                      // NAME=VALUE settings added to the environment
     const struct passwd* user = nullptr;  // run as this user (root only); 126 when refused
 };
 
@@ -39,13 +40,19 @@ inline QString ToolPath() { return QStringLiteral(YUNQI_BIN_DIR "/yunqi-statemen
 inline void StartTool(QProcess& p, const QStringList& args, const ToolOptions& o = {}) {
     if (!o.stdoutFile.isEmpty()) p.setStandardOutputFile(o.stdoutFile);
     if (!o.workDir.isEmpty()) p.setWorkingDirectory(o.workDir);
+    if (!o.env.isEmpty()) {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        for (const QString& setting : o.env)
+            env.insert(setting.section('=', 0, 0), setting.section('=', 1));
+        p.setProcessEnvironment(env);
+    }
     const qint64 limit = o.fileSizeLimit;
     const uid_t uid = o.user ? o.user->pw_uid : 0;
     const gid_t gid = o.user ? o.user->pw_gid : 0;
     p.setChildProcessModifier([limit, uid, gid] {
         if (limit > 0) {
             ::signal(SIGXFSZ, SIG_IGN);
-            const struct rlimit rl {rlim_t(limit), rlim_t(limit)};
+            const struct rlimit rl { rlim_t(limit), rlim_t(limit) };
             ::setrlimit(RLIMIT_FSIZE, &rl);
         }
         if (uid != 0 && (::setgroups(0, nullptr) != 0 || ::setgid(gid) != 0 || ::setuid(uid) != 0))
@@ -79,8 +86,8 @@ inline const QString& DemoLedger() {
 
 // The invoice statement of department 01 over 2024, on ledger.
 inline QStringList Invoice(const QStringList& extra, const QString& ledger = DemoLedger()) {
-    return QStringList{"invoice", "--database", ledger, "--dept", "01",
-                       "--from", "2024-01-01", "--to", "2024-12-31"} +
+    return QStringList{"invoice", "--database", ledger, "--dept",    "01",
+                       "--from",  "2024-01-01", "--to", "2024-12-31"} +
            extra;
 }
 

@@ -6,9 +6,10 @@ holds as one JSON line (to standard output only: the password is in it). Then
 --reply close closes the connection; fail answers as SQL Server 2000 answers a
 failed login (error 18456, a DONE in the 7.1 form) and keeps the connection
 until the client closes it; serve answers the session's queries from the
-SQLite ledger of --ledger (see Server below) until the client closes. With
---browser-port it also answers the UDP browser service with the TCP port. The
-first line printed is "port N"; it stops after one session or 40 seconds (600 serving).
+SQLite ledger of --ledger (see Server below) until the client closes, one
+session after another for --sessions N. With --browser-port it also answers
+the UDP browser service with the TCP port. The first line printed is "port N";
+it stops after one session (N serving) or 40 seconds (600 serving).
 """
 
 import argparse
@@ -124,7 +125,8 @@ class Server:
     datetime. The T-SQL of the statements is looked up in --translations (a
     JSON object of T-SQL to SQLite text), anything else runs as it stands.
     --drop-on TEXT closes the connection after --drop-after rows of a batch
-    holding TEXT;
+    holding TEXT; --stall-on TEXT never answers a batch holding TEXT (a
+    cancel still is);
     --error-on TEXT answers a batch holding TEXT with an error token; --bad
     TEXT sends the text TEXT as its GBK bytes and a lone lead byte 0x81,
     --bad-inside TEXT with a byte 0xFF after its first character.
@@ -219,6 +221,8 @@ class Server:
 
     def answer(self, sql, send):
         """Sends the reply to one batch; False once the connection is to drop."""
+        if self.args.stall_on and self.args.stall_on in sql:
+            return True
         if self.args.error_on and self.args.error_on in sql:
             send(self.error(208, "Invalid object name '票据'."))
             return True
@@ -281,6 +285,8 @@ def main():
     parser.add_argument("--drop-on")
     parser.add_argument("--drop-after", type=int, default=0)
     parser.add_argument("--error-on")
+    parser.add_argument("--stall-on")
+    parser.add_argument("--sessions", type=int, default=1)
     parser.add_argument("--bad")
     parser.add_argument("--bad-inside")
     parser.add_argument("--browser-port", type=int, default=0)
@@ -319,9 +325,12 @@ def main():
             fields = login_fields(data)
             if args.reply == "serve":
                 print(json.dumps(fields), flush=True)
-                server = Server(args, struct.unpack("<I", data[4:8])[0])
-                conn.sendall(message(0x04, server.login_reply(fields["database"])))
-                server.serve(conn, deadline)
+                session = Server(args, struct.unpack("<I", data[4:8])[0])
+                conn.sendall(message(0x04, session.login_reply(fields["database"])))
+                session.serve(conn, deadline)
+                args.sessions -= 1
+                if args.sessions > 0:
+                    continue
                 return 0
             if args.reply == "fail":
                 conn.sendall(failed_login_reply(fields["user"]))

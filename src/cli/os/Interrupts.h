@@ -21,6 +21,8 @@ class InterruptWatch {
     // Whether a request came; one the event loop has not taken yet is taken
     // now, and the handler called.
     bool Requested();
+    // A request from this process (a time limit), from any thread.
+    void Request();
 
   private:
     struct State;

@@ -63,6 +63,9 @@ void InterruptWatch::OnInterrupt(std::function<void()> handler) {
     d_->handler = std::move(handler);
 }
 
+// The byte a signal would write.
+void InterruptWatch::Request() { OnSignal(0); }
+
 bool InterruptWatch::Requested() {
     pollfd p{signalPipe[0], POLLIN, 0};
     if (!d_->requested && d_->notifier && ::poll(&p, 1, 0) == 1) d_->Take();

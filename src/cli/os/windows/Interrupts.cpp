@@ -57,6 +57,9 @@ InterruptWatch::~InterruptWatch() {
 
 void InterruptWatch::OnInterrupt(std::function<void()> handler) { callback = std::move(handler); }
 
+// As a Ctrl+C reaches it, without reaching the companions.
+void InterruptWatch::Request() { OnConsoleEvent(CTRL_C_EVENT); }
+
 bool InterruptWatch::Requested() { return requested; }
 
 }  // namespace yunqi
