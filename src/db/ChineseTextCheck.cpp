@@ -71,10 +71,9 @@ void CheckChineseText(DatabaseSession& session, bool asGbk) {
             // Only a value that did not convert speaks of the text; any other
             // failure is told as the driver tells it.
             if (!e.description().contains(QStringLiteral("的值无法正确读出"))) throw;
-            throw RuntimeError(e.number(),
-                               Refusal(collation, QStringLiteral("%1无法正确读出（%2）")
-                                                      .arg(QString::fromUtf16(n.what),
-                                                           e.description())));
+            throw RuntimeError(e.number(), Refusal(collation, QStringLiteral("%1无法正确读出（%2）")
+                                                                  .arg(QString::fromUtf16(n.what),
+                                                                       e.description())));
         }
     }
 }

@@ -146,6 +146,13 @@ Recordset DatabaseSession::Open(const QString& sql) {
         for (const auto& cursor : open) Recordset::ReadRestToMemory(cursor);
     open.clear();
 
+    // SQL Server's rows are fetched below Qt's driver anyway; executed there
+    // too, the statement can be cancelled from another thread.
+    if (link && odbc_ && dialect_ == SqlDialect::SqlServer) {
+        Recordset rs = ExecuteBelowTheDriver(*link, text);
+        if (!rs.AtEnd()) open.push_back(rs.Watch());
+        return rs;
+    }
     QSqlQuery query(QSqlDatabase::database(link ? link->connectionName : connectionName_, false));
     query.setForwardOnly(true);
     bool ok;
@@ -197,6 +204,46 @@ bool DatabaseSession::ExecuteCancellable(QSqlQuery& query) {
     std::lock_guard lock(threadsMutex_);
     link->executing = nullptr;
     return ok;
+}
+
+Recordset DatabaseSession::ExecuteBelowTheDriver(ThreadLink& link, const QString& text) {
+    const OdbcApi& api = Odbc();
+    const QVariant connection =
+        QSqlDatabase::database(link.connectionName, false).driver()->handle();
+    SQLHANDLE statement = nullptr;
+    if (!api.AllocHandle || !api.ExecDirectW || !api.FreeHandle ||
+        connection.metaType() != QMetaType::fromType<void*>() ||
+        !SQL_SUCCEEDED(api.AllocHandle(
+            SQL_HANDLE_STMT, *static_cast<void* const*>(connection.constData()), &statement)))
+        throw RuntimeError(long(ErrorCode::ProviderError),
+                           QStringLiteral("No ODBC statement to run the query on."));
+    if (commandTimeout_.value_or(0) > 0 && api.SetStmtAttr)
+        api.SetStmtAttr(statement, SQL_ATTR_QUERY_TIMEOUT,
+                        reinterpret_cast<SQLPOINTER>(static_cast<quintptr>(*commandTimeout_)),
+                        SQL_IS_UINTEGER);
+    {
+        std::lock_guard lock(threadsMutex_);
+        link.executing = statement;
+    }
+    SQLRETURN done = SQL_ERROR;
+    // A stop asked for before the handle was there has found nothing to cancel.
+    if (!StopRequestedHere()) {
+        std::u16string wide = text.toStdU16String();
+        done = api.ExecDirectW(statement, reinterpret_cast<SQLWCHAR*>(wide.data()),
+                               SQLINTEGER(wide.size()));
+    }
+    {
+        std::lock_guard lock(threadsMutex_);
+        link.executing = nullptr;
+    }
+    if (StopRequestedHere() || !SQL_SUCCEEDED(done)) {
+        const RuntimeError error = DiagnosticsError(SQL_HANDLE_STMT, statement);
+        const bool stopped = StopRequestedHere() && done == SQL_ERROR;
+        api.FreeHandle(SQL_HANDLE_STMT, statement);
+        if (stopped) throw Stopped{};
+        if (!SQL_SUCCEEDED(done)) throw error;
+    }
+    return Recordset(Recordset::OdbcStatement{statement}, narrowCodec_);
 }
 
 void DatabaseSession::Interrupt() {

@@ -113,6 +113,7 @@ class DatabaseSession {
     std::map<const void*, ThreadLink> threads_;
     ThreadLink* LinkOfThisThread();
     bool ExecuteCancellable(QSqlQuery& query);
+    Recordset ExecuteBelowTheDriver(ThreadLink& link, const QString& text);
 };
 
 }  // namespace yunqi

@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 #include <QLibrary>
+#include <QStringList>
 
 namespace yunqi {
 
@@ -22,6 +23,7 @@ const OdbcApi& Odbc() {
         take(a.DriversW, "SQLDriversW");
         take(a.SetStmtAttr, "SQLSetStmtAttr");
         take(a.Cancel, "SQLCancel");
+        take(a.ExecDirectW, "SQLExecDirectW");
         take(a.NumResultCols, "SQLNumResultCols");
         take(a.DescribeColW, "SQLDescribeColW");
         take(a.Fetch, "SQLFetch");
@@ -46,6 +48,15 @@ std::vector<OdbcDiagnostic> Diagnostics(SQLSMALLINT handleType, SQLHANDLE handle
         all.push_back({FromSqlWChar(state, 5), long(native),
                        FromSqlWChar(text, qMin<qsizetype>(length, std::size(text) - 1))});
     }
+}
+
+RuntimeError DiagnosticsError(SQLSMALLINT handleType, SQLHANDLE handle) {
+    const auto all = Diagnostics(handleType, handle);
+    if (all.empty()) return RuntimeError(long(ErrorCode::ProviderError), QStringLiteral("ODBC"));
+    QStringList texts;
+    for (const auto& d : all) texts << d.text;
+    return RuntimeError(all.front().native ? all.front().native : long(ErrorCode::ProviderError),
+                        texts.join(QLatin1Char(' ')));
 }
 
 QString OdbcDriverLibrary(const QString& driver) {

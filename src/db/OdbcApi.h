@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QString>
+#include <vector>
+
+#include "core/RuntimeError.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -22,6 +25,7 @@ struct OdbcApi {
      SQLSMALLINT*) = nullptr;
     SQLRETURN(SQL_API* SetStmtAttr)(SQLHSTMT, SQLINTEGER, SQLPOINTER, SQLINTEGER) = nullptr;
     SQLRETURN(SQL_API* Cancel)(SQLHSTMT) = nullptr;
+    SQLRETURN(SQL_API* ExecDirectW)(SQLHSTMT, SQLWCHAR*, SQLINTEGER) = nullptr;
     SQLRETURN(SQL_API* NumResultCols)(SQLHSTMT, SQLSMALLINT*) = nullptr;
     SQLRETURN(SQL_API* DescribeColW)
     (SQLHSTMT, SQLUSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLSMALLINT*, SQLSMALLINT*, SQLULEN*,
@@ -50,6 +54,8 @@ struct OdbcDiagnostic {
     QString text;
 };
 std::vector<OdbcDiagnostic> Diagnostics(SQLSMALLINT handleType, SQLHANDLE handle);
+// The diagnostics as one run-time error: the first native number, the texts.
+RuntimeError DiagnosticsError(SQLSMALLINT handleType, SQLHANDLE handle);
 
 // The library file the driver manager loads for a registered driver name, or
 // the name itself when it is a path; empty when neither is known.

@@ -12,12 +12,7 @@ namespace yunqi {
 namespace {
 
 RuntimeError StatementError(SQLHSTMT statement) {
-    const auto all = Diagnostics(SQL_HANDLE_STMT, statement);
-    if (all.empty()) return RuntimeError(long(ErrorCode::ProviderError), QStringLiteral("ODBC"));
-    QStringList texts;
-    for (const auto& d : all) texts << d.text;
-    return RuntimeError(all.front().native ? all.front().native : long(ErrorCode::ProviderError),
-                        texts.join(QLatin1Char(' ')));
+    return DiagnosticsError(SQL_HANDLE_STMT, statement);
 }
 
 // A warning on a fetch that means the value arrived changed: not converted
@@ -36,8 +31,7 @@ std::optional<QString> Decode(const QByteArray& codec, const QByteArray& bytes) 
     QStringDecoder decoder(codec.constData(), QStringConverter::Flag::Stateless);
     if (decoder.isValid()) {
         QString text = decoder.decode(bytes);
-        if (decoder.hasError() || text.contains(QChar::ReplacementCharacter))
-            return std::nullopt;
+        if (decoder.hasError() || text.contains(QChar::ReplacementCharacter)) return std::nullopt;
         return text;
     }
 #ifdef Q_OS_WIN
@@ -78,22 +72,41 @@ OdbcRows::OdbcRows(void* statement, const QByteArray& narrowCodec)
         if (const qsizetype nul = text.indexOf(QChar(0)); nul >= 0) text.truncate(nul);
         names_ << text;
         switch (type) {
-            case SQL_CHAR: case SQL_VARCHAR: case SQL_LONGVARCHAR:
+            case SQL_CHAR:
+            case SQL_VARCHAR:
+            case SQL_LONGVARCHAR:
                 kinds_.push_back(narrowCodec_.isEmpty() ? Kind::Wide : Kind::Narrow);
                 break;
-            case SQL_BINARY: case SQL_VARBINARY: case SQL_LONGVARBINARY:
+            case SQL_BINARY:
+            case SQL_VARBINARY:
+            case SQL_LONGVARBINARY:
                 kinds_.push_back(Kind::Bytes);
                 break;
-            case SQL_BIT: case SQL_TINYINT: case SQL_SMALLINT: case SQL_INTEGER: case SQL_BIGINT:
+            case SQL_BIT:
+            case SQL_TINYINT:
+            case SQL_SMALLINT:
+            case SQL_INTEGER:
+            case SQL_BIGINT:
                 kinds_.push_back(Kind::Integer);
                 break;
-            case SQL_REAL: case SQL_FLOAT: case SQL_DOUBLE: case SQL_DECIMAL: case SQL_NUMERIC:
+            case SQL_REAL:
+            case SQL_FLOAT:
+            case SQL_DOUBLE:
+            case SQL_DECIMAL:
+            case SQL_NUMERIC:
                 kinds_.push_back(Kind::Double);
                 break;
-            case SQL_TYPE_DATE: kinds_.push_back(Kind::Date); break;
-            case SQL_TYPE_TIME: kinds_.push_back(Kind::Time); break;
-            case SQL_TYPE_TIMESTAMP: kinds_.push_back(Kind::Timestamp); break;
-            default: kinds_.push_back(Kind::Wide);
+            case SQL_TYPE_DATE:
+                kinds_.push_back(Kind::Date);
+                break;
+            case SQL_TYPE_TIME:
+                kinds_.push_back(Kind::Time);
+                break;
+            case SQL_TYPE_TIMESTAMP:
+                kinds_.push_back(Kind::Timestamp);
+                break;
+            default:
+                kinds_.push_back(Kind::Wide);
         }
     }
 }

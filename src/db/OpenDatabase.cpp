@@ -116,13 +116,14 @@ QString OdbcConnectionString(const DbSettings& s) {
             // FreeTDS looks a name up among the sections of freetds.conf only
             // as SERVERNAME.
             const bool section = port.isEmpty() && FreeTdsSection(host);
-            text += (section ? QStringLiteral("SERVERNAME=") : QStringLiteral("SERVER=")) +
-                    value(host);
+            text +=
+                (section ? QStringLiteral("SERVERNAME=") : QStringLiteral("SERVER=")) + value(host);
             if (!port.isEmpty()) text += QStringLiteral(";PORT=") + value(port);
         } else {
             // Microsoft's drivers take the port only as "host,port" and know
             // neither PORT nor TDS_Version.
-            text += QStringLiteral("SERVER=") + value(port.isEmpty() ? host : host + QLatin1Char(',') + port);
+            text += QStringLiteral("SERVER=") +
+                    value(port.isEmpty() ? host : host + QLatin1Char(',') + port);
         }
         text += QStringLiteral(";DATABASE=") + value(s.DBname) + QStringLiteral(";UID=") +
                 value(s.UID) + QStringLiteral(";PWD=") + value(s.PWD);
@@ -181,9 +182,8 @@ bool OpenDatabase(const DbSettings& settings) {
             const SqlDialect dialect = settings.Driver.startsWith(QLatin1String("SQLite"))
                                            ? SqlDialect::SQLite
                                            : SqlDialect::SqlServer;
-            const bool gbk =
-                settings.VarcharEncoding.trimmed().compare(QLatin1String("GBK"),
-                                                           Qt::CaseInsensitive) == 0;
+            const bool gbk = settings.VarcharEncoding.trimmed().compare(QLatin1String("GBK"),
+                                                                        Qt::CaseInsensitive) == 0;
             state.SessionConnection =
                 DatabaseSession::OpenOdbc(OdbcConnectionString(settings), dialect);
             if (dialect == SqlDialect::SqlServer) {

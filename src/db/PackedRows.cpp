@@ -2,8 +2,8 @@
 
 #include <QDataStream>
 #include <QDateTime>
-#include <QVariant>
 #include <QIODevice>
+#include <QVariant>
 #include <cstring>
 
 namespace yunqi {
@@ -106,19 +106,35 @@ bool PackedRows::Take(QVariantList* row) {
     const char* at = blocks_.front().constData() + readAt_;
     for (char tag; (tag = *at++) != RowEnd;) {
         switch (tag) {
-            case Null: *row << QVariant(); break;
-            case Text: *row << QString::fromUtf8(GetBytes(at)); break;
-            case Double: *row << Get<double>(at); break;
-            case LongLong: *row << Get<qlonglong>(at); break;
-            case Int: *row << Get<int>(at); break;
+            case Null:
+                *row << QVariant();
+                break;
+            case Text:
+                *row << QString::fromUtf8(GetBytes(at));
+                break;
+            case Double:
+                *row << Get<double>(at);
+                break;
+            case LongLong:
+                *row << Get<qlonglong>(at);
+                break;
+            case Int:
+                *row << Get<int>(at);
+                break;
             case DateTime: {
                 const QDate date = QDate::fromJulianDay(Get<qint64>(at));
                 *row << QDateTime(date, QTime::fromMSecsSinceStartOfDay(Get<int>(at)));
                 break;
             }
-            case Date: *row << QDate::fromJulianDay(Get<qint64>(at)); break;
-            case Time: *row << QTime::fromMSecsSinceStartOfDay(Get<int>(at)); break;
-            case Bytes: *row << GetBytes(at); break;
+            case Date:
+                *row << QDate::fromJulianDay(Get<qint64>(at));
+                break;
+            case Time:
+                *row << QTime::fromMSecsSinceStartOfDay(Get<int>(at));
+                break;
+            case Bytes:
+                *row << GetBytes(at);
+                break;
             default: {
                 QVariant v;
                 QDataStream in(GetBytes(at));

@@ -3,9 +3,11 @@
 #include <QSqlError>
 #include <QSqlRecord>
 #include <QSqlResult>
+#include <utility>
 
 #include "core/RuntimeError.h"
 #include "core/StopRequest.h"
+#include "db/OdbcApi.h"
 #include "db/OdbcRows.h"
 #include "db/PackedRows.h"
 
@@ -40,7 +42,7 @@ class Recordset::Cursor {
             try {
                 odbc = std::make_unique<OdbcRows>(statement, *odbcText);
             } catch (...) {
-                query.finish();
+                Finish();
                 throw;
             }
             names = odbc->Names();
@@ -58,13 +60,38 @@ class Recordset::Cursor {
         Next();
     }
 
+    Cursor(void* statement, const QByteArray& odbcText) : own(statement) {
+        try {
+            odbc = std::make_unique<OdbcRows>(statement, odbcText);
+        } catch (...) {
+            Finish();
+            throw;
+        }
+        names = odbc->Names();
+        Next();
+    }
+
+    ~Cursor() { Finish(); }
+    Cursor(const Cursor&) = delete;
+    Cursor& operator=(const Cursor&) = delete;
+
+    // The statement done with: the driver's result released.
+    void Finish() {
+        if (!own) {
+            query.finish();
+            return;
+        }
+        odbc.reset();
+        Odbc().FreeHandle(SQL_HANDLE_STMT, std::exchange(own, nullptr));
+    }
+
     void Next() {
         if (inMemory) {
             atEnd = !rows.Take(&current);
             return;
         }
         atEnd = !Fetch();
-        if (atEnd) query.finish();
+        if (atEnd) Finish();
     }
 
     // The next row; false at the end. A failed read is no end.
@@ -73,7 +100,7 @@ class Recordset::Cursor {
             try {
                 return odbc->Next();
             } catch (...) {
-                query.finish();
+                Finish();
                 throw;
             }
         }
@@ -104,7 +131,7 @@ class Recordset::Cursor {
             else
                 rows.Add(Row());
         }
-        query.finish();
+        Finish();
         odbc.reset();
         inMemory = true;
     }
@@ -120,6 +147,7 @@ class Recordset::Cursor {
     }
 
     QSqlQuery query;
+    void* own = nullptr;  // a statement executed below Qt's driver
     std::unique_ptr<OdbcRows> odbc;
     QStringList names;
     bool atEnd = true;
@@ -130,6 +158,9 @@ class Recordset::Cursor {
 
 Recordset::Recordset(QSqlQuery query, std::optional<QByteArray> odbcText)
     : cursor_(std::make_shared<Cursor>(std::move(query), odbcText)) {}
+
+Recordset::Recordset(OdbcStatement statement, const QByteArray& odbcNarrowCodec)
+    : cursor_(std::make_shared<Cursor>(statement.handle, odbcNarrowCodec)) {}
 
 Recordset::~Recordset() = default;
 

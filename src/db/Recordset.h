@@ -28,8 +28,13 @@ class Recordset {
     // error; it never passes for the end. With odbcNarrowCodec set, the rows
     // of the executed ODBC statement are fetched by OdbcRows (narrow text in
     // that code page, or empty for wide), not by Qt's driver.
-    explicit Recordset(QSqlQuery query,
-                       std::optional<QByteArray> odbcNarrowCodec = std::nullopt);
+    explicit Recordset(QSqlQuery query, std::optional<QByteArray> odbcNarrowCodec = std::nullopt);
+    // The rows of an ODBC statement executed below Qt's driver, fetched by
+    // OdbcRows; the recordset frees the statement.
+    struct OdbcStatement {
+        void* handle;
+    };
+    Recordset(OdbcStatement statement, const QByteArray& odbcNarrowCodec);
     Recordset(Recordset&&) = default;
     Recordset& operator=(Recordset&&) = default;
     ~Recordset();

@@ -21,6 +21,7 @@ import socket
 import sqlite3
 import struct
 import sys
+import threading
 import time
 
 HOST = "127.0.0.1"
@@ -262,6 +263,7 @@ class Server:
             if kind is None:
                 return
             if kind == 0x06:  # attention: the rest of a reply is cancelled
+                print(json.dumps({"attention": True}), flush=True)
                 send(self.done(0x0020, 0, 0))
             elif kind == 0x01:
                 if self.wide():
@@ -272,6 +274,21 @@ class Server:
                     return
             else:
                 send(self.done(0, 0, 0))
+
+
+def serve_session(args, conn, deadline):
+    with conn:
+        if read_message(conn, deadline)[0] != 0x12:
+            return  # no pre-login
+        conn.sendall(PRELOGIN_REPLY)
+        kind, data = read_message(conn, deadline)
+        if kind != 0x10:
+            return  # no login
+        fields = login_fields(data)
+        print(json.dumps(fields), flush=True)
+        session = Server(args, struct.unpack("<I", data[4:8])[0])
+        conn.sendall(message(0x04, session.login_reply(fields["database"])))
+        session.serve(conn, deadline)
 
 
 def main():
@@ -305,6 +322,7 @@ def main():
             return 3
     print("port %d" % port, flush=True)
 
+    sessions = []
     while (left := deadline - time.monotonic()) > 0:
         ready = select.select([server] + ([browser] if browser else []), [], [], left)[0]
         if browser in ready:
@@ -315,6 +333,16 @@ def main():
         if server not in ready:
             continue
         conn, _ = server.accept()
+        if args.reply == "serve":
+            # Each session on a thread of its own: a client may hold one
+            # while it opens the next.
+            sessions.append(threading.Thread(target=serve_session, args=(args, conn, deadline)))
+            sessions[-1].start()
+            if len(sessions) < args.sessions:
+                continue
+            for t in sessions:
+                t.join()
+            return 0
         with conn:
             if read_message(conn, deadline)[0] != 0x12:
                 continue  # no pre-login
@@ -323,15 +351,6 @@ def main():
             if kind != 0x10:
                 continue  # no login
             fields = login_fields(data)
-            if args.reply == "serve":
-                print(json.dumps(fields), flush=True)
-                session = Server(args, struct.unpack("<I", data[4:8])[0])
-                conn.sendall(message(0x04, session.login_reply(fields["database"])))
-                session.serve(conn, deadline)
-                args.sessions -= 1
-                if args.sessions > 0:
-                    continue
-                return 0
             if args.reply == "fail":
                 conn.sendall(failed_login_reply(fields["user"]))
                 # Kept open as the old server does, until the client gives up.
