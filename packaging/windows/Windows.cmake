@@ -25,3 +25,13 @@ foreach(program yunqi-reports yunqi-statement)
   target_sources(${program} PRIVATE ${YUNQI_ICON_DIR}/icon.rc)
 endforeach()
 set_target_properties(yunqi-reports PROPERTIES WIN32_EXECUTABLE ON)
+
+# Qt's SQLite driver carries its own copy of the engine, made from this same
+# library, and exports none of it: a stopped run interrupts the engine's
+# query through the program's copy.
+set(YUNQI_SQLITE3 $ENV{YUNQI_WINDOWS_DEPS}/lib/libsqlite3.a)
+if(NOT EXISTS ${YUNQI_SQLITE3})
+  message(FATAL_ERROR "${YUNQI_SQLITE3} is missing: scripts/windows builds it")
+endif()
+target_link_libraries(yunqi_db PUBLIC ${YUNQI_SQLITE3})
+target_compile_definitions(yunqi_db PRIVATE YUNQI_SQLITE_LINKED)

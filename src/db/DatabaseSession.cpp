@@ -47,9 +47,17 @@ void* EngineHandle(const QSqlDatabase& db) {
     return *static_cast<void* const*>(handle.constData());
 }
 
-// The engine's interrupt, from the library Qt's driver runs on; null where
-// that library keeps it to itself (then the work stops at its next row).
+// The engine's interrupt, from the library Qt's driver runs on, or where the
+// driver carries the engine inside (Windows) from the program's copy of that
+// same library; null where neither is there (then the work stops at its
+// next row).
 using EngineInterruptFn = void (*)(void*);
+#ifdef YUNQI_SQLITE_LINKED
+extern "C" void sqlite3_interrupt(struct sqlite3*);
+EngineInterruptFn EngineInterrupt() {
+    return reinterpret_cast<EngineInterruptFn>(&sqlite3_interrupt);
+}
+#else
 EngineInterruptFn EngineInterrupt() {
     static const EngineInterruptFn fn = [] {
         QLibrary engine(QStringLiteral("sqlite3"), 0);
@@ -57,6 +65,7 @@ EngineInterruptFn EngineInterrupt() {
     }();
     return fn;
 }
+#endif
 
 }  // namespace
 
