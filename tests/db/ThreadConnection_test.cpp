@@ -64,6 +64,11 @@ TEST(ThreadConnection, AThreadReadsOnItsOwnConnection) {
     EXPECT_FALSE(session->Open(QStringLiteral("Select 1")).AtEnd());
 }
 
+bool FreeTdsInstalled() {
+    QFile drivers(QStringLiteral("/etc/odbcinst.ini"));
+    return drivers.open(QIODevice::ReadOnly) && drivers.readAll().contains("[FreeTDS]");
+}
+
 // Stops the work once its query runs (as running() tells, polled on this
 // thread), as the window does; what the work met, or "hang" when it ran on.
 std::string StopWhileRunning(DatabaseSession& session, const QString& sql,
@@ -98,8 +103,7 @@ TEST(ThreadConnection, AStopEndsTheRunningQueryAndKeepsTheNextFromStarting) {
 
 // Through the office's stack: the server that never answers sees the cancel.
 TEST(ThreadConnection, AStopCancelsTheQueryAtTheServer) {
-    QFile drivers(QStringLiteral("/etc/odbcinst.ini"));
-    if (!drivers.open(QIODevice::ReadOnly) || !drivers.readAll().contains("[FreeTDS]"))
+    if (!FreeTdsInstalled())
         GTEST_SKIP() << "the FreeTDS ODBC driver is not installed (package tdsodbc)";
     TestDatabase ledger;
     TdsListener listener({"--reply", "serve", "--ledger", ledger.Path(), "--sessions", "2",
@@ -144,8 +148,7 @@ std::string Dump(DatabaseSession& session) {
 // A thread's own statement, executed below Qt's driver so that it can be
 // cancelled, reads what the session's own reads, however the server types it.
 TEST(ThreadConnection, ServerRowsReadTheSameOnAThreadsConnection) {
-    QFile drivers(QStringLiteral("/etc/odbcinst.ini"));
-    if (!drivers.open(QIODevice::ReadOnly) || !drivers.readAll().contains("[FreeTDS]"))
+    if (!FreeTdsInstalled())
         GTEST_SKIP() << "the FreeTDS ODBC driver is not installed (package tdsodbc)";
     TestDatabase ledger;
     FillGoldenLedger(ledger);

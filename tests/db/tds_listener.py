@@ -276,14 +276,20 @@ class Server:
                 send(self.done(0, 0, 0))
 
 
+def read_login(conn, deadline):
+    """The pre-login answered, the login packet read: None when either is missing."""
+    if read_message(conn, deadline)[0] != 0x12:
+        return None
+    conn.sendall(PRELOGIN_REPLY)
+    kind, data = read_message(conn, deadline)
+    return data if kind == 0x10 else None
+
+
 def serve_session(args, conn, deadline):
     with conn:
-        if read_message(conn, deadline)[0] != 0x12:
-            return  # no pre-login
-        conn.sendall(PRELOGIN_REPLY)
-        kind, data = read_message(conn, deadline)
-        if kind != 0x10:
-            return  # no login
+        data = read_login(conn, deadline)
+        if data is None:
+            return
         fields = login_fields(data)
         print(json.dumps(fields), flush=True)
         session = Server(args, struct.unpack("<I", data[4:8])[0])
@@ -344,12 +350,9 @@ def main():
                 t.join()
             return 0
         with conn:
-            if read_message(conn, deadline)[0] != 0x12:
-                continue  # no pre-login
-            conn.sendall(PRELOGIN_REPLY)
-            kind, data = read_message(conn, deadline)
-            if kind != 0x10:
-                continue  # no login
+            data = read_login(conn, deadline)
+            if data is None:
+                continue
             fields = login_fields(data)
             if args.reply == "fail":
                 conn.sendall(failed_login_reply(fields["user"]))
