@@ -21,7 +21,8 @@ namespace {
 // its fatal "no platform plugin" becomes one line and exit status 1.
 QtMessageHandler qtHandler = nullptr;
 
-void WhileOpeningTheDisplay(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+void WhileOpeningTheDisplay(QtMsgType type, const QMessageLogContext& context,
+                            const QString& text) {
     if (type == QtFatalMsg) {
         const QByteArray display = qgetenv("DISPLAY");
         std::fprintf(stderr, "yunqi-reports: no display could be opened (%s)\n",
@@ -66,6 +67,7 @@ int main(int argc, char** argv) {
     }
     if (status != 0) return status;
     const int result = app.exec();
+    ReportWindow::WaitForStoppedExports();
     // The connection goes before the application object does.
     main.reset();
     AppSession().SessionConnection.reset();

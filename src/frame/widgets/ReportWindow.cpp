@@ -6,8 +6,11 @@
 #include <QMouseEvent>
 #include <QThread>
 #include <QTimer>
+#include <chrono>
 #include <cmath>
+#include <condition_variable>
 #include <exception>
+#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -225,7 +228,7 @@ void ReportWindow::RestorePointer() {
 }
 
 bool ReportWindow::RunAside(const std::function<void()>& work, const std::function<void()>& keep,
-                            Queries queries) {
+                            Work kind) {
     StopRequest stop;
     QEventLoop loop;
     // A query that started after the first interrupt is interrupted by the next.
@@ -240,13 +243,15 @@ bool ReportWindow::RunAside(const std::function<void()>& work, const std::functi
     };
     if (block_) block_->AllowStop(stopRun_, stopButton_);
     std::exception_ptr failure;
+    bool stoppedThere = false;
     std::thread worker([&] {
         StopScope scope(stop);
         try {
             std::optional<DatabaseSession::ThreadConnection> connection;
-            if (queries == Queries::Some) connection.emplace(session_);
+            if (kind == Work::Queries) connection.emplace(session_);
             work();
         } catch (const Stopped&) {
+            stoppedThere = true;
         } catch (...) {
             failure = std::current_exception();
         }
@@ -257,7 +262,7 @@ bool ReportWindow::RunAside(const std::function<void()>& work, const std::functi
     again.stop();
     stopRun_ = nullptr;
     if (block_) block_->AllowStop(nullptr, nullptr);
-    if (stop.Requested()) return false;
+    if (kind == Work::Queries ? stop.Requested() : stoppedThere) return false;
     if (keep) keep();
     if (failure) std::rethrow_exception(failure);
     return true;
@@ -287,7 +292,7 @@ void ReportWindow::ClickCommand2() {
 
 bool ReportWindow::WriteAside(const std::function<void()>& write) {
     barShown_ = -1;
-    return RunAside(write, {}, Queries::None);
+    return RunAside(write, {}, Work::File);
 }
 
 void ReportWindow::SetButtonsVisible(bool visible) {
@@ -309,9 +314,72 @@ void ReportWindow::SetProgressValue(int value) {
     OnWindowThread([this, shown] { progress_->setValue(shown); });
 }
 
+namespace {
+
+// Packings left to finish after their export was stopped: the program waits
+// for them before it ends, so that each takes its temporary file along.
+struct LeftPackings {
+    std::mutex mutex;
+    std::condition_variable done;
+    int count = 0;
+};
+LeftPackings& Left() {
+    static LeftPackings left;
+    return left;
+}
+
+// The library packs the workbook in one call that nothing stops: it runs on
+// a thread of its own, and a stop leaves it to finish there, to no file.
+void PackAside(const std::function<void()>& finish) {
+    struct Packing {
+        std::mutex mutex;
+        std::condition_variable over;
+        bool done = false;
+        std::exception_ptr failure;
+        StopRequest stop;
+    };
+    const auto packing = std::make_shared<Packing>();
+    {
+        std::lock_guard lock(Left().mutex);
+        ++Left().count;
+    }
+    std::thread([packing, finish] {
+        {
+            StopScope scope(packing->stop);
+            try {
+                finish();
+            } catch (...) {
+                packing->failure = std::current_exception();
+            }
+        }
+        {
+            std::lock_guard lock(packing->mutex);
+            packing->done = true;
+        }
+        packing->over.notify_all();
+        std::lock_guard lock(Left().mutex);
+        if (--Left().count == 0) Left().done.notify_all();
+    }).detach();
+    std::unique_lock lock(packing->mutex);
+    while (
+        !packing->over.wait_for(lock, std::chrono::milliseconds(50), [&] { return packing->done; }))
+        if (StopRequestedHere()) {
+            packing->stop.Request();
+            throw Stopped{};
+        }
+    if (packing->failure) std::rethrow_exception(packing->failure);
+}
+
+}  // namespace
+
+void ReportWindow::WaitForStoppedExports() {
+    std::unique_lock lock(Left().mutex);
+    Left().done.wait(lock, [] { return Left().count == 0; });
+}
+
 void ReportWindow::FinishFile(const std::function<void()>& finish) {
-    // The library packs the workbook in one call: meanwhile the bar moves on
-    // towards, never to, the end, at the pace the rows set.
+    // Meanwhile the bar moves on towards, never to, the end, at the pace the
+    // rows set.
     OnWindowThread([this] {
         creepPace_ = std::max<double>(exportClock_.elapsed(), 500);
         creepClock_.start();
@@ -323,7 +391,7 @@ void ReportWindow::FinishFile(const std::function<void()>& finish) {
             w->OnWindowThread([w = w] { w->creep_->stop(); });
         }
     } stopCreep{this};
-    finish();
+    PackAside(finish);
     OnWindowThread([this] { progress_->setValue(kBarSteps); });
 }
 

@@ -65,6 +65,9 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     // The selected List1 entry, or an empty text.
     QString SelectedEntry() const;
     QString LastExport() const { return lastExport_; }
+    // Waits for the packing of stopped exports to end (their files are thrown
+    // away): the program calls it before it ends.
+    static void WaitForStoppedExports();
 
   protected:
     // Builds the frame's controls, then the variant's (in that order, so a
@@ -116,10 +119,13 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     // Otherwise keep runs here, then an error that work raised is raised
     // here, and true is returned. Work that touches widgets asks this thread
     // (OnWindowThread); dialogs ask by themselves.
-    // Work without queries (the export) opens no connection.
-    enum class Queries { Some, None };
+    // A run of queries is stopped by any stop before its end (a query that
+    // a stop broke may look like one that found less). A file's writing opens
+    // no connection, and is stopped only where the stop reached it: a file
+    // made complete is there, and is told so.
+    enum class Work { Queries, File };
     bool RunAside(const std::function<void()>& work, const std::function<void()>& keep = {},
-                  Queries queries = Queries::Some);
+                  Work kind = Work::Queries);
     // Runs call on the window's thread: now from there, later from elsewhere.
     void OnWindowThread(std::function<void()> call);
 

@@ -221,15 +221,16 @@ void WriteXlsx(const SheetModel& sheet, const QString& path) {
 
 void StreamXlsx(const QString& path, const std::function<void(SheetModel&)>& compose,
                 const std::function<void()>& beforeClose, const CloseRunner& closeWith) {
-    XlsxWriter writer(path);
-    SheetModel sheet(&writer);
+    // The close keeps the writer: a runner may leave it to finish on its own.
+    const auto writer = std::make_shared<XlsxWriter>(path);
+    SheetModel sheet(writer.get());
     compose(sheet);
     sheet.Complete();
     if (beforeClose) beforeClose();
     if (closeWith)
-        closeWith([&writer] { writer.Close(); });
+        closeWith([writer] { writer->Close(); });
     else
-        writer.Close();
+        writer->Close();
 }
 
 }  // namespace yunqi

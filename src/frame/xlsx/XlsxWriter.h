@@ -41,8 +41,9 @@ void WriteXlsx(const SheetModel& sheet, const QString& path);
 // The sheet that compose writes, streamed to path as its rows complete;
 // beforeClose, when given, runs once the last row is written and may still
 // throw to leave the target as it was. closeWith, when given, is handed the
-// close (packing, checking, renaming) to run, on whichever thread it likes,
-// before it returns.
+// close (packing, checking, renaming) to run on whichever thread it likes; a
+// copy of the close keeps the writer, so that a runner that is stopped may
+// return while the close goes on and, stopped, throws the file away.
 using CloseRunner = std::function<void(const std::function<void()>& close)>;
 void StreamXlsx(const QString& path, const std::function<void(SheetModel&)>& compose,
                 const std::function<void()>& beforeClose = {}, const CloseRunner& closeWith = {});
