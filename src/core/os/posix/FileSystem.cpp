@@ -135,8 +135,11 @@ void CopyPermissions(Handle file, const FileInfo& like) {
     const int fd = int(file);
     const mode_t mode = like.exists ? (like.mode & 0777) : (0666 & ~CurrentUmask());
     ::fchmod(fd, mode);
-    if (like.exists && (like.uid != ::geteuid() || like.gid != ::getegid()))
-        (void)::fchown(fd, like.uid, like.gid);
+    // The owner follows where the system lets it (as root); elsewhere the new
+    // file is the writer's, which is no failure.
+    if (like.exists && (like.uid != ::geteuid() || like.gid != ::getegid()) &&
+        ::fchown(fd, like.uid, like.gid) != 0)
+        return;
 }
 
 Handle OpenInPlace(const QString& path, const FileInfo& info, Error* error) {
