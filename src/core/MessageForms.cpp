@@ -6,6 +6,8 @@ namespace yunqi {
 
 namespace MessageForms {
 
+QString SystemTitle() { return QStringLiteral("系统提示"); }
+
 QString StartupText(const QString& description) {
     return QStringLiteral("错误信息：") + description;
 }
@@ -26,6 +28,13 @@ QString TrapText(long number, const QString& description, bool blankBeforePositi
            description;
 }
 
+QString ExportCancelledText() { return QStringLiteral("您取消了导出操作！"); }
+
+QString ExportErrorText(long number, const QString& description) {
+    return QStringLiteral("错误号: ") + QString::number(number) + QStringLiteral("错误描述: ") +
+           description;
+}
+
 void ShowStartup(const QString& description) {
     AppDialogs().MsgBox(StartupText(description), QStringLiteral("信息文本"), MsgIcon::Information);
 }
@@ -36,13 +45,12 @@ void ShowMenu(long number, const QString& description) {
 }
 
 void ShowReport(long number, const QString& description) {
-    AppDialogs().MsgBox(ReportText(number, description), QStringLiteral("系统提示"),
-                        MsgIcon::Information);
+    AppDialogs().MsgBox(ReportText(number, description), SystemTitle(), MsgIcon::Information);
 }
 
 void ShowTrap(long number, const QString& description, bool blankBeforePositive) {
-    AppDialogs().MsgBox(TrapText(number, description, blankBeforePositive),
-                        QStringLiteral("系统提示"), MsgIcon::Information);
+    AppDialogs().MsgBox(TrapText(number, description, blankBeforePositive), SystemTitle(),
+                        MsgIcon::Information);
 }
 
 }  // namespace MessageForms

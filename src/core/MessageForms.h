@@ -4,9 +4,12 @@
 
 namespace yunqi {
 
-// The three forms in which a database error is shown, each in an
-// information box through the application's Dialogs.
+// The texts of the information boxes, and the forms in which an error is
+// shown in them through the application's Dialogs.
 namespace MessageForms {
+
+// The title of the report windows' boxes.
+QString SystemTitle();
 
 QString StartupText(const QString& description);
 QString MenuText(long number, const QString& description);
@@ -17,11 +20,16 @@ QString ReportText(long number, const QString& description);
 // Str does, with a blank before a positive number.
 QString TrapText(long number, const QString& description, bool blankBeforePositive = false);
 
+// The export's: cancelled at the save dialog or stopped, and failed, the
+// number and the description on one line.
+QString ExportCancelledText();
+QString ExportErrorText(long number, const QString& description);
+
 void ShowStartup(const QString& description);              // title "信息文本"
 void ShowMenu(long number, const QString& description);    // title "提示"
-void ShowReport(long number, const QString& description);  // title "系统提示"
+void ShowReport(long number, const QString& description);  // title SystemTitle()
 void ShowTrap(long number, const QString& description,
-              bool blankBeforePositive = false);  // title "系统提示"
+              bool blankBeforePositive = false);  // title SystemTitle()
 
 }  // namespace MessageForms
 

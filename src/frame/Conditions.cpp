@@ -1,7 +1,7 @@
 #include "frame/Conditions.h"
 
 #include "core/Dialogs.h"
-#include "core/MessageForms.h"
+#include "core/ErrorTrap.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
 
@@ -11,7 +11,7 @@ namespace Conditions {
 
 QStringList LoadDepartments(DatabaseSession& session, Trapped* trapped) {
     QStringList entries;
-    try {
+    const Trapped caught = RunTrapped(TrapForm::Report, [&] {
         QString sql = QStringLiteral("Select 职能部门编号,职能部门名称, gyd_dh, gyd_name ");
         sql += QStringLiteral(" From 设置管理处 ");
         sql += QStringLiteral(" Inner join 职能部门new on 对应部门代号=职能部门编号");
@@ -28,10 +28,8 @@ QStringList LoadDepartments(DatabaseSession& session, Trapped* trapped) {
                            QStringLiteral("】");
             rs.MoveNext();
         }
-    } catch (const RuntimeError& e) {
-        MessageForms::ShowReport(e.number(), e.description());
-        if (trapped) *trapped = e;
-    }
+    });
+    if (caught && trapped) *trapped = caught;
     return entries;
 }
 

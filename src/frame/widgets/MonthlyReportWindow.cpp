@@ -3,6 +3,7 @@
 #include <QDate>
 
 #include "core/Dialogs.h"
+#include "core/MessageForms.h"
 #include "core/RuntimeError.h"
 #include "frame/Conditions.h"
 
@@ -10,7 +11,7 @@ namespace yunqi {
 
 namespace {
 
-const QString kSystemTitle = QStringLiteral("系统提示");
+const QString kSystemTitle = MessageForms::SystemTitle();
 
 using K = ControlKind;
 

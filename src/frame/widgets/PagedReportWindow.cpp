@@ -5,6 +5,7 @@
 #include <QPolygonF>
 
 #include "core/Dialogs.h"
+#include "core/MessageForms.h"
 #include "core/RuntimeError.h"
 #include "frame/Conditions.h"
 #include "frame/Pager.h"
@@ -15,7 +16,7 @@ namespace yunqi {
 
 namespace {
 
-const QString kSystemTitle = QStringLiteral("系统提示");
+const QString kSystemTitle = MessageForms::SystemTitle();
 // The ratio grid's 停车费项目 column.
 constexpr int kItemNameCol = 1;
 

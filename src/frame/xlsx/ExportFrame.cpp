@@ -1,5 +1,6 @@
 #include "frame/xlsx/ExportFrame.h"
 
+#include "core/MessageForms.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
 #include "frame/xlsx/XlsxWriter.h"
@@ -21,13 +22,6 @@ QString SaveFilter() { return QStringLiteral("电子表(.xlsx)|*.xlsx|电子表(
 QString DefaultFileName(const QString& title, const QDate& from, const QDate& to) {
     return title + QLatin1Char('_') + ValueRules::FormatYmd(from) + QLatin1Char('-') +
            ValueRules::FormatYmd(to);
-}
-
-QString CancelledText() { return QStringLiteral("您取消了导出操作！"); }
-
-QString ErrorText(long number, const QString& description) {
-    return QStringLiteral("错误号: ") + QString::number(number) + QStringLiteral("错误描述: ") +
-           description;
 }
 
 QString ExportToExcel(const QString& chosen, const ExportRequest& request, ExportControls* controls,
@@ -56,13 +50,13 @@ QString ExportToExcel(const QString& chosen, const ExportRequest& request, Expor
         const bool written = controls ? controls->WriteAside(write) : (write(), true);
         busy.End();
         // Stopped, the export is as cancelled as at the save dialog.
-        dialogs.MsgBox(written ? request.successText : CancelledText(), QStringLiteral("系统提示"),
-                       MsgIcon::Information);
+        dialogs.MsgBox(written ? request.successText : MessageForms::ExportCancelledText(),
+                       MessageForms::SystemTitle(), MsgIcon::Information);
         return written ? file : QString();
     } catch (const RuntimeError& e) {
         busy.End();
-        dialogs.MsgBox(ErrorText(e.number(), e.description()), QStringLiteral("系统提示"),
-                       MsgIcon::Information);
+        dialogs.MsgBox(MessageForms::ExportErrorText(e.number(), e.description()),
+                       MessageForms::SystemTitle(), MsgIcon::Information);
         return QString();
     }
 }
@@ -72,7 +66,8 @@ QString ExportCommand(const ExportRequest& request, ExportControls& controls, Di
     controls.SetButtonsVisible(false);
     const auto chosen = dialogs.SaveFileName(request.defaultName, SaveFilter());
     if (!chosen) {
-        dialogs.MsgBox(CancelledText(), QStringLiteral("系统提示"), MsgIcon::Information);
+        dialogs.MsgBox(MessageForms::ExportCancelledText(), MessageForms::SystemTitle(),
+                       MsgIcon::Information);
         controls.SetButtonsVisible(true);
         return QString();
     }

@@ -23,9 +23,6 @@ QString WorkbookExtension();  // ".xlsx"
 QString SaveFilter();
 // "title_yyyymmdd-yyyymmdd", for the statements with a date window.
 QString DefaultFileName(const QString& title, const QDate& from, const QDate& to);
-QString CancelledText();
-// "错误号: " + number + "错误描述: " + description, on one line.
-QString ErrorText(long number, const QString& description);
 
 using SheetWriter = std::function<void(SheetModel& sheet, ExportSteps& steps)>;
 

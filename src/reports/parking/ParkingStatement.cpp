@@ -1,6 +1,6 @@
 #include "reports/parking/ParkingStatement.h"
 
-#include "core/MessageForms.h"
+#include "core/ErrorTrap.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
 #include "frame/FeeColumnReader.h"
@@ -92,13 +92,8 @@ QString ParkingStatement::FeeItemSql(const StatementConditions& conditions) {
 
 Trapped ParkingStatement::ExtractFeeItems(const StatementConditions& conditions, FlexGrid& ratios,
                                           FlexGrid& statementGrid) {
-    try {
-        LoadItems(FeeItemSql(conditions), ratios, statementGrid);
-    } catch (const RuntimeError& e) {
-        MessageForms::ShowTrap(e.number(), e.description(), true);
-        return e;
-    }
-    return {};
+    return RunTrapped(TrapForm::TrapBlankBeforePositive,
+                      [&] { LoadItems(FeeItemSql(conditions), ratios, statementGrid); });
 }
 
 QString ParkingStatement::StatisticsSql(const StatementConditions& conditions,

@@ -1,6 +1,6 @@
 #include "reports/preinvoice/PreInvoiceStatement.h"
 
-#include "core/MessageForms.h"
+#include "core/ErrorTrap.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
 #include "frame/DetailHeader.h"
@@ -92,13 +92,8 @@ QString PreInvoiceStatement::FeeItemSql(const StatementConditions& conditions) {
 
 Trapped PreInvoiceStatement::ExtractFeeItems(const StatementConditions& conditions,
                                              FlexGrid& ratios, FlexGrid& statementGrid) {
-    try {
-        LoadItems(FeeItemSql(conditions), ratios, statementGrid);
-    } catch (const RuntimeError& e) {
-        MessageForms::ShowTrap(e.number(), e.description());
-        return e;
-    }
-    return {};
+    return RunTrapped(TrapForm::Trap,
+                      [&] { LoadItems(FeeItemSql(conditions), ratios, statementGrid); });
 }
 
 QString PreInvoiceStatement::StatisticsSql(const StatementConditions& conditions,
@@ -139,12 +134,10 @@ QString PreInvoiceStatement::StatisticsSql(const StatementConditions& conditions
 PagedStatement::RunOutcome PreInvoiceStatement::RunStatistics(const StatementConditions& conditions,
                                                               const FlexGrid& ratios,
                                                               int pageSize) {
-    try {
-        return Compute(conditions, ratios, pageSize);
-    } catch (const RuntimeError& e) {
-        MessageForms::ShowTrap(e.number(), e.description());
-        return {false, e};
-    }
+    bool found = false;
+    const Trapped trapped =
+        RunTrapped(TrapForm::Trap, [&] { found = Compute(conditions, ratios, pageSize); });
+    return {found, trapped};
 }
 
 bool PreInvoiceStatement::Compute(const StatementConditions& conditions, const FlexGrid& ratios,

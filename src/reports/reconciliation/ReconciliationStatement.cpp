@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "core/MessageForms.h"
+#include "core/ErrorTrap.h"
 #include "core/RuntimeError.h"
 #include "core/ValueRules.h"
 #include "frame/Conditions.h"
@@ -78,16 +78,12 @@ QString ReconciliationStatement::TitleCaption(const QString& entry, const QStrin
 Trapped ReconciliationStatement::ExtractFeeItems(const StatementConditions& conditions,
                                                  FlexGrid& statementGrid) {
     feeItems_ = FeeItemList(1);
-    try {
+    return RunTrapped(TrapForm::Trap, [&] {
         session_.SetCommandTimeout(0);
         Recordset rs = session_.Open(FeeItemSql(conditions));
         feeItems_ = ReadFeeItems(rs);
         BuildGridHeader(statementGrid);
-    } catch (const RuntimeError& e) {
-        MessageForms::ShowTrap(e.number(), e.description());
-        return e;
-    }
-    return {};
+    });
 }
 
 void ReconciliationStatement::FillMonthlyRows(const StatementConditions& conditions,
@@ -150,7 +146,7 @@ Trapped ReconciliationStatement::FillPreInvoiced(const StatementConditions& cond
     const int n = int(feeItems_.size()) - 1;
     const int column = collected ? CollectedColumn(n) : UncollectedColumn(n);
     const QString codes = FeeCodeList();
-    try {
+    return RunTrapped(TrapForm::Trap, [&] {
         for (const QString& month : MonthKeys(conditions)) {
             session_.SetCommandTimeout(0);
             Recordset rs = session_.Open(collected ? CollectedSql(conditions, codes, month)
@@ -163,11 +159,7 @@ Trapped ReconciliationStatement::FillPreInvoiced(const StatementConditions& cond
                         grid.SetCellBackColorAt(r, column, kSubtotalColor);
                     }
         }
-    } catch (const RuntimeError& e) {
-        MessageForms::ShowTrap(e.number(), e.description());
-        return e;
-    }
-    return {};
+    });
 }
 
 Trapped ReconciliationStatement::FillCollectedPreInvoiced(const StatementConditions& conditions,

@@ -11,10 +11,9 @@
 #include <QVBoxLayout>
 
 #include "core/Dialogs.h"
-#include "core/MessageForms.h"
-#include "core/RuntimeError.h"
-#include "core/ValueRules.h"
+#include "core/ErrorTrap.h"
 #include "db/SessionState.h"
+#include "shell/MenuPrivileges.h"
 #include "shell/WindowPlacement.h"
 #include "shell/widgets/AboutWindow.h"
 #include "shell/widgets/Banner.h"
@@ -130,40 +129,20 @@ void MainWindow::权限设置(QString& memo) {
     QList<QAction*> entries;
     for (QAction* a : findChildren<QAction*>())
         if (!a->objectName().isEmpty()) entries << a;
-    try {
+    // What was read is applied only once the whole of it is in.
+    RunTrapped(TrapForm::Menu, [&] {
         for (QAction* a : entries)
             if (!kept.contains(a->objectName()) && a->text() != QStringLiteral("-"))
                 a->setEnabled(false);
-        DatabaseSession& session = *AppSession().SessionConnection;
-        QString sql = QStringLiteral(
-            "SELECT DISTINCT 岗位权限设置.id , 岗位权限设置.组代号, 岗位权限设置.岗位代号, "
-            "岗位权限设置.授权, GroupPrivilege.FormName, GroupPrivilege.Popedom");
-        sql += QStringLiteral(
-            " FROM  岗位权限设置 INNER JOIN GroupPrivilege ON 岗位权限设置.组代号 = "
-            "GroupPrivilege.GroupID");
-        sql += QStringLiteral(" Where 授权 = 1 AND 岗位代号='") + AppSession().SessionPostCode +
-               QStringLiteral("'");
-        sql += QStringLiteral(" AND Memo='") + memo + QStringLiteral("'");
-        sql += QStringLiteral(" ORDER BY GroupPrivilege.Popedom");
-        Recordset rs = session.Open(sql);
-        QStringList names{QString()};
-        std::vector<bool> allowed{false};
-        for (; !rs.AtEnd(); rs.MoveNext()) {
-            names.back() = ValueRules::TextOf(rs.Value(QStringLiteral("FormName")));
-            allowed.back() = ValueRules::NumberOf(rs.Value(QStringLiteral("Popedom"))) != 0;
-            names << QString();
-            allowed.push_back(false);
-        }
-        for (int i = 0; i < names.size(); ++i)
+        const auto privileges =
+            ReadMenuPrivileges(*AppSession().SessionConnection, AppSession().SessionPostCode, memo);
+        for (const MenuPrivilege& privilege : privileges)
             for (QAction* a : entries)
-                if (a->objectName() == names[i]) {
-                    a->setEnabled(false);
-                    a->setEnabled(allowed[i]);
+                if (a->objectName() == privilege.formName) {
+                    a->setEnabled(privilege.allowed);
                     break;
                 }
-    } catch (const RuntimeError& e) {
-        MessageForms::ShowMenu(e.number(), e.description());
-    }
+    });
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {

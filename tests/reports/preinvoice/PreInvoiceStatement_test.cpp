@@ -38,4 +38,9 @@ TEST_F(PreInvoiceRows, AFailureIsShownByTheTrapAndGivesNoRows) {
     ASSERT_EQ(dialogs.messages.size(), 1u);
     EXPECT_EQ(dialogs.messages[0].text, QStringLiteral("94Invalid use of Null"));
     EXPECT_EQ(dialogs.messages[0].title, QStringLiteral("系统提示"));
+    // The extraction's trap has the same form: no type list, no items.
+    dialogs.messages.clear();
+    conditions.InvoiceTypeList.clear();
+    EXPECT_TRUE(statement->ExtractFeeItems(conditions, grid2, grid1));
+    EXPECT_EQ(dialogs.texts(), QStringList{"102Incorrect syntax near ')'."});
 }

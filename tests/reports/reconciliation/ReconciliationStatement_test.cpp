@@ -164,6 +164,15 @@ TEST_F(ReconciliationRows, AFailedExtractionIsTrappedAndShown) {
     EXPECT_EQ(statement->FeeItems().size(), 1u);
     EXPECT_EQ(dialogs.texts(), QStringList{"102Incorrect syntax near ')'."});
     EXPECT_EQ(dialogs.messages.at(0).title, "系统提示");
+    // The pre-invoiced sums are trapped the same way, each on its own.
+    db.Exec("UPDATE 票据类型 SET 定额 = 0");
+    Run();
+    ASSERT_GT(statement->FeeItems().size(), 1u);
+    dialogs.messages.clear();
+    conditions.InvoiceTypeList.clear();
+    EXPECT_TRUE(statement->FillCollectedPreInvoiced(conditions, grid1));
+    EXPECT_TRUE(statement->FillUncollectedPreInvoiced(conditions, grid1));
+    EXPECT_EQ(dialogs.texts(), QStringList(2, "102Incorrect syntax near ')'."));
     SetAppDialogs(nullptr);
 }
 
