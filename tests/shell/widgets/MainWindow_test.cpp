@@ -50,7 +50,7 @@ TEST(BackdropTest, StretchedFromTheFirstShow) {
             picture.setPixelColor(39 - i, 29 - j, Qt::green);
         }
     ASSERT_TRUE(picture.save(file, "BMP"));
-    MainWindow main({});
+    MainWindow main(std::map<QString, MainWindow::WindowFactory>{});
     QFile::remove(file);
     main.resize(900, 700);
     main.show();
@@ -62,6 +62,20 @@ TEST(BackdropTest, StretchedFromTheFirstShow) {
              {2, 2, Qt::red}, {w - 3, h - 3, Qt::green},
              {201, 151, Qt::blue}, {w / 2, h / 2, Qt::blue}})
         EXPECT_EQ(shown.pixelColor(x, y), colour) << x << "," << y;
+}
+
+// The menu bar as the operator reads it: menus and entries, in their order.
+TEST(MainMenuTest, MenusAndEntriesInOrder) {
+    MainWindow main(std::map<QString, MainWindow::WindowFactory>{});
+    QStringList shown;
+    for (QAction* menu : main.menuBar()->actions()) {
+        shown << menu->text();
+        for (QAction* entry : menu->menu()->actions()) shown << "  " + entry->text();
+    }
+    EXPECT_EQ(shown.join('\n').toStdString(),
+              "统计报表\n  停车费明细表\n  增值税开票明细表\n  增值税预开明细表\n  开票票据核对表\n"
+              "退出系统\n  退出\n"
+              "关于\n  关于软件\n  联系我们");
 }
 
 namespace {
