@@ -19,7 +19,7 @@ import programs  # noqa: E402
 from programs import TOOL, read  # noqa: E402
 
 ENV = dict(os.environ, SOURCE_DATE_EPOCH="1700000000")
-REPORTS = ["invoice", "preinvoice", "parking", "reconciliation"]
+REPORTS = list(programs.statements())
 DEPTS = ["A1", "B2", "C/3"]  # in the list's order; B2 has no parking item
 
 
