@@ -18,6 +18,7 @@
 #include "shell/WindowPlacement.h"
 #include "shell/widgets/Banner.h"
 #include "shell/widgets/QtTranslations.h"
+#include "support/GoldenText.h"
 
 using namespace yunqi;
 using namespace yunqi::testing;
@@ -72,10 +73,8 @@ TEST(MainMenuTest, MenusAndEntriesInOrder) {
         shown << menu->text();
         for (QAction* entry : menu->menu()->actions()) shown << "  " + entry->text();
     }
-    EXPECT_EQ(shown.join('\n').toStdString(),
-              "统计报表\n  停车费明细表\n  增值税开票明细表\n  增值税预开明细表\n  开票票据核对表\n"
-              "退出系统\n  退出\n"
-              "关于\n  关于软件\n  联系我们");
+    ExpectGolden((shown.join('\n') + '\n').toUtf8(),
+                 QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/main-window/menu.txt"));
 }
 
 namespace {
