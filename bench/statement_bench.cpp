@@ -40,8 +40,8 @@ Timed RunOnce(const ReportDefinition& report, const QString& db, const Statement
     session->SetSqlLog([&](const QString& s) { t.sql << s; });
     FlexGrid grid1, grid2 = SplitRatios::NewGrid();
     QElapsedTimer clock;
-    if (report.makeMonthly) {
-        auto statement = report.makeMonthly(*session);
+    if (report.conditions == ConditionsKind::YearMonths) {
+        auto statement = MakeStatement<MonthlyStatement>(report, *session);
         statement->LoadInvoiceTypes();
         clock.start();
         statement->ExtractFeeItems(k, grid1);
@@ -51,7 +51,7 @@ Timed RunOnce(const ReportDefinition& report, const QString& db, const Statement
         t.sql.removeFirst();  // the types, read at load
         return t;
     }
-    auto statement = report.makePaged(*session);
+    auto statement = MakeStatement<PagedStatement>(report, *session);
     clock.start();
     statement->ExtractFeeItems(k, grid2, grid1);
     statement->BuildGridHeader(grid1, grid2);
@@ -119,7 +119,7 @@ int main(int argc, char** argv) {
             db = args[i];
     }
     const ReportDefinition* report = FindReport(command);
-    if (!report || !(report->makePaged || report->makeMonthly)) {
+    if (!report) {
         out << "no report " << command << "\n";
         return 2;
     }
@@ -174,12 +174,12 @@ int main(int argc, char** argv) {
                                  clock.nsecsElapsed() / 1e6);
     }
 
-    if (!report->makePaged) return 0;
+    if (report->conditions != ConditionsKind::DateWindow) return 0;
 
     // ShowPage on a long statement: every year of the department.
     k.From = QDate(2000, 1, 1);
     k.To = QDate(2099, 12, 31);
-    auto statement = report->makePaged(*session);
+    auto statement = MakeStatement<PagedStatement>(*report, *session);
     FlexGrid grid1, grid2 = SplitRatios::NewGrid();
     statement->ExtractFeeItems(k, grid2, grid1);
     statement->BuildGridHeader(grid1, grid2);

@@ -123,7 +123,7 @@ int main(int argc, char** argv) {
     QWidget* w = NewReportWindow(*report, *session);
     w->resize(1400, 900);
     w->show();
-    const bool paged = report->makePaged != nullptr;
+    const bool paged = report->conditions == ConditionsKind::DateWindow;
     if (paged) {
         w->findChild<QDateEdit*>(QStringLiteral("DTPicker1(0)"))->setDate(QDate(2024, 1, 1));
         w->findChild<QDateEdit*>(QStringLiteral("DTPicker1(1)"))->setDate(QDate(2024, 12, 31));

@@ -7,11 +7,11 @@
 #include "db/SessionState.h"
 #include "frame/widgets/ReportWindow.h"
 #include "frame/widgets/WidgetDialogs.h"
-#include "reports/Reports.h"
 #include "shell/Startup.h"
 #include "shell/widgets/Application.h"
 #include "shell/widgets/MainWindow.h"
 #include "shell/widgets/QtTranslations.h"
+#include "shell/widgets/ReportWindows.h"
 
 using namespace yunqi;
 
@@ -54,12 +54,7 @@ int main(int argc, char** argv) {
     int status = 0;
     try {
         status = Main([&] {
-            DatabaseSession& session = *AppSession().SessionConnection;
-            std::map<QString, MainWindow::WindowFactory> windows;
-            for (const ReportDefinition* report : AllReports())
-                windows.emplace(report->menuEntry,
-                                [report, &session] { return NewReportWindow(*report, session); });
-            main = std::make_unique<MainWindow>(std::move(windows));
+            main = std::make_unique<MainWindow>(ReportWindows(*AppSession().SessionConnection));
             main->ShowOnScreen();
         });
     } catch (const RuntimeError& e) {

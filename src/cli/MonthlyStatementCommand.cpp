@@ -24,7 +24,7 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
         return kStatementBadArguments;
     }
 
-    std::unique_ptr<MonthlyStatement> statement = report.makeMonthly(*session);
+    auto statement = MakeStatement<MonthlyStatement>(report, *session);
     StatementConditions k;
     k.DeptCode = Conditions::DeptCodeOf(entry);
     k.SiteCode = Conditions::SiteCodeOf(entry);

@@ -57,7 +57,7 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
                                    Conditions::LoadInvoiceTypes(*session), o.from, o.to};
     check();
 
-    std::unique_ptr<PagedStatement> statement = report.makePaged(*session);
+    auto statement = MakeStatement<PagedStatement>(report, *session);
     FlexGrid statementGrid;
     FlexGrid ratios = SplitRatios::NewGrid();
     statement->InitGridHeader(statementGrid);

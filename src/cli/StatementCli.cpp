@@ -35,14 +35,11 @@ const std::vector<Command>& Commands() {
         std::vector<Command> list;
         for (const ReportDefinition* report : AllReports()) {
             const CommandSpec* spec = &StatementSpec(report->conditions);
-            if (report->makePaged)
-                list.push_back({report->command, spec, [report](const QStringList& args) {
-                                    return RunPagedStatement(*report, args, OpenStatementSession);
-                                }});
-            else if (report->makeMonthly)
-                list.push_back({report->command, spec, [report](const QStringList& args) {
-                                    return RunMonthlyStatement(*report, args, OpenStatementSession);
-                                }});
+            const auto run = report->conditions == ConditionsKind::DateWindow ? RunPagedStatement
+                                                                              : RunMonthlyStatement;
+            list.push_back({report->command, spec, [report, run](const QStringList& args) {
+                                return run(*report, args, OpenStatementSession);
+                            }});
         }
         list.push_back({QStringLiteral("make-demo-db"), &MakeDemoDbSpec(), RunMakeDemoDb});
         list.push_back({QStringLiteral("batch"), &BatchSpec(), RunBatch});

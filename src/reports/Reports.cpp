@@ -1,5 +1,7 @@
 #include "reports/Reports.h"
 
+#include <algorithm>
+
 // One line per report: its definition, exported by its folder.
 #define YUNQI_REPORTS(X) \
     X(InvoiceReport)     \
@@ -15,6 +17,12 @@ YUNQI_REPORTS(YUNQI_DECLARE)
 const std::vector<const ReportDefinition*>& AllReports() {
 #define YUNQI_ENTRY(name) &name(),
     static const std::vector<const ReportDefinition*> reports{YUNQI_REPORTS(YUNQI_ENTRY)};
+    return reports;
+}
+
+std::vector<const ReportDefinition*> ReportsInMenuOrder() {
+    std::vector<const ReportDefinition*> reports = AllReports();
+    std::ranges::sort(reports, {}, &ReportDefinition::menuPosition);
     return reports;
 }
 

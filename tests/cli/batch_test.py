@@ -19,7 +19,7 @@ import programs  # noqa: E402
 from programs import TOOL, read  # noqa: E402
 
 ENV = dict(os.environ, SOURCE_DATE_EPOCH="1700000000")
-REPORTS = ["invoice", "preinvoice", "parking", "reconciliation"]
+REPORTS = programs.statements()  # each with its conditions' first option
 DEPTS = ["A1", "B2", "C/3"]  # in the list's order; B2 has no parking item
 
 
@@ -119,7 +119,7 @@ class Batch(unittest.TestCase):
         for d, rep, st, count, _, rel in rows[1:]:
             if st != "ok":
                 continue
-            cond = (["--year", "2024", "--months", "01-03"] if rep == "reconciliation" else
+            cond = (["--year", "2024", "--months", "01-03"] if REPORTS[rep] == "--year" else
                     ["--from", "2024-03-01", "--to", "2024-03-31", "--ratio", ratio,
                      "--ratio-if-present"])
             x, c = os.path.join(self.dir, "s.xlsx"), os.path.join(self.dir, "s.csv")

@@ -13,6 +13,7 @@
 
 #include "core/RuntimeError.h"
 #include "db/SqlDialect.h"
+#include "reports/Reports.h"
 #include "support/GoldenText.h"
 #include "support/TdsListener.h"
 #include "support/TestDatabase.h"
@@ -23,7 +24,6 @@ using namespace yunqi;
 namespace {
 
 const QString kGolden = QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/");
-const char* const kReports[] = {"invoice", "preinvoice", "parking", "reconciliation"};
 
 QByteArray ReadAll(const QString& path) {
     QFile f(path);
@@ -44,9 +44,9 @@ struct ServedLedger {
     ServedLedger() {
         FillGoldenLedger(db);
         QJsonObject map;
-        for (const char* report : kReports)
+        for (const ReportDefinition* report : AllReports())
             for (const QByteArray& line :
-                 ReadAll(kGolden + report + "/statement.sql").split('\n')) {
+                 ReadAll(kGolden + report->command + "/statement.sql").split('\n')) {
                 if (line.isEmpty()) continue;
                 const QString sql = QString::fromUtf8(line);
                 try {

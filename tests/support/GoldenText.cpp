@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <algorithm>
 
@@ -71,6 +73,7 @@ void ExpectGolden(const QByteArray& actual, const QString& goldenPath) {
     QFile golden(goldenPath);
     const std::string path = goldenPath.toStdString();
     if (qEnvironmentVariableIsSet("YUNQI_UPDATE_GOLDEN")) {
+        QDir().mkpath(QFileInfo(goldenPath).path());  // a new report's folder
         ASSERT_TRUE(golden.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path;
         golden.write(actual);
         return;

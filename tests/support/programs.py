@@ -21,6 +21,18 @@ def run(*args, **kw):  # the companion under test, its outputs as text
     return subprocess.run([TOOL, *args], capture_output=True, text=True, **kw)
 
 
+def statements():
+    """Every statement command in the order of the companion's usage, each
+    with its conditions' first option: "--from" (a date window) or "--year"."""
+    found = {}
+    for line in run("--help").stdout.splitlines():
+        words = line.split()
+        kind = next((w for w in words if w in ("--from", "--year")), None)
+        if kind:
+            found.update((command, kind) for command in words[1].split("|"))
+    return found
+
+
 def read(path):
     with open(path, encoding="utf-8") as f:
         return list(csv.reader(f))

@@ -46,7 +46,7 @@ const QRect kGridBox{30, 60, 11865, 7095};
 MonthlyReportWindow::MonthlyReportWindow(const ReportDefinition& report, DatabaseSession& session,
                                          QWidget* parent)
     : ReportWindow(report, session, kMonthlyLayout, parent),
-      statement_(report.makeMonthly(session)) {
+      statement_(MakeStatement<MonthlyStatement>(report, session)) {
     combo1_ = Control<QComboBox>("Combo1");
     combo2_ = Control<QComboBox>("Combo2");
     combo3_ = Control<QComboBox>("Combo3");

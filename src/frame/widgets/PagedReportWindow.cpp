@@ -93,7 +93,7 @@ QIcon PagerIcon(int index) {
 PagedReportWindow::PagedReportWindow(const ReportDefinition& report, DatabaseSession& session,
                                      QWidget* parent)
     : ReportWindow(report, session, kPagedLayout, parent),
-      statement_(report.makePaged(session)),
+      statement_(MakeStatement<PagedStatement>(report, session)),
       grid2_(SplitRatios::NewGrid()) {
     picture8_ = Control("Picture8");
     label19_ = Control<QLabel>("Label19");

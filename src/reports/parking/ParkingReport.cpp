@@ -5,24 +5,26 @@ namespace yunqi {
 
 const ReportDefinition& ParkingReport() {
     static const ReportDefinition report{
-        QStringLiteral("parking"),
-        QStringLiteral("停车费明细表"),
-        QStringLiteral("frm停车费明细表New"),
-        {
-            QStringLiteral("停车费明细表"),
-            QStringLiteral("停车费明细表"),
-            QStringLiteral("停车费统计条件"),
-            QStringLiteral("收款日期范围"),
-            QStringLiteral("正在提取停车费项目，请稍等......"),
-            QStringLiteral("没有满足条件的开票数据,请重新设置条件!"),
-            QStringLiteral("正在进行停车费明细统计，请稍等......"),
-            QStringLiteral("无满足统计条件的数据，请重新设置统计条件！"),
-            QStringLiteral("停车费明细表导出成功！"),
-        },
-        ConditionsKind::DateWindow,
+        .command = QStringLiteral("parking"),
+        .menuEntry = QStringLiteral("停车费明细表"),
+        .menuPosition = 1,
+        .windowName = QStringLiteral("frm停车费明细表New"),
+        .texts =
+            {
+                QStringLiteral("停车费明细表"),
+                QStringLiteral("停车费明细表"),
+                QStringLiteral("停车费统计条件"),
+                QStringLiteral("收款日期范围"),
+                QStringLiteral("正在提取停车费项目，请稍等......"),
+                QStringLiteral("没有满足条件的开票数据,请重新设置条件!"),
+                QStringLiteral("正在进行停车费明细统计，请稍等......"),
+                QStringLiteral("无满足统计条件的数据，请重新设置统计条件！"),
+                QStringLiteral("停车费明细表导出成功！"),
+            },
+        .conditions = ConditionsKind::DateWindow,
         // Command6 lays the header before it disables itself.
-        true,
-        [](DatabaseSession& s) { return std::make_unique<ParkingStatement>(s); },
+        .headerBeforeDisable = true,
+        .make = [](DatabaseSession& s) { return std::make_unique<ParkingStatement>(s); },
     };
     return report;
 }

@@ -5,23 +5,24 @@ namespace yunqi {
 
 const ReportDefinition& PreInvoiceReport() {
     static const ReportDefinition report{
-        QStringLiteral("preinvoice"),
-        QStringLiteral("增值税预开明细表"),
-        QStringLiteral("frm票据预开明细表New"),
-        {
-            QStringLiteral("增值税预开票明细表"),
-            QStringLiteral("增值税预开票明细表"),
-            QStringLiteral("增值税预开票统计条件"),
-            QStringLiteral("开票日期范围"),
-            QStringLiteral("正在提取收费项目，请稍等......"),
-            QStringLiteral("没有满足条件的预开票数据,请重新设置条件!"),
-            QStringLiteral("正在进行增值税预开票明细统计，请稍等......"),
-            QStringLiteral("无满足统计条件的数据，请重新设置统计条件！"),
-            QStringLiteral("增值税预开票明细表导出成功！"),
-        },
-        ConditionsKind::DateWindow,
-        false,
-        [](DatabaseSession& s) { return std::make_unique<PreInvoiceStatement>(s); },
+        .command = QStringLiteral("preinvoice"),
+        .menuEntry = QStringLiteral("增值税预开明细表"),
+        .menuPosition = 3,
+        .windowName = QStringLiteral("frm票据预开明细表New"),
+        .texts =
+            {
+                QStringLiteral("增值税预开票明细表"),
+                QStringLiteral("增值税预开票明细表"),
+                QStringLiteral("增值税预开票统计条件"),
+                QStringLiteral("开票日期范围"),
+                QStringLiteral("正在提取收费项目，请稍等......"),
+                QStringLiteral("没有满足条件的预开票数据,请重新设置条件!"),
+                QStringLiteral("正在进行增值税预开票明细统计，请稍等......"),
+                QStringLiteral("无满足统计条件的数据，请重新设置统计条件！"),
+                QStringLiteral("增值税预开票明细表导出成功！"),
+            },
+        .conditions = ConditionsKind::DateWindow,
+        .make = [](DatabaseSession& s) { return std::make_unique<PreInvoiceStatement>(s); },
     };
     return report;
 }

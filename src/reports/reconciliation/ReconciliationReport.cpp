@@ -8,6 +8,7 @@ const ReportDefinition& ReconciliationReport() {
         ReportDefinition r;
         r.command = QStringLiteral("reconciliation");
         r.menuEntry = QStringLiteral("开票票据核对表");
+        r.menuPosition = 4;
         r.windowName = QStringLiteral("frm票据核对表New");
         r.texts.caption = QStringLiteral("增值税开票票据核对表");
         r.texts.title = QStringLiteral("增值税开票票据核对表");
@@ -18,9 +19,7 @@ const ReportDefinition& ReconciliationReport() {
         r.texts.runningText = QStringLiteral("正在生成票据核对表，请稍等......");
         r.texts.exportedText = QStringLiteral("票据核对表导出成功！");
         r.conditions = ConditionsKind::YearMonths;
-        r.makeMonthly = [](DatabaseSession& s) {
-            return std::make_unique<ReconciliationStatement>(s);
-        };
+        r.make = [](DatabaseSession& s) { return std::make_unique<ReconciliationStatement>(s); };
         return r;
     }();
     return report;

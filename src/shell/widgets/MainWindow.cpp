@@ -13,6 +13,7 @@
 #include "core/Dialogs.h"
 #include "core/ErrorTrap.h"
 #include "db/SessionState.h"
+#include "reports/Reports.h"
 #include "shell/MenuPrivileges.h"
 #include "shell/WindowPlacement.h"
 #include "shell/widgets/AboutWindow.h"
@@ -53,11 +54,8 @@ MainWindow::MainWindow(std::map<QString, WindowFactory> factories, QWidget* pare
         connect(a, &QAction::triggered, this, std::move(action));
     };
     QMenu* reports = menu(QStringLiteral("统计报表"));
-    for (const char* name :
-         {"停车费明细表", "增值税开票明细表", "增值税预开明细表", "开票票据核对表"}) {
-        const QString n = QString::fromUtf8(name);
-        entry(reports, n, [this, n] { Choose(n); });
-    }
+    for (const ReportDefinition* report : ReportsInMenuOrder())
+        entry(reports, report->menuEntry, [this, n = report->menuEntry] { Choose(n); });
     QMenu* quit = menu(QStringLiteral("退出系统"));
     entry(quit, QStringLiteral("退出"), [] { std::_Exit(0); });
     QMenu* about = menu(QStringLiteral("关于"));

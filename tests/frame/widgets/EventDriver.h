@@ -17,6 +17,7 @@
 #include "frame/widgets/PagedReportWindow.h"
 #include "reports/Reports.h"
 #include "shell/widgets/MainWindow.h"
+#include "shell/widgets/ReportWindows.h"
 
 namespace yunqi::testing {
 
@@ -106,11 +107,7 @@ inline std::unique_ptr<MainWindow> ShownMainWindow(
 
 // The main program's window with a menu entry for every report.
 inline std::unique_ptr<MainWindow> MainWindowOfAllReports(DatabaseSession& session) {
-    std::map<QString, MainWindow::WindowFactory> windows;
-    for (const ReportDefinition* report : AllReports())
-        windows.emplace(report->menuEntry,
-                        [report, &session] { return NewReportWindow(*report, session); });
-    return ShownMainWindow(std::move(windows));
+    return ShownMainWindow(ReportWindows(session));
 }
 
 // The window of a 统计报表 entry, chosen with the mouse.

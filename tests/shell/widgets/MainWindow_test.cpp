@@ -18,6 +18,7 @@
 #include "shell/WindowPlacement.h"
 #include "shell/widgets/Banner.h"
 #include "shell/widgets/QtTranslations.h"
+#include "support/GoldenText.h"
 
 using namespace yunqi;
 using namespace yunqi::testing;
@@ -50,7 +51,7 @@ TEST(BackdropTest, StretchedFromTheFirstShow) {
             picture.setPixelColor(39 - i, 29 - j, Qt::green);
         }
     ASSERT_TRUE(picture.save(file, "BMP"));
-    MainWindow main({});
+    MainWindow main(std::map<QString, MainWindow::WindowFactory>{});
     QFile::remove(file);
     main.resize(900, 700);
     main.show();
@@ -62,6 +63,18 @@ TEST(BackdropTest, StretchedFromTheFirstShow) {
              {2, 2, Qt::red}, {w - 3, h - 3, Qt::green},
              {201, 151, Qt::blue}, {w / 2, h / 2, Qt::blue}})
         EXPECT_EQ(shown.pixelColor(x, y), colour) << x << "," << y;
+}
+
+// The menu bar as the operator reads it: menus and entries, in their order.
+TEST(MainMenuTest, MenusAndEntriesInOrder) {
+    MainWindow main(std::map<QString, MainWindow::WindowFactory>{});
+    QStringList shown;
+    for (QAction* menu : main.menuBar()->actions()) {
+        shown << menu->text();
+        for (QAction* entry : menu->menu()->actions()) shown << "  " + entry->text();
+    }
+    ExpectGolden((shown.join('\n') + '\n').toUtf8(),
+                 QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/main-window/menu.txt"));
 }
 
 namespace {
