@@ -240,7 +240,6 @@ OutputFile::~OutputFile() { Abandon(); }
 
 const QString& OutputFile::Path() const { return d_->path; }
 
-bool OutputFile::IsOpen() const { return d_->open; }
 
 void OutputFile::Open() {
     if (d_->open) return;

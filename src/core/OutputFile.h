@@ -46,7 +46,6 @@ class OutputFile {
     // Checks the target as CheckOutput does and opens it (a FIFO waits here
     // for its reader).
     void Open();
-    bool IsOpen() const;
     // All of the bytes, or a throw: a short count is a failure.
     void Write(const QByteArray& bytes);
     // Flushed to disk and closed, each checked, then renamed over the target.

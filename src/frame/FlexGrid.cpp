@@ -142,11 +142,6 @@ void FlexGrid::SetCellAlignmentAt(int row, int col, int alignment) {
     cellAlign_[Index(row, col)] = static_cast<signed char>(alignment);
 }
 
-bool FlexGrid::MergeRow(int row) const {
-    CheckCell(row, 0);
-    return mergeRow_[row];
-}
-
 void FlexGrid::SetMergeRow(int row, bool merge) {
     CheckCell(row, 0);
     mergeRow_[row] = merge;

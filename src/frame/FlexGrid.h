@@ -73,14 +73,12 @@ class FlexGrid {
     int CellBackColorAt(int row, int col) const;
     void SetCellBackColorAt(int row, int col, int bgr);
     // Alignment of the current cell; -1 until set, the column's then applies.
-    int CellAlignment() const { return CellAlignmentAt(row_, col_); }
     void SetCellAlignment(int alignment) { SetCellAlignmentAt(row_, col_, alignment); }
     int CellAlignmentAt(int row, int col) const;
     void SetCellAlignmentAt(int row, int col, int alignment);
 
     int MergeCells() const { return mergeCells_; }
     void SetMergeCells(int mode) { mergeCells_ = mode; }
-    bool MergeRow(int row) const;
     void SetMergeRow(int row, bool merge);
     bool MergeCol(int col) const;
     void SetMergeCol(int col, bool merge);

@@ -39,20 +39,6 @@ int TargetPage(PagerImage image, int currentPage, int pageCount) {
     return currentPage;
 }
 
-QString ToolTipOf(PagerImage image) {
-    switch (image) {
-        case PagerImage::First:
-            return QStringLiteral("首页");
-        case PagerImage::Previous:
-            return QStringLiteral("上一页");
-        case PagerImage::Next:
-            return QStringLiteral("下一页");
-        case PagerImage::Last:
-            return QStringLiteral("尾页");
-    }
-    return QString();
-}
-
 std::optional<int> PageFromText(const QString& text, int pageCount) {
     const double value = ValueRules::Val(text);
     if (value > 0 && value <= pageCount) return int(ValueRules::RoundHalfEven(value));

@@ -26,7 +26,6 @@ int FirstRowOf(int page, int pageSize);
 // The four images: first, previous, next, last.
 enum class PagerImage { First = 0, Previous = 1, Next = 2, Last = 3 };
 int TargetPage(PagerImage image, int currentPage, int pageCount);
-QString ToolTipOf(PagerImage image);
 
 // Text6 with Enter: the page to go to, or none (the box is then emptied).
 std::optional<int> PageFromText(const QString& text, int pageCount);

@@ -108,8 +108,6 @@ class SheetModel {
     void CompleteRowsThrough(int row);
     // Every row written so far is final.
     void Complete();
-    // The last row handed on; 0 before any.
-    int CompletedRows() const { return completed_; }
 
     // Columns(n).ColumnWidth, in character units.
     void SetColumnWidth(int col, double width);

@@ -213,12 +213,6 @@ void XlsxWriter::Close() {
     d.out.Commit();
 }
 
-void WriteXlsx(const SheetModel& sheet, const QString& path) {
-    XlsxWriter writer(path);
-    for (int r = 1; r <= sheet.RowCount(); ++r) writer.WriteRow(sheet, r);
-    writer.Close();
-}
-
 void StreamXlsx(const QString& path, const std::function<void(SheetModel&)>& compose,
                 const std::function<void()>& beforeClose, const CloseRunner& closeWith) {
     // The close keeps the writer: a runner may leave it to finish on its own.

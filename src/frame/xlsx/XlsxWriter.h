@@ -35,9 +35,6 @@ class XlsxWriter : public SheetModel::RowSink {
     std::unique_ptr<State> d_;
 };
 
-// A sheet kept whole (every row readable), written at once.
-void WriteXlsx(const SheetModel& sheet, const QString& path);
-
 // The sheet that compose writes, streamed to path as its rows complete;
 // beforeClose, when given, runs once the last row is written and may still
 // throw to leave the target as it was. closeWith, when given, is handed the

@@ -38,10 +38,6 @@ class ReconciliationStatement : public MonthlyStatement {
     Trapped FillUncollectedPreInvoiced(const StatementConditions& conditions,
                                        FlexGrid& statementGrid);
 
-    // The code lists of LoadInvoiceTypes, each quoted and comma-joined.
-    const QString& SpecialTypeCodes() const { return special_; }
-    const QString& OrdinaryTypeCodes() const { return ordinary_; }
-    const QString& ReceiptTypeCodes() const { return receipt_; }
     // Tests set the lists of a ledger they built.
     void SetTypeCodes(QString special, QString ordinary, QString receipt);
 
