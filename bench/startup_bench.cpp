@@ -6,8 +6,8 @@
 #include <QTextStream>
 #include <clocale>
 
-#include "frame/widgets/WidgetDialogs.h"
 #include "db/SessionState.h"
+#include "frame/widgets/WidgetDialogs.h"
 #include "shell/Startup.h"
 #include "shell/widgets/MainWindow.h"
 

@@ -16,10 +16,10 @@
 
 #include "cli/DemoDatabase.h"
 #include "core/RuntimeError.h"
+#include "db/SqlDialect.h"
 #include "frame/Conditions.h"
 #include "frame/SplitRatios.h"
 #include "reports/Reports.h"
-#include "db/SqlDialect.h"
 
 using namespace yunqi;
 
@@ -145,8 +145,8 @@ int main(int argc, char** argv) {
     k.FromMonth = QStringLiteral("01");
     k.ToMonth = QStringLiteral("12");
     k.SiteCode = SiteCode(*session, k.DeptCode);
-    out << command << ", department " << k.DeptCode << ", window "
-        << k.From.toString(Qt::ISODate) << " to " << k.To.toString(Qt::ISODate) << "\n";
+    out << command << ", department " << k.DeptCode << ", window " << k.From.toString(Qt::ISODate)
+        << " to " << k.To.toString(Qt::ISODate) << "\n";
 
     RunOnce(*report, db, k);  // warm the page cache
     double best = 1e18, shellBest = 1e18;

@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <string>
 
-
 int main(int argc, char** argv) {
     const int rows = argc > 1 ? std::atoi(argv[1]) : 100000;
     const int fees = argc > 2 ? std::atoi(argv[2]) : 24;

@@ -4,11 +4,11 @@
 #include <functional>
 #include <memory>
 
+#include "cli/StatementCommand.h"
+#include "db/DatabaseSession.h"
 #include "frame/FlexGrid.h"
 #include "frame/PagedStatement.h"
 #include "frame/ReportDefinition.h"
-#include "cli/StatementCommand.h"
-#include "db/DatabaseSession.h"
 
 namespace yunqi {
 

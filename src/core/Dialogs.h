@@ -13,7 +13,7 @@ enum class MsgButtons { Ok, YesNo };
 enum class MsgResult { Ok, Yes, No };
 
 class Dialogs {
-public:
+  public:
     virtual ~Dialogs() = default;
 
     virtual MsgResult MsgBox(const QString& text, const QString& title, MsgIcon icon,
@@ -32,7 +32,7 @@ void SetAppDialogs(Dialogs* dialogs);
 // Records what was shown and answers from a script. Used by tests and by the
 // headless companion.
 class RecordingDialogs : public Dialogs {
-public:
+  public:
     struct Message {
         QString text;
         QString title;
@@ -42,8 +42,7 @@ public:
 
     MsgResult MsgBox(const QString& text, const QString& title, MsgIcon icon,
                      MsgButtons buttons) override;
-    std::optional<QString> SaveFileName(const QString& defaultName,
-                                        const QString& filter) override;
+    std::optional<QString> SaveFileName(const QString& defaultName, const QString& filter) override;
     void Yield() override { ++yields; }
 
     std::vector<Message> messages;

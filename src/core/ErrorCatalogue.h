@@ -18,8 +18,8 @@ enum class ErrorCode : long {
     PathFileAccess = 75,
     PathNotFound = 76,
     InvalidUseOfNull = 94,
-    SyntaxError = 102,            // the server's number for a malformed statement
-    GridSubscript = 381,          // the grid's subscript out of range
+    SyntaxError = 102,    // the server's number for a malformed statement
+    GridSubscript = 381,  // the grid's subscript out of range
     TooManyCellFormats = 1004,
     NoCurrentRecord = 3021,
     ItemNotFound = 3265,

@@ -240,7 +240,6 @@ OutputFile::~OutputFile() { Abandon(); }
 
 const QString& OutputFile::Path() const { return d_->path; }
 
-
 void OutputFile::Open() {
     if (d_->open) return;
     d_->target = Classify(d_->path, d_->dash);

@@ -109,7 +109,8 @@ double Round2(double value) {
 }
 
 QString Format00(long long value) {
-    QString digits = QString::number(value < 0 ? -value : value).rightJustified(2, QLatin1Char('0'));
+    QString digits =
+        QString::number(value < 0 ? -value : value).rightJustified(2, QLatin1Char('0'));
     return value < 0 ? QLatin1Char('-') + digits : digits;
 }
 
@@ -120,7 +121,8 @@ double Val(const QString& text) {
     int i = 0;
     const int n = text.size();
     auto skipBlanks = [&] {
-        while (i < n && (text[i] == u' ' || text[i] == u'\t' || text[i] == u'\n' || text[i] == u'\r'))
+        while (i < n &&
+               (text[i] == u' ' || text[i] == u'\t' || text[i] == u'\n' || text[i] == u'\r'))
             ++i;
     };
     skipBlanks();
@@ -138,7 +140,8 @@ double Val(const QString& text) {
             // An exponent counts only when digits follow it.
             int j = i + 1;
             std::string e = "e";
-            if (j < n && (text[j] == u'+' || text[j] == u'-')) e.push_back(char(text[j++].unicode()));
+            if (j < n && (text[j] == u'+' || text[j] == u'-'))
+                e.push_back(char(text[j++].unicode()));
             if (j < n && text[j] >= u'0' && text[j] <= u'9') {
                 s += e;
                 expSeen = true;
@@ -253,9 +256,7 @@ QString TextOf(const QVariant& value) {
     return value.toString();
 }
 
-QString TextOrEmpty(const QVariant& value) {
-    return value.isNull() ? QString() : value.toString();
-}
+QString TextOrEmpty(const QVariant& value) { return value.isNull() ? QString() : value.toString(); }
 
 double NumberOf(const QVariant& value) {
     if (value.isNull()) throw RuntimeError::InvalidUseOfNull();

@@ -12,7 +12,8 @@ FeeColumnReader::FeeColumnReader(const Recordset& rs, int base, int count) : bas
     for (int j = 1; j <= count; ++j)
         isDeveloper_[j] = rs.FieldName(base + j).contains(QStringLiteral("KFS"));
     for (int i = 0; i < rs.FieldCount() && ticket_ < 0; ++i)
-        if (rs.FieldName(i).compare(QStringLiteral("票据编号"), Qt::CaseInsensitive) == 0) ticket_ = i;
+        if (rs.FieldName(i).compare(QStringLiteral("票据编号"), Qt::CaseInsensitive) == 0)
+            ticket_ = i;
 }
 
 void FeeColumnReader::Read(const Recordset& rs, std::span<double> amounts) const {
@@ -38,7 +39,8 @@ void FeeColumnReader::ReadAmounts(const Recordset& rs, std::span<double> amounts
         if (!isDeveloper_[j]) {
             amount = Round2(c);
         } else {
-            const double t = rs.IsNull(pos + 1) ? 0 : Round2(ValueRules::NumberOf(rs.Value(pos + 1)));
+            const double t =
+                rs.IsNull(pos + 1) ? 0 : Round2(ValueRules::NumberOf(rs.Value(pos + 1)));
             amount = Round2(c - t);
         }
     }

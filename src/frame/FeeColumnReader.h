@@ -4,8 +4,8 @@
 #include <span>
 #include <vector>
 
-#include "frame/DetailRows.h"
 #include "db/Recordset.h"
+#include "frame/DetailRows.h"
 
 namespace yunqi {
 
@@ -14,7 +14,7 @@ namespace yunqi {
 // name holds "KFS") gets the whole less the rounded 物业 share of the column
 // after it. A report sets a row's amounts from them, or adds them up per batch.
 class FeeColumnReader {
-public:
+  public:
     // The money columns are at positions base + 1 .. base + count.
     FeeColumnReader(const Recordset& rs, int base, int count);
 
@@ -25,7 +25,7 @@ public:
     // The sum of a row's money columns, in column order.
     static double Total(const DetailRows& rows, int r);
 
-private:
+  private:
     void ReadAmounts(const Recordset& rs, std::span<double> amounts) const;
 
     int base_;

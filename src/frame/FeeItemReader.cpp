@@ -29,8 +29,8 @@ void ReadFeeItems(Recordset& rs, FeeItemList& items) {
             item.TaxRate = rs.IsNull(fRate) ? 0 : Round2(NumberOf(rs.Value(fRate)));
         } catch (const RuntimeError& e) {
             // A rate beyond the number forms: the item that has it.
-            throw NamingTheValue(e, QStringLiteral("收费项目代号 ") + item.ItemCode +
-                                        QStringLiteral(" 税率"));
+            throw NamingTheValue(
+                e, QStringLiteral("收费项目代号 ") + item.ItemCode + QStringLiteral(" 税率"));
         }
         if (!item.ItemName.isEmpty()) item.TaxAlias = item.ItemName + QStringLiteral("税额");
         items.push_back(std::move(item));

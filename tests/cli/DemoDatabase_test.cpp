@@ -29,7 +29,9 @@ QString Digest(const QString& file) {
 
 // The rows of "table Where ...".
 double Scalar(DatabaseSession& s, const char* from) {
-    return s.Open(QStringLiteral("Select count(*) From ") + QString::fromUtf8(from)).Value(0).toDouble();
+    return s.Open(QStringLiteral("Select count(*) From ") + QString::fromUtf8(from))
+        .Value(0)
+        .toDouble();
 }
 
 }  // namespace

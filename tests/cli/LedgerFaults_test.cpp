@@ -56,7 +56,9 @@ TEST_F(LedgerFaults, EachBadLedgerIsADatabaseFailureWithTheDriversMessage) {
         {"text", [](const QString& f) { WriteAll(f, "Dear office,\nthis is no ledger.\n"); },
          "file is not a database"},
         {"missing department tables",
-         [](const QString& f) { Sql(f, {"DROP TABLE 设置管理处", "DROP TABLE 职能部门new"}); },
+         [](const QString& f) {
+             Sql(f, {"DROP TABLE 设置管理处", "DROP TABLE 职能部门new"});
+         },
          "no such table: 设置管理处"},
         {"missing ticket types", [](const QString& f) { Sql(f, {"DROP TABLE 票据类型"}); },
          "no such table: 票据类型"},
@@ -64,13 +66,17 @@ TEST_F(LedgerFaults, EachBadLedgerIsADatabaseFailureWithTheDriversMessage) {
         // The engine would open these as new, empty databases: told what they are.
         {"a folder", [](const QString& f) { QFile::remove(f), QDir().mkdir(f); }, ": is a folder"},
         {"a FIFO",
-         [](const QString& f) { QFile::remove(f), ::mkfifo(QFile::encodeName(f).constData(), 0600); },
+         [](const QString& f) {
+             QFile::remove(f), ::mkfifo(QFile::encodeName(f).constData(), 0600);
+         },
          ": is not a regular file"},
         // Amounts and rates beyond the number forms: an error that names them.
         {"an amount beyond 15 digits",
-         [](const QString& f) { Sql(f, {"UPDATE 票据开票数据 SET 金额 = 1e300 WHERE 票据编号 = "
-                                        "(SELECT min(票据编号) FROM 票据 WHERE 开票部门编号 = '01' "
-                                        "AND 开票日期 >= '2024-03')"}); },
+         [](const QString& f) {
+             Sql(f, {"UPDATE 票据开票数据 SET 金额 = 1e300 WHERE 票据编号 = "
+                     "(SELECT min(票据编号) FROM 票据 WHERE 开票部门编号 = '01' "
+                     "AND 开票日期 >= '2024-03')"});
+         },
          "error 6: Overflow: 票据编号 "},
         {"an infinite amount",
          [](const QString& f) { Sql(f, {"UPDATE 票据开票数据 SET 金额 = 9e999"}); },
@@ -96,8 +102,17 @@ TEST_F(LedgerFaults, EachBadLedgerIsADatabaseFailureWithTheDriversMessage) {
         QStringList args = Invoice({"--csv", dir.filePath("out.csv")}, file);
         args[0] = QString::fromUtf8(shape.command);
         if (args[0] == "reconciliation")
-            args = {args[0], "--database", file, "--dept", "01", "--year", "2024",
-                    "--months", "01-12", "--csv", dir.filePath("out.csv")};
+            args = {args[0],
+                    "--database",
+                    file,
+                    "--dept",
+                    "01",
+                    "--year",
+                    "2024",
+                    "--months",
+                    "01-12",
+                    "--csv",
+                    dir.filePath("out.csv")};
         const ToolResult r = RunTool(args);
         EXPECT_EQ(r.status, 1) << r.Err().toStdString();
         EXPECT_TRUE(r.Err().contains(QString::fromUtf8(shape.message))) << r.Err().toStdString();
@@ -121,15 +136,19 @@ TEST_F(LedgerFaults, WhatMakesTheEngineWriteToAReadOnlyLedgerIsTold) {
     const Shape shapes[] = {
         {"a WAL ledger in a closed folder", "PRAGMA journal_mode=WAL",
          "the ledger is in WAL mode, which needs its -wal and -shm files in "},
-        {"a journal left by a stopped writer", nullptr, "-journal was left by a writer that was stopped"},
+        {"a journal left by a stopped writer", nullptr,
+         "-journal was left by a writer that was stopped"},
     };
     ASSERT_EQ(::chmod(QFile::encodeName(dir.path()).constData(), 0755), 0);
     for (const Shape& shape : shapes) {
         SCOPED_TRACE(shape.name);
         const QString file = Copy(shape.name);
-        if (shape.sql) Sql(file, {shape.sql});
-        else WriteAll(file + "-journal", QByteArray(4096, 'j'));  // any bytes make it hot
-        for (const QString& f : {file, file + "-journal"}) ::chmod(QFile::encodeName(f).constData(), 0644);
+        if (shape.sql)
+            Sql(file, {shape.sql});
+        else
+            WriteAll(file + "-journal", QByteArray(4096, 'j'));  // any bytes make it hot
+        for (const QString& f : {file, file + "-journal"})
+            ::chmod(QFile::encodeName(f).constData(), 0644);
         const ToolResult r = RunTool(Invoice({"--csv", "/dev/null"}, file), {.user = nobody});
         if (r.status == 126) GTEST_SKIP() << "this system does not let root become nobody";
         EXPECT_EQ(r.status, 1);
@@ -158,13 +177,15 @@ TEST_F(LedgerFaults, ArgumentsAndEmptyWindowsHaveTheirStatus) {
     const QString out = dir.filePath("out.csv");
     const auto invoice = [&](const QString& dept, const QString& from, const QString& to,
                              const QStringList& extra = {}) {
-        return QStringList{"invoice", "--database", DemoLedger(), "--dept", dept,  "--from",
-                           from,      "--to",       to,           "--csv",  out} + extra;
+        return QStringList{"invoice", "--database", DemoLedger(), "--dept", dept, "--from",
+                           from,      "--to",       to,           "--csv",  out} +
+               extra;
     };
     const auto reconciliation = [&](const QString& dept, const QString& year,
                                     const QString& months) {
-        return QStringList{"reconciliation", "--database", DemoLedger(), "--dept", dept,
-                           "--year", year, "--months", months, "--csv", out};
+        return QStringList{
+            "reconciliation", "--database", DemoLedger(), "--dept", dept, "--year", year,
+            "--months",       months,       "--csv",      out};
     };
     struct Case {
         const char* name;
@@ -198,8 +219,7 @@ TEST_F(LedgerFaults, ArgumentsAndEmptyWindowsHaveTheirStatus) {
         EXPECT_EQ(r.status, c.status);
         EXPECT_TRUE(r.Err().contains(QString::fromUtf8(c.message))) << r.Err().toStdString();
         // Every mistake in the arguments is followed by a usage.
-        EXPECT_EQ(r.Err().contains("\nusage:"), c.status == 2)
-            << r.Err().toStdString();
+        EXPECT_EQ(r.Err().contains("\nusage:"), c.status == 2) << r.Err().toStdString();
         EXPECT_TRUE(QDir(dir.path()).isEmpty());
     }
 }

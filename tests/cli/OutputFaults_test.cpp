@@ -2,8 +2,8 @@
 // objects: special targets, full disks, inputs as outputs, read-only files and
 // folders, signals. One table a fault family.
 #include <fcntl.h>
-#include <poll.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -122,7 +122,8 @@ TEST_F(OutputFaults, StandardOutputGoesToWhatTheShellOpened) {
     // On a full device: told, not silent.
     r = RunTool(Invoice({"--csv", "-"}), {.stdoutFile = "/dev/full"});
     EXPECT_EQ(r.status, 1);
-    EXPECT_TRUE(r.Err().contains("standard output: No space left on device")) << r.Err().toStdString();
+    EXPECT_TRUE(r.Err().contains("standard output: No space left on device"))
+        << r.Err().toStdString();
 }
 
 TEST_F(OutputFaults, AShortWriteKeepsTheOldFileAndLeavesNoTemporaryFile) {
@@ -136,8 +137,10 @@ TEST_F(OutputFaults, AShortWriteKeepsTheOldFileAndLeavesNoTemporaryFile) {
         {Invoice({"--csv", Path("old.csv")}), "old.csv", 16 * 1024, "File too large"},
         {Invoice({"--xlsx", Path("old.xlsx")}), "old.xlsx", 64 * 1024, "xl/worksheets/sheet1.xml"},
         {Invoice({"--sql-log", Path("old.log")}), "old.log", 4 * 1024, "File too large"},
-        {{"make-demo-db", Path("old.sqlite"), "--tickets", "3000", "--force"}, "old.sqlite",
-         256 * 1024, ""},
+        {{"make-demo-db", Path("old.sqlite"), "--tickets", "3000", "--force"},
+         "old.sqlite",
+         256 * 1024,
+         ""},
     };
     for (const Case& c : cases) {
         const QString target = Path(c.target);
@@ -229,13 +232,17 @@ TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
         {"a read-only workbook", Invoice({"--xlsx", Path("ro.xlsx")}), 1, readOnly("ro.xlsx")},
         {"a folder", Invoice({"--csv", dir.path()}), 1, dir.path() + ": Is a directory"},
         {"a missing folder", Invoice({"--xlsx", Path("no/such/folder.xlsx")}), 1, "Path not found"},
-        {"the ledger as the log", Invoice({"--sql-log", ledger}), 2, "an output never replaces an input"},
-        {"a link to the ledger", Invoice({"--sql-log", Path("link.sqlite")}), 2, "never replaces an input"},
+        {"the ledger as the log", Invoice({"--sql-log", ledger}), 2,
+         "an output never replaces an input"},
+        {"a link to the ledger", Invoice({"--sql-log", Path("link.sqlite")}), 2,
+         "never replaces an input"},
         {"the ledger as the CSV", Invoice({"--csv", ledger}), 2, "never replaces an input"},
         {"the ledger as the workbook", Invoice({"--xlsx", ledger}), 2, "never replaces an input"},
         {"two outputs one file", Invoice({"--csv", Path("x"), "--xlsx", Path("x")}), 2,
          "name the same file"},
-        {"a demo ledger onto a file", {"make-demo-db", Path("existing.sqlite"), "--tickets", "10"}, 2,
+        {"a demo ledger onto a file",
+         {"make-demo-db", Path("existing.sqlite"), "--tickets", "10"},
+         2,
          "exists; --force replaces it"},
     };
     for (const Case& c : cases) {
@@ -244,15 +251,17 @@ TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
         if (args.first() == "invoice" && !args.contains("--sql-log")) args << "--sql-log" << log;
         const ToolResult r = RunTool(args);
         EXPECT_EQ(r.status, c.status);
-        EXPECT_TRUE(std::ranges::any_of(c.error.split('|'),
-                                        [&](const QString& e) { return r.Err().contains(e); }))
-            << r.Err().toStdString();
+        EXPECT_TRUE(std::ranges::any_of(c.error.split('|'), [&](const QString& e) {
+            return r.Err().contains(e);
+        })) << r.Err().toStdString();
         EXPECT_EQ(r.Err().contains("usage:"), c.status == 2);
         EXPECT_FALSE(QFile::exists(log));
     }
     EXPECT_EQ(ReadAll(ledger), ledgerBytes);
-    for (const char* name : {"ro.csv", "ro.xlsx", "existing.sqlite"}) EXPECT_EQ(ReadAll(Path(name)), "keep");
-    EXPECT_EQ(RunTool({"make-demo-db", Path("existing.sqlite"), "--tickets", "10", "--force"}).status, 0);
+    for (const char* name : {"ro.csv", "ro.xlsx", "existing.sqlite"})
+        EXPECT_EQ(ReadAll(Path(name)), "keep");
+    EXPECT_EQ(
+        RunTool({"make-demo-db", Path("existing.sqlite"), "--tickets", "10", "--force"}).status, 0);
     EXPECT_TRUE(ReadAll(Path("existing.sqlite")).startsWith("SQLite format 3"));
     EXPECT_EQ(HiddenFiles(dir.path()), QStringList());
 }
@@ -289,7 +298,8 @@ TEST_F(OutputFaults, AFolderWithoutWritePermissionIsRefusedBeforeAnyWork) {
         if (r.status == 126) GTEST_SKIP() << "this system does not let root become nobody";
         EXPECT_EQ(r.status, 1) << r.Err().toStdString();
         // The path, and the folder to blame.
-        EXPECT_TRUE(r.Err().contains(closed + '/' + c.refused + ": no new file can be made in " + closed))
+        EXPECT_TRUE(
+            r.Err().contains(closed + '/' + c.refused + ": no new file can be made in " + closed))
             << r.Err().toStdString();
         for (const QString& folder : {open, closed})
             EXPECT_EQ(Entries(folder), QStringList()) << folder.toStdString();

@@ -28,12 +28,14 @@ long ErrorNumberOf(const std::function<void()>& call) {
 TEST(ValueRulesFormat, HalvesRoundAwayFromZeroOnTheFifteenDigitForm) {
     // Binary 2.675 and 1.005 lie just below the half; the 15-digit form does
     // not. A negative that rounds to zero keeps its sign.
+    // clang-format off
     for (const auto& [value, text] : std::vector<std::pair<double, QString>>{
              {0.015, "0.02"}, {2.675, "2.68"}, {1.005, "1.01"}, {0.125, "0.13"}, {-2.675, "-2.68"},
              {-0.005, "-0.01"}, {0.0049, "0.00"}, {0, "0.00"}, {0.5, "0.50"}, {7, "7.00"},
              {0.995, "1.00"}, {99.995, "100.00"}, {1234567.891, "1234567.89"},
              {123456789012.345, "123456789012.35"}, {1e-20, "0.00"}, {-0.001, "-0.00"},
              {-1.1e-16, "-0.00"}, {-0.0049, "-0.00"}})
+        // clang-format on
         EXPECT_EQ(Format0_00(value), text) << value;
 }
 
@@ -72,24 +74,30 @@ TEST(ValueRulesFormat, ValuesBeyondTheFormsOverflow) {
 
 TEST(ValueRulesVal, LongestLeadingNumberWithBlanksSkipped) {
     // An exponent counts only with digits behind it.
+    // clang-format off
     for (const auto& [text, value] : std::vector<std::pair<QString, double>>{
              {" 70%", 70}, {"abc", 0}, {"", 0}, {"2.5", 2.5}, {"1 2 3", 123}, {"-3.5x", -3.5},
              {".5", 0.5}, {"1.2.3", 1.2}, {"12abc", 12}, {"-", 0}, {"70 %", 70}, {"1e3", 1000},
              {"1e", 1}, {"2e-1x", 0.2}})
+        // clang-format on
         EXPECT_EQ(Val(text), value) << text.toStdString();
 }
 
 TEST(ValueRulesDoubleText, FifteenDigitsNoExponentNoTrailingZeros) {
+    // clang-format off
     for (const auto& [value, text] : std::vector<std::pair<double, QString>>{
              {0.3, "0.3"}, {33.3 / 100, "0.333"}, {0.1 + 0.2, "0.3"}, {1, "1"}, {0, "0"},
              {0.07 * 100, "7"}, {-2.5, "-2.5"}, {1e-5, "0.00001"}, {1e15, "1000000000000000"},
              {123456.789, "123456.789"}})
+        // clang-format on
         EXPECT_EQ(DoubleText(value), text) << value;
 }
 
 TEST(ValueRulesRounding, TiesGoToEven) {
+    // clang-format off
     for (const auto& [value, rounded] : std::vector<std::pair<double, int>>{
              {2.5, 2}, {3.5, 4}, {0.5, 0}, {-2.5, -2}, {2.4999, 2}, {2.51, 3}})
+        // clang-format on
         EXPECT_EQ(RoundHalfEven(value), rounded) << value;
 }
 

@@ -18,7 +18,11 @@ using namespace yunqi;
 namespace {
 
 DbSettings Server(const QString& svr, const char* edition = "2000") {
-    return {.Edition = edition, .Svr = svr, .UID = "出纳", .PWD = "secret", .DBname = "账房",
+    return {.Edition = edition,
+            .Svr = svr,
+            .UID = "出纳",
+            .PWD = "secret",
+            .DBname = "账房",
             .Driver = "FreeTDS"};
 }
 
@@ -89,16 +93,15 @@ TEST_P(FreeTdsLogin, ReachesTheListenerAsConfigured) {
         const char* variable;
         QString file;
         QByteArray text;
-    } files[] = {
-        {"ODBCINI", "odbc.ini", "[yunqi-ledger]\nDriver = FreeTDS\nServername = ledger\n"},
-        {"FREETDSCONF", "freetds.conf",
-         "[ledger]\n\thost = 127.0.0.1\n\tport = " + listener.port_.toLatin1() +
-             "\n\ttds version = 7.2\n\tencryption = off\n"}};
+    } files[] = {{"ODBCINI", "odbc.ini", "[yunqi-ledger]\nDriver = FreeTDS\nServername = ledger\n"},
+                 {"FREETDSCONF", "freetds.conf",
+                  "[ledger]\n\thost = 127.0.0.1\n\tport = " + listener.port_.toLatin1() +
+                      "\n\ttds version = 7.2\n\tencryption = off\n"}};
     for (const auto& f : files) {
         QFile file(dir.filePath(f.file));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(f.text) == f.text.size());
-        const bool used = row.how == LoginRow::Dsn ||
-                          (row.how == LoginRow::Section && f.file == "freetds.conf");
+        const bool used =
+            row.how == LoginRow::Dsn || (row.how == LoginRow::Section && f.file == "freetds.conf");
         if (used) qputenv(f.variable, QFile::encodeName(file.fileName()));
     }
     if (row.how == LoginRow::Dsn) s.DSN = QStringLiteral("yunqi-ledger");
@@ -111,7 +114,8 @@ TEST_P(FreeTdsLogin, ReachesTheListenerAsConfigured) {
     EXPECT_EQ(login["database"].toString(), "账房");
     // Never printed: compared, and told only by its length.
     const QString got = login["password"].toString();
-    EXPECT_TRUE(got == s.PWD) << "the password arrived changed, with " << got.size() << " characters";
+    EXPECT_TRUE(got == s.PWD) << "the password arrived changed, with " << got.size()
+                              << " characters";
     EXPECT_EQ(login["browser"].toString(), row.how == LoginRow::Browser ? "LEDGER" : "");
 }
 
@@ -128,7 +132,7 @@ struct StartUpRow {
     const char* uid;
     const char* pwd;
     const char* dbName;
-    const char* reply;  // the listener's, or none
+    const char* reply;   // the listener's, or none
     const char* begins;  // the first message's text after "错误信息："
     const char* holds;
     const char* driver = "FreeTDS";
@@ -140,11 +144,11 @@ const StartUpRow kStartUps[] = {
     {"uncarriedUser", "{sa}", "x", "db", nullptr, "UID starts with \"{\" and holds \"}\"", ""},
     {"uncarriedDatabase", "sa", "x", "账;房}", nullptr, "DBname holds \"}\" and \";\"", ""},
     {"closedAfterLogin", "出纳", "x", "db", "close", "[FreeTDS]", "Unexpected EOF from the server"},
-    {"loginFailedOn2000", "出纳", "x", "db", "fail", "[FreeTDS]",
-     "Login failed for user '出纳'."},
+    {"loginFailedOn2000", "出纳", "x", "db", "fail", "[FreeTDS]", "Login failed for user '出纳'."},
     // A Driver value is one value: it names no database of its own.
     {"driverAddsNoKeys", "sa", "x", "db", nullptr, "[unixODBC][Driver Manager]Can't open lib",
-     "'SQLite3};DATABASE=/nonexistent/other.sqlite;X={'", "SQLite3};DATABASE=/nonexistent/other.sqlite;X={"},
+     "'SQLite3};DATABASE=/nonexistent/other.sqlite;X={'",
+     "SQLite3};DATABASE=/nonexistent/other.sqlite;X={"},
 };
 
 class FreeTdsStartUp : public FreeTdsStack, public ::testing::WithParamInterface<StartUpRow> {};

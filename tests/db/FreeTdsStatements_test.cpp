@@ -118,8 +118,7 @@ const ServerRow kRows[] = {
     {"invoiceLatin1AsGbk", "invoice", "2012", kLatin1, kAsGbk, Expect::Golden, ""},
     {"preinvoiceLatin1AsGbk", "preinvoice", "2000", kSqlLatin1, kAsGbk, Expect::Golden, ""},
     {"parkingLatin1AsGbk", "parking", "2000", kLatin1, kAsGbk, Expect::Golden, ""},
-    {"reconciliationLatin1AsGbk", "reconciliation", "2012", kSqlLatin1, kAsGbk, Expect::Golden,
-     ""},
+    {"reconciliationLatin1AsGbk", "reconciliation", "2012", kSqlLatin1, kAsGbk, Expect::Golden, ""},
     // A value whose bytes are no text: named, never dropped or altered.
     {"payerNotGbk", "invoice", "2000", kGbk + QStringList{"--bad", "甲公司"}, "", Expect::Failed,
      "列“付款人”（票据编号 0001）的值无法正确读出"},
@@ -130,8 +129,9 @@ const ServerRow kRows[] = {
     {"departmentNotGbk", "parking", "2000", kGbk + QStringList{"--bad", "云栖苑"}, "",
      Expect::Refused, "Chinese_PRC_CI_AS，职能部门名称无法正确读出"},
     // The connection lost in the rows, and an error token.
-    {"droppedInRows", "invoice", "2012", kGbk + QStringList{"--drop-on", "B1.物业费", "--drop-after", "2"},
-     "", Expect::Failed, "yunqi-statement: error "},
+    {"droppedInRows", "invoice", "2012",
+     kGbk + QStringList{"--drop-on", "B1.物业费", "--drop-after", "2"}, "", Expect::Failed,
+     "yunqi-statement: error "},
     {"errorToken", "parking", "2000", kGbk + QStringList{"--error-on", "收款方式列表"}, "",
      Expect::Failed, "Invalid object name '票据'."},
 };
@@ -155,8 +155,8 @@ TEST_P(FreeTdsStatements, WriteTheEmbeddedRunsFilesOrEndWithTheCause) {
     QTemporaryDir dir;
     ASSERT_TRUE(QDir(dir.path()).mkpath("云栖账房"));
     ASSERT_TRUE(Write(dir.filePath("云栖账房/云栖账房.ini"),
-                      "[DBConfig]\nEdition=" + QByteArray(row.edition) +
-                          "\nSvr=127.0.0.1," + listener.port_.toLatin1() +
+                      "[DBConfig]\nEdition=" + QByteArray(row.edition) + "\nSvr=127.0.0.1," +
+                          listener.port_.toLatin1() +
                           "\nUID=出纳\nPWD=secret\nDBname=账房\nDriver=FreeTDS\n" + row.setting +
                           "\n"));
     const QString report = QString::fromLatin1(row.report);
@@ -167,7 +167,8 @@ TEST_P(FreeTdsStatements, WriteTheEmbeddedRunsFilesOrEndWithTheCause) {
     if (report == QLatin1String("reconciliation"))
         args += QStringList{"--year", "2024", "--months", "03-03"};
     else
-        args += QStringList{"--from", "2024-03-01", "--to", "2024-03-31", "--ratio", "07=66.7/33.3"};
+        args +=
+            QStringList{"--from", "2024-03-01", "--to", "2024-03-31", "--ratio", "07=66.7/33.3"};
     args << "--csv" << csv << "--xlsx" << xlsx << "--sql-log" << log;
 
     QProcess tool;
@@ -207,9 +208,8 @@ TEST_P(FreeTdsStatements, WriteTheEmbeddedRunsFilesOrEndWithTheCause) {
     for (const char* name : {"xl/worksheets/sheet1.xml", "xl/styles.xml"}) {
         const auto part = parts.find(QString::fromLatin1(name));
         ASSERT_NE(part, parts.end()) << name;
-        const QString difference =
-            FirstDifference(PrettyXml(part->second),
-                            ReadAll(golden + QString::fromLatin1(name).section('/', -1)));
+        const QString difference = FirstDifference(
+            PrettyXml(part->second), ReadAll(golden + QString::fromLatin1(name).section('/', -1)));
         EXPECT_TRUE(difference.isEmpty()) << name << ": " << difference.toStdString();
     }
     // The start-up's checks come first in the log, then the statement's texts.

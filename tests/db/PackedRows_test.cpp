@@ -1,8 +1,8 @@
+#include "db/PackedRows.h"
+
 #include <gtest/gtest.h>
 
 #include <QDateTime>
-
-#include "db/PackedRows.h"
 
 using namespace yunqi;
 

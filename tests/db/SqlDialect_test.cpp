@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-
 using namespace yunqi;
 
 // Readable texts in failure reports.

@@ -35,10 +35,10 @@ class InvoiceHeader : public TicketLedger<InvoiceStatement> {
 TEST_F(InvoiceHeader, ItemsLayTwoOrThreeMoneyColumnsEach) {
     Extract({{"03", "垃圾费（代收）%", "NULL", "代收"}, {"04", "临停", "0.125", "临时停车"}});
     EXPECT_EQ(statement->FeeColumnCount(), 10);
-    EXPECT_EQ(HeaderRow(0), (QStringList{"序", "开票日期", "增值税发票", "增值税发票", "增值税发票",
-                                         "收据", "物业费", "物业费", "停车费", "停车费", "停车费",
-                                         "垃圾费代收", "垃圾费代收", "临停", "临停",
-                                         "临停", "合计", "收款方式", "付款人"}));
+    EXPECT_EQ(HeaderRow(0),
+              (QStringList{"序", "开票日期", "增值税发票", "增值税发票", "增值税发票", "收据",
+                           "物业费", "物业费", "停车费", "停车费", "停车费", "垃圾费代收",
+                           "垃圾费代收", "临停", "临停", "临停", "合计", "收款方式", "付款人"}));
     // 0.125 is read as 0.13 ("0.00"); a Null rate is 0.
     EXPECT_EQ(HeaderRow(1),
               (QStringList{"序", "开票日期", "专用发票", "普通发票", "电子发票", "收据", "金额",
@@ -63,7 +63,10 @@ TEST_F(InvoiceHeader, PercentagesAreMatchedByCodeAndTakenAtTheNextBuild) {
 }
 
 TEST(DetailHeaderTax, RateInPercentAsPlainText) {
-    for (const auto& [rate, text] : std::vector<std::pair<double, QString>>{
-             {0.05, "税额5%"}, {0, "税额0%"}, {0.065, "税额6.5%"}, {0.13, "税额13%"}, {0.57, "税额57%"}})
+    for (const auto& [rate, text] : std::vector<std::pair<double, QString>>{{0.05, "税额5%"},
+                                                                            {0, "税额0%"},
+                                                                            {0.065, "税额6.5%"},
+                                                                            {0.13, "税额13%"},
+                                                                            {0.57, "税额57%"}})
         EXPECT_EQ(DetailHeader::TaxHeading(rate), text) << rate;
 }

@@ -27,8 +27,9 @@ long ErrorNumberOf(const std::function<void()>& call) {
 // A new grid is the control's: two by two, one fixed row and column, no merging.
 TEST(FlexGridState, StartsAsTheControlDoes) {
     FlexGrid g;
-    EXPECT_EQ(std::make_tuple(g.Rows(), g.Cols(), g.FixedRows(), g.FixedCols(), g.Row(), g.MergeCells()),
-              std::make_tuple(2, 2, 1, 1, 0, int(FlexGrid::MergeNever)));
+    EXPECT_EQ(
+        std::make_tuple(g.Rows(), g.Cols(), g.FixedRows(), g.FixedCols(), g.Row(), g.MergeCells()),
+        std::make_tuple(2, 2, 1, 1, 0, int(FlexGrid::MergeNever)));
 }
 
 // Growing keeps every cell in place; what shrinks away comes back blank, so
@@ -53,7 +54,8 @@ TEST(FlexGridState, ResizingKeepsCellsInPlaceAndLostOnesComeBackBlank) {
     set(2, 1, "甲", 0xC0E0FF, 450, 1400);
     g.SetRows(5);
     g.SetCols(4);
-    EXPECT_EQ(cell(2, 1), std::make_tuple("甲", 0xC0E0FF, int(FlexGrid::AlignRightCenter), 450, 1400, true));
+    EXPECT_EQ(cell(2, 1),
+              std::make_tuple("甲", 0xC0E0FF, int(FlexGrid::AlignRightCenter), 450, 1400, true));
     EXPECT_EQ(cell(2, 0), std::make_tuple("", -1, -1, 450, col, false));
     EXPECT_EQ(cell(4, 3), std::make_tuple("", -1, -1, row, col, false));
 

@@ -17,8 +17,8 @@ using namespace Pager;
 
 TEST(PagerArithmetic, PageSizeCountAndFirstRow) {
     // Rounded after the header row is taken off: 21.5 and 20.5 would both give 21.
-    for (const auto& [height, size] : std::vector<std::pair<int, int>>{
-             {7500, 24}, {7000, 22}, {6750, 22}, {6450, 20}, {600, 1}})
+    for (const auto& [height, size] :
+         std::vector<std::pair<int, int>>{{7500, 24}, {7000, 22}, {6750, 22}, {6450, 20}, {600, 1}})
         EXPECT_EQ(PageSizeFor(height, 300), size) << height;
     // {rows, page size, pages}: a page more only for a remainder.
     for (const auto& [rows, size, pages] : std::vector<std::tuple<int, int, int>>{
@@ -39,19 +39,35 @@ TEST(PagerImages, StayInsideTheStatement) {
     using enum PagerImage;
     // {image, current page, target} of five pages; a page beyond the count
     // (left by a resize) goes back to the last.
-    for (const auto& [image, current, target] : std::vector<std::tuple<PagerImage, int, int>>{
-             {First, 3, 1}, {Last, 3, 5}, {Previous, 3, 2}, {Previous, 1, 1}, {Previous, 0, 1},
-             {Next, 3, 4}, {Next, 5, 5}, {Next, 7, 5}})
+    for (const auto& [image, current, target] :
+         std::vector<std::tuple<PagerImage, int, int>>{{First, 3, 1},
+                                                       {Last, 3, 5},
+                                                       {Previous, 3, 2},
+                                                       {Previous, 1, 1},
+                                                       {Previous, 0, 1},
+                                                       {Next, 3, 4},
+                                                       {Next, 5, 5},
+                                                       {Next, 7, 5}})
         EXPECT_EQ(TargetPage(image, current, 5), target) << int(image) << ' ' << current;
     EXPECT_EQ(TargetPage(Next, 1, 1), 1);
 }
 
 TEST(PagerPageText, NumericValueRoundedTiesToEvenWithinTheCount) {
     // {text, pages, page or 0 for none}; the range is checked before rounding.
-    for (const auto& [text, pages, page] : std::vector<std::tuple<QString, int, int>>{
-             {"2", 3, 2}, {" 3页", 3, 3}, {"2.5", 3, 2}, {"3.5", 4, 4}, {"1.5", 4, 2},
-             {"0.4", 3, 0}, {"0", 3, -1}, {"abc", 3, -1}, {"", 3, -1}, {"-1", 3, -1},
-             {"4", 3, -1}, {"3.5", 3, -1}, {"1", 0, -1}})
+    for (const auto& [text, pages, page] :
+         std::vector<std::tuple<QString, int, int>>{{"2", 3, 2},
+                                                    {" 3页", 3, 3},
+                                                    {"2.5", 3, 2},
+                                                    {"3.5", 4, 4},
+                                                    {"1.5", 4, 2},
+                                                    {"0.4", 3, 0},
+                                                    {"0", 3, -1},
+                                                    {"abc", 3, -1},
+                                                    {"", 3, -1},
+                                                    {"-1", 3, -1},
+                                                    {"4", 3, -1},
+                                                    {"3.5", 3, -1},
+                                                    {"1", 0, -1}})
         EXPECT_EQ(PageFromText(text, pages).value_or(-1), page) << text.toStdString();
 }
 
@@ -100,6 +116,5 @@ TEST_P(PagedStatements, PagesTogetherAreTheWholeStatement) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Reports, PagedStatements,
-                         ::testing::ValuesIn(PagedReports()),
+INSTANTIATE_TEST_SUITE_P(Reports, PagedStatements, ::testing::ValuesIn(PagedReports()),
                          [](const auto& info) { return info.param->command.toStdString(); });

@@ -14,10 +14,14 @@ TEST(SheetModelTest, AssignedTextConvertsAsTheSpreadsheetDoes) {
         QString shown;
     };
     const Case cases[] = {
-        {"'00123", VT::Text, 0, "00123"},  {"00123", VT::Number, 123, ""},
-        {"-12.50", VT::Number, -12.5, ""}, {"2013-05-06", VT::Date, 41400, ""},  // its serial
-        {"合  计", VT::Text, 0, "合  计"},  {"'", VT::Text, 0, ""},
-        {"2013-02-30", VT::Text, 0, "2013-02-30"}, {"12 楼", VT::Text, 0, "12 楼"},
+        {"'00123", VT::Text, 0, "00123"},
+        {"00123", VT::Number, 123, ""},
+        {"-12.50", VT::Number, -12.5, ""},
+        {"2013-05-06", VT::Date, 41400, ""},  // its serial
+        {"合  计", VT::Text, 0, "合  计"},
+        {"'", VT::Text, 0, ""},
+        {"2013-02-30", VT::Text, 0, "2013-02-30"},
+        {"12 楼", VT::Text, 0, "12 楼"},
     };
     SheetModel sheet;
     for (const Case& c : cases) {

@@ -64,10 +64,16 @@ TEST(SplitRatiosGrid, EachFillResetsEditedShares) {
 // The property share as a plain decimal; the developer's takes no part. A
 // cell that is no number is a type mismatch (13).
 TEST(SplitRatiosRatioText, PlainDecimalOfThePropertyShare) {
-    for (const auto& [developer, property, text] : std::vector<std::tuple<QString, QString, QString>>{
-             {"70", "30", "0.3"}, {"66.7", "33.3", "0.333"}, {"87.5", "12.5", "0.125"},
-             {"0", "100", "1"}, {"100", "0", "0"}, {"70", " 30 ", "0.3"}, {"abc", "30", "0.3"},
-             {"70", "abc", "13"}, {"70", "", "13"}}) {
+    for (const auto& [developer, property, text] :
+         std::vector<std::tuple<QString, QString, QString>>{{"70", "30", "0.3"},
+                                                            {"66.7", "33.3", "0.333"},
+                                                            {"87.5", "12.5", "0.125"},
+                                                            {"0", "100", "1"},
+                                                            {"100", "0", "0"},
+                                                            {"70", " 30 ", "0.3"},
+                                                            {"abc", "30", "0.3"},
+                                                            {"70", "abc", "13"},
+                                                            {"70", "", "13"}}) {
         QString got;
         try {
             got = RatioText(Shares(developer, property), 1);

@@ -55,8 +55,8 @@ TEST(StatementTotalsTest, BreakdownScansEveryRowTheTotalRowIncluded) {
          {{"合  计", "", 20}, {"其中", "现金", 10}, {"", "", 20}, {"", "微信支付", 5}}},
     };
     for (const Case& c : cases) {
-        DetailRows rows =
-            RowsOf({{"现金", 10}, {"微信支付", 3}, {"微信", 2}, {"支票", 5}, {"支票", -5}, {"其它", 5}});
+        DetailRows rows = RowsOf(
+            {{"现金", 10}, {"微信支付", 3}, {"微信", 2}, {"支票", 5}, {"支票", -5}, {"其它", 5}});
         const int total = StatementTotals::AppendTotalRow(rows, c.field, QStringLiteral("合  计"));
         EXPECT_EQ(rows.FeeAmount(total, 1), 20);
         StatementTotals::AppendBreakdown(rows, *session, {c.field, c.weChatAsWeChatPay});

@@ -41,10 +41,16 @@ struct Case {
 const std::vector<Case>& Cases() {
     static const std::vector<Case> cases{
         // 12.68 - 2.675 = 10.005; 10.02 - 0.015 = 10.005: 物业 3.0015, 开发商 7.005.
-        {"half a cent rounds up", {12.68, "2.6750"}, {10.02, "0.0150"}, {10.01, 2.68},
+        {"half a cent rounds up",
+         {12.68, "2.6750"},
+         {10.02, "0.0150"},
+         {10.01, 2.68},
          {7.01, 3.00, 0.02}},
         // 2.675 at 30%: 物业 0.8025, 开发商 1.875.
-        {"the developer's half cent", {2.6751, "0.0001"}, {2.675, "NULL"}, {2.68, 0},
+        {"the developer's half cent",
+         {2.6751, "0.0001"},
+         {2.675, "NULL"},
+         {2.68, 0},
          {1.88, 0.80, 0}},
         {"a negative half cent rounds away from zero",
          {-0.005, "NULL"},
@@ -52,9 +58,15 @@ const std::vector<Case>& Cases() {
          {-0.01, 0},
          {-0.01, 0, -0.01}},
         // 0.05 at 30%: 物业 0.015 rounds up first, 开发商 takes 0.03.
-        {"the property share rounds first", {0.0149, "0.0049"}, {0.05, "NULL"}, {0.01, 0},
+        {"the property share rounds first",
+         {0.0149, "0.0049"},
+         {0.05, "NULL"},
+         {0.01, 0},
          {0.03, 0.02, 0}},
-        {"under a half cent rounds down", {10.0049, "2.6749"}, {10.0149, "0.0049"}, {7.33, 2.67},
+        {"under a half cent rounds down",
+         {10.0049, "2.6749"},
+         {10.0149, "0.0049"},
+         {7.33, 2.67},
          {7.01, 3.00, 0}},
     };
     return cases;
@@ -75,8 +87,11 @@ TYPED_TEST(TicketAmounts, FourDecimalsAreRoundedToTheCentWhenRead) {
         // A day of its own: a batch of its own in the parking statement.
         const QString no = QStringLiteral("T%1").arg(i + 1);
         const QString day = QStringLiteral("2024-03-%1").arg(i + 10);
-        this->db.Add({.no = no, .issued = day, .paid = PaidOn<TypeParam>(day),
-                      .amount = c.ordinary.amount + c.parking.amount, .item = ""});
+        this->db.Add({.no = no,
+                      .issued = day,
+                      .paid = PaidOn<TypeParam>(day),
+                      .amount = c.ordinary.amount + c.parking.amount,
+                      .item = ""});
         this->db.Line(no, "01", c.ordinary.amount, c.ordinary.tax);
         this->db.Line(no, "02", c.parking.amount, c.parking.tax);
     }

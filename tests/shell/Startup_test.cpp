@@ -43,8 +43,8 @@ TEST(ConnectionTextTest, ValuesGoInAsTheyStand) {
     DbSettings s{"2000", "db.local,1433", "sa", "p;w}d", "账房", "FreeTDS"};
     EXPECT_EQ(OdbcConnectionString(s),
               "DRIVER={FreeTDS};SERVER=db.local;PORT=1433;DATABASE=账房;UID=sa;PWD={p;w}}d};"
-              "TDS_Version=7.1;APP=" + QCoreApplication::applicationName() +
-                  ";ClientCharset=UTF-8");
+              "TDS_Version=7.1;APP=" +
+                  QCoreApplication::applicationName() + ";ClientCharset=UTF-8");
 }
 
 TEST_F(StartUpTest, FreeTdsOnAClosedPortGivesTheDriversDescription) {
@@ -84,8 +84,8 @@ TEST(ConnectionTextTest, OdbcServerForms) {
     DbSettings s{"2000", "srv\\inst", "用户", "", "", "FreeTDS"};
     EXPECT_EQ(OdbcConnectionString(s),
               "DRIVER={FreeTDS};SERVER=srv\\inst;DATABASE=;UID=用户;PWD=;"
-              "TDS_Version=7.1;APP=" + QCoreApplication::applicationName() +
-                  ";ClientCharset=UTF-8");
+              "TDS_Version=7.1;APP=" +
+                  QCoreApplication::applicationName() + ";ClientCharset=UTF-8");
     s.Svr = " db.local , 1433 ";
     s.PWD = " {x} ";
     EXPECT_TRUE(OdbcConnectionString(s).contains("SERVER=db.local;PORT=1433;"));
@@ -94,8 +94,11 @@ TEST(ConnectionTextTest, OdbcServerForms) {
     for (const char* driver : {"SQL Server", "ODBC Driver 18 for SQL Server"})
         EXPECT_EQ(OdbcConnectionString({"2000", " db.local , 1433 ", "sa", " {x} ", "账房", driver})
                       .toStdString(),
-                  ("DRIVER={" + QString(driver) + "};SERVER=db.local,1433;DATABASE=账房;UID=sa;"
-                   "PWD={ {x}} };APP=" + QCoreApplication::applicationName()).toStdString());
+                  ("DRIVER={" + QString(driver) +
+                   "};SERVER=db.local,1433;DATABASE=账房;UID=sa;"
+                   "PWD={ {x}} };APP=" +
+                   QCoreApplication::applicationName())
+                      .toStdString());
 }
 
 TEST(CenterInMainWindowTest, HalvesTheFreeSpaceInSinglePrecision) {

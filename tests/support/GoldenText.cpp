@@ -30,9 +30,10 @@ QByteArray PrettyXml(const QByteArray& xml) {
         if (k == 'T' && parts[i].trimmed().isEmpty()) continue;  // blanks between tags are layout
         if (k == 'C') depth = std::max(0, depth - 1);
         // An element holding only a text, or nothing, stays on its line.
-        const int joined = k != 'S'          ? 0
-                           : kind(i + 1) == 'C' ? 1
-                           : kind(i + 1) == 'T' && kind(i + 2) == 'C' ? 2 : 0;
+        const int joined = k != 'S'                                   ? 0
+                           : kind(i + 1) == 'C'                       ? 1
+                           : kind(i + 1) == 'T' && kind(i + 2) == 'C' ? 2
+                                                                      : 0;
         out += QByteArray(2 * depth, ' ') + parts.mid(i, joined + 1).join() + '\n';
         depth += k == 'S' && joined == 0;
         i += joined;
@@ -50,16 +51,22 @@ QString FirstDifference(const QByteArray& actual, const QByteArray& expected) {
            got[k][column] == want[k][column])
         ++column;
     auto lines = [](const QStringList& l) { return l.size() - (l.last().isEmpty() ? 1 : 0); };
-    QString text = QStringLiteral("first difference at line %1, column %2 (expected %3 lines, "
-                                  "got %4):\n")
-                       .arg(k + 1).arg(column + 1).arg(lines(want)).arg(lines(got));
+    QString text = QStringLiteral(
+                       "first difference at line %1, column %2 (expected %3 lines, "
+                       "got %4):\n")
+                       .arg(k + 1)
+                       .arg(column + 1)
+                       .arg(lines(want))
+                       .arg(lines(got));
     // A few lines before, then the expected lines and the produced ones from there; a long line
     // is cut around the column.
     auto add = [&](const char* mark, const QStringList& from, qsizetype first, qsizetype end) {
         for (qsizetype n = std::max<qsizetype>(0, first); n < std::min(end, from.size()); ++n) {
             const qsizetype cut = from[n].size() > 160 ? std::max<qsizetype>(0, column - 60) : 0;
             QString shown = from[n].mid(cut, from[n].size() > 160 ? 140 : -1);
-            text += QStringLiteral("%1 %2  %3%4\n").arg(QLatin1String(mark)).arg(n + 1, 5)
+            text += QStringLiteral("%1 %2  %3%4\n")
+                        .arg(QLatin1String(mark))
+                        .arg(n + 1, 5)
                         .arg(cut ? QStringLiteral("…") : QString(), shown.replace('\r', "\\r"));
         }
     };

@@ -81,14 +81,17 @@ void TestDatabase::Methods(const QStringList& methods) {
 
 void TestDatabase::Add(const Ticket& t) {
     const QString paid = t.paid == kAsIssued ? t.issued : t.paid == kUnpaid ? QString() : t.paid;
-    Exec(QStringLiteral("INSERT INTO 票据 (票据编号, 入库单编号, 开票日期, 收款日期, 作废日期, 金额, "
-                        "收款方式, 付款人, 被换票票据编号, 开票部门编号, 预开, 交易订单号, 地址) "
-                        "VALUES (%1,%2,%3,%4,%5,%6,%7,%8,%9,")
+    Exec(QStringLiteral(
+             "INSERT INTO 票据 (票据编号, 入库单编号, 开票日期, 收款日期, 作废日期, 金额, "
+             "收款方式, 付款人, 被换票票据编号, 开票部门编号, 预开, 交易订单号, 地址) "
+             "VALUES (%1,%2,%3,%4,%5,%6,%7,%8,%9,")
              .arg(SqlText(t.no), SqlText(t.note), SqlText(t.issued), SqlText(paid),
                   SqlText(t.voided), Number(t.amount), SqlText(t.method), SqlText(t.payer),
                   SqlText(t.replaced)) +
-         QStringLiteral("%1,%2,%3,%4)").arg(SqlText(t.dept)).arg(t.pre).arg(SqlText(t.order),
-                                                                            SqlText(t.address)));
+         QStringLiteral("%1,%2,%3,%4)")
+             .arg(SqlText(t.dept))
+             .arg(t.pre)
+             .arg(SqlText(t.order), SqlText(t.address)));
     if (!t.item.isEmpty()) Line(t.no, t.item, t.amount, t.tax, t.note);
 }
 
@@ -103,6 +106,7 @@ std::unique_ptr<DatabaseSession> TestDatabase::Session() const {
 }
 
 void FillGoldenLedger(TestDatabase& db) {
+    // clang-format off
     db.Department("D1", "GY01", "云栖苑");
     db.Exec("INSERT INTO 税控盘收费项目设置 VALUES ('01',0.06,'GY01'),('07',0.05,'GY01')");
     db.Types("01 02 04 09");
@@ -125,6 +129,7 @@ void FillGoldenLedger(TestDatabase& db) {
             .amount = 33.33, .item = "07", .tax = "1.59", .method = "微信支付", .payer = "庚"});
     db.Add({.no = "0007", .note = "S9", .issued = "2024-03-20 12:00:00", .amount = 10,
             .payer = "辛"});
+    // clang-format on
 }
 
 }  // namespace yunqi

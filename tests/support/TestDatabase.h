@@ -21,7 +21,7 @@ struct Ticket {
     QString paid = kAsIssued;
     QString voided;
     double amount = 0;
-    QString item = QStringLiteral("01");  // its one line of the whole amount; empty for none
+    QString item = QStringLiteral("01");   // its one line of the whole amount; empty for none
     QString tax = QStringLiteral("NULL");  // SQL literal
     QString method = QStringLiteral("现金");
     QString payer = QStringLiteral("甲");
@@ -55,7 +55,8 @@ class TestDatabase {
     void Methods(const QStringList& methods);
     void Add(const Ticket& ticket);
     void Line(const QString& no, const QString& item, double amount,
-              const QString& tax = QStringLiteral("NULL"), const QString& note = QStringLiteral("S1"));
+              const QString& tax = QStringLiteral("NULL"),
+              const QString& note = QStringLiteral("S1"));
 
     const QString& Path() const { return path_; }
     // A read-only session on the file, as the programs open it.

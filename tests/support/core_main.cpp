@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <clocale>
 
-
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     std::setlocale(LC_CTYPE, "C.UTF-8");

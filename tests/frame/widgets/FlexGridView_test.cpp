@@ -47,9 +47,10 @@ std::pair<int, int> Cell(int row, int col) { return {row, col}; }
 // widths and heights in pixels at fifteen twips each.
 TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentBackColourAndSize) {
     FlexGrid grid(6, 7, 2, 1);  // the last two columns only for their widths
-    const char* texts[6][5] = {{"序", "金额", "方式", "备注", "附"}, {"序", "元", "方式", "备注", "附"},
-        {"1", "100.00", "现金", "", "甲"}, {"", "-5.50", "合计", "", ""},
-        {"", " 12 ", "70%", "", ""}, {"", "-0.00", "2024-03-10", "", ""}};
+    const char* texts[6][5] = {
+        {"序", "金额", "方式", "备注", "附"}, {"序", "元", "方式", "备注", "附"},
+        {"1", "100.00", "现金", "", "甲"},    {"", "-5.50", "合计", "", ""},
+        {"", " 12 ", "70%", "", ""},          {"", "-0.00", "2024-03-10", "", ""}};
     for (int r = 0; r < 6; ++r)
         for (int c = 0; c < 5; ++c) grid.SetTextMatrix(r, c, QString::fromUtf8(texts[r][c]));
     grid.SetFixedAlignment(1, FlexGrid::AlignCenterCenter);
@@ -60,8 +61,8 @@ TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentBackColourAndSize) {
     grid.SetCellAlignmentAt(3, 4, FlexGrid::AlignLeftTop);
     grid.SetCellBackColorAt(3, 1, 0xC0FFFF);  // blue-green-red
     grid.SetCellBackColorAt(4, 0, 0x0000FF);
-    const std::pair<int, int> widths[] = {{960, 64}, {1000, 66}, {1500, 100}, {2985, 199},
-                                          {1200, 80}, {14, 0}};  // twips, pixels
+    const std::pair<int, int> widths[] = {{960, 64},   {1000, 66}, {1500, 100},
+                                          {2985, 199}, {1200, 80}, {14, 0}};  // twips, pixels
     for (int c = 0; c < 6; ++c) grid.SetColWidth(c, widths[c].first);
     grid.SetRowHeight(0, 450);
     grid.SetRowHeight(3, 600);
@@ -72,16 +73,30 @@ TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentBackColourAndSize) {
                         right = Qt::AlignRight | Qt::AlignVCenter,
                         centre = Qt::AlignHCenter | Qt::AlignVCenter;
     // Row, column, alignment, back colour (invalid: nothing drawn behind the text).
-    struct Case { int row, col; Qt::Alignment alignment; QColor back; };
+    struct Case {
+        int row, col;
+        Qt::Alignment alignment;
+        QColor back;
+    };
     const Case cases[] = {
         // Headings: the fixed alignment, left by default, a cell's own ignored.
-        {0, 1, centre, button}, {0, 2, left, button}, {1, 2, left, button},
+        {0, 1, centre, button},
+        {0, 2, left, button},
+        {1, 2, left, button},
         // The fixed column; the general alignment, numbers right and text left.
-        {2, 0, right, button}, {2, 1, right, {}}, {2, 2, left, {}}, {4, 1, right, {}},
-        {4, 2, left, {}}, {5, 1, right, {}}, {5, 2, left, {}},
+        {2, 0, right, button},
+        {2, 1, right, {}},
+        {2, 2, left, {}},
+        {4, 1, right, {}},
+        {4, 2, left, {}},
+        {5, 1, right, {}},
+        {5, 2, left, {}},
         // A column's alignment, a cell's own before it, the other codes; own back colours.
-        {2, 3, centre, {}}, {3, 2, right, {}}, {2, 4, Qt::AlignRight | Qt::AlignBottom, {}},
-        {3, 4, Qt::AlignLeft | Qt::AlignTop, {}}, {3, 1, right, QColor(0xFF, 0xFF, 0xC0)},
+        {2, 3, centre, {}},
+        {3, 2, right, {}},
+        {2, 4, Qt::AlignRight | Qt::AlignBottom, {}},
+        {3, 4, Qt::AlignLeft | Qt::AlignTop, {}},
+        {3, 1, right, QColor(0xFF, 0xFF, 0xC0)},
         {4, 0, left, QColor(0xFF, 0, 0)}};
     for (const Case& c : cases) {
         SCOPED_TRACE(::testing::Message() << c.row << "," << c.col);
@@ -93,7 +108,8 @@ TEST(FlexGridViewTest, EachCellShowsItsTextAlignmentBackColourAndSize) {
     // From one cell's start to the next, in the header and in the body.
     for (int c = 0; c < 6; ++c)
         for (int r : {0, 4})
-            EXPECT_EQ(view.CellRect(r, c + 1).left() - view.CellRect(r, c).left(), widths[c].second);
+            EXPECT_EQ(view.CellRect(r, c + 1).left() - view.CellRect(r, c).left(),
+                      widths[c].second);
     // The standard 300 twips elsewhere, unless the font needs more.
     const int standard = std::max(20, view.verticalHeader()->minimumSectionSize());
     const int heights[] = {30, standard, standard, 40, standard};
@@ -127,17 +143,20 @@ TEST(FlexGridViewTest, HeaderSpansStayWhileTheBodyScrollsAndTheViewFollowsTheGri
 
     // Each heading cell of the first six columns is drawn as the top left one
     // of its span, given as row * 10 + column.
-    auto check = [&](const int (&drawnAs)[2][6]) {
+    auto check = [&](const int(&drawnAs)[2][6]) {
         for (int r : {0, 1})
             for (int c = 0; c < 6; ++c)
                 EXPECT_EQ(view.CellAt(view.CellRect(r, c).center()),
-                          Cell(drawnAs[r][c] / 10, drawnAs[r][c] % 10)) << r << "," << c;
+                          Cell(drawnAs[r][c] / 10, drawnAs[r][c] % 10))
+                    << r << "," << c;
         for (int r = 2; r < 40; ++r) EXPECT_EQ(view.columnSpan(r, 2), 1);
     };
     check({{0, 1, 2, 2, 2, 5}, {0, 1, 12, 13, 14, 5}});
     // A click on the merged heading is one on its top left cell.
     std::vector<std::pair<int, int>> clicks;
-    QObject::connect(&view, &FlexGridView::CellClicked, [&](int r, int c) { clicks.push_back({r, c}); });
+    QObject::connect(&view, &FlexGridView::CellClicked, [&](int r, int c) {
+        clicks.push_back({r, c});
+    });
     ClickCell(&view, 0, 3);
     ClickCell(&view, 3, 2);
     EXPECT_EQ(clicks, (std::vector{Cell(0, 2), Cell(3, 2)}));
@@ -148,7 +167,8 @@ TEST(FlexGridViewTest, HeaderSpansStayWhileTheBodyScrollsAndTheViewFollowsTheGri
                                   view.FixedRowsView()->rowHeight(1));
     ASSERT_GT(view.FixedRowsView()->rowHeight(1), 30);
     ScrollByClicks(view.verticalScrollBar(), 2);
-    const int scrolled = view.verticalScrollBar()->value(), row = view.CellAt(firstRow.center()).first;
+    const int scrolled = view.verticalScrollBar()->value(),
+              row = view.CellAt(firstRow.center()).first;
     ASSERT_GT(row, 2);
     EXPECT_EQ(view.CellAt(heading), Cell(0, 1));
 
@@ -229,7 +249,8 @@ TEST(FlexGridViewTest, ANumberShowsWholeAndEveryColumnFitsWhenAsked) {
 
     view.FitToView(1);
     for (int c = 0; c < 4; ++c)
-        EXPECT_LE(view.columnViewportPosition(c) + view.columnWidth(c), view.viewport()->width()) << c;
+        EXPECT_LE(view.columnViewportPosition(c) + view.columnWidth(c), view.viewport()->width())
+            << c;
     EXPECT_EQ(view.columnWidth(2), 53);
     // Wider again: the column takes no more than the grid gives it.
     view.resize(600, 120);

@@ -66,8 +66,8 @@ TEST(ExportFrameTest, StepsInOrderAndTheFileAtTheStem) {
     const QString file = ExportCommand(TwoRows(), controls, dialogs);
     EXPECT_EQ(file, dir.filePath("out.xlsx"));
     EXPECT_TRUE(QFile::exists(file));
-    EXPECT_EQ(controls.log, (QStringList{"-buttons", "bar 2", "busy", "label", "row 1", "row 2", "-label", "finish", "-busy",
-                                         "-bar", "buttons"}));
+    EXPECT_EQ(controls.log, (QStringList{"-buttons", "bar 2", "busy", "label", "row 1", "row 2",
+                                         "-label", "finish", "-busy", "-bar", "buttons"}));
     EXPECT_EQ(dialogs.yields, 3);
     EXPECT_EQ(dialogs.saveDialogDefaults, QStringList{"表_20240101-20241231"});
     ASSERT_EQ(dialogs.messages.size(), 1u);

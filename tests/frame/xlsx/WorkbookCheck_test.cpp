@@ -59,7 +59,6 @@ std::vector<std::pair<QByteArray, QByteArray>> Parts(const QByteArray& sheet) {
             {"xl/worksheets/sheet1.xml", sheet}};
 }
 
-
 }  // namespace
 
 TEST(WorkbookCheckTest, AnIncompleteOrDamagedArchiveFailsWithWhatIsWrong) {
@@ -72,8 +71,9 @@ TEST(WorkbookCheckTest, AnIncompleteOrDamagedArchiveFailsWithWhatIsWrong) {
     std::vector<Case> cases{{"complete", good, ""}};
     // Every cut of the sheet before its root's end tag, checksums made to match.
     for (int keep = 0; keep < kSheet.size(); keep += 7)
-        cases.push_back({QString("sheet cut at %1").arg(keep), Zip(Parts(kSheet.left(keep))),
-                         "target.xlsx: the workbook came out incomplete (xl/worksheets/sheet1.xml"});
+        cases.push_back(
+            {QString("sheet cut at %1").arg(keep), Zip(Parts(kSheet.left(keep))),
+             "target.xlsx: the workbook came out incomplete (xl/worksheets/sheet1.xml"});
     cases.push_back({"sheet without its last byte", Zip(Parts(kSheet.chopped(1))), "sheet1.xml"});
     // The archive itself cut short: no end record, or parts beyond the end.
     for (int keep : {0, 10, int(good.size()) / 2, int(good.size()) - 1})

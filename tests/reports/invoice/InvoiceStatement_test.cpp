@@ -1,8 +1,9 @@
 // What the golden statement's ledger lacks: tickets outside the window, the
 // status words of voided, negative and replaced tickets, every number column,
 // two items on one ticket, a payer wider than its column.
-#include "frame/TextMeasure.h"
 #include "reports/invoice/InvoiceStatement.h"
+
+#include "frame/TextMeasure.h"
 #include "support/TicketLedger.h"
 
 using namespace yunqi;
@@ -44,15 +45,31 @@ TEST_F(InvoiceStatementRows, EachTicketsWordTotalAndNumberColumn) {
     const Case cases[] = {
         {{.no = "T1", .issued = may, .voided = "2024-05-10", .amount = 50}, "作废", 0, "专用"},
         {{.no = "T2", .note = "S2", .issued = may, .voided = "2024-05-10", .amount = -50},
-         "负票", 0, "普通"},
-        {{.no = "T3", .note = "S3", .issued = may, .amount = 50, .replaced = "X1"}, "换票", 0, "电子"},
-        {{.no = "T4", .note = "S4", .issued = may, .amount = -50, .replaced = "X2"}, "换负", 0, "收据"},
-        {{.no = "T5", .issued = may, .voided = "2024-05-10", .amount = 0, .replaced = "X3"}, "作废",
-         0, "专用"},
+         "负票",
+         0,
+         "普通"},
+        {{.no = "T3", .note = "S3", .issued = may, .amount = 50, .replaced = "X1"},
+         "换票",
+         0,
+         "电子"},
+        {{.no = "T4", .note = "S4", .issued = may, .amount = -50, .replaced = "X2"},
+         "换负",
+         0,
+         "收据"},
+        {{.no = "T5", .issued = may, .voided = "2024-05-10", .amount = 0, .replaced = "X3"},
+         "作废",
+         0,
+         "专用"},
         {{.no = "T6", .issued = may, .amount = -20}, "现金", -20, "专用"},
-        {{.no = "T7", .issued = may, .amount = 30, .method = "微信支付", .payer = "甲公司",
+        {{.no = "T7",
+          .issued = may,
+          .amount = 30,
+          .method = "微信支付",
+          .payer = "甲公司",
           .address = "1号楼"},
-         "微信支付", 30, "专用"},
+         "微信支付",
+         30,
+         "专用"},
     };
     for (const Case& c : cases) db.Add(c.ticket);
     ASSERT_TRUE(Run());
@@ -90,7 +107,9 @@ TEST_F(InvoiceStatementRows, TwoItemsOfOneTicketShareItsRow) {
 
 TEST_F(InvoiceStatementRows, APayerWiderThanItsColumnMakesItsRowTaller) {
     db.Add({.no = "1", .issued = "2024-02-01", .amount = 10});
-    db.Add({.no = "2", .issued = "2024-02-02", .amount = 10,
+    db.Add({.no = "2",
+            .issued = "2024-02-02",
+            .amount = 10,
             .payer = "一个很长很长很长很长很长很长很长很长很长很长的付款人名称"});
     ASSERT_TRUE(Run());
     statement->ShowPage(grid1, 1, 1000, EstimatedTextMeasure());

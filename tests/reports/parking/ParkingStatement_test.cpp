@@ -1,13 +1,14 @@
 // What the golden statement's ledger lacks: batches of several tickets,
 // electronic tickets, payment methods and their WeChat rule, the range's
 // edges, two parking items, a failed extraction, an overflowing statement.
+#include "reports/parking/ParkingStatement.h"
+
 #include <QFile>
 #include <array>
 
 #include "core/Dialogs.h"
 #include "core/RuntimeError.h"
 #include "frame/TextMeasure.h"
-#include "reports/parking/ParkingStatement.h"
 #include "support/TicketLedger.h"
 
 using namespace yunqi;
@@ -125,7 +126,11 @@ TEST_F(ParkingRows, EachTicketIsSplitAndRoundedBeforeAdding) {
 TEST_F(ParkingRows, WeChatCountsUnderWeChatPayOnly) {
     db.Methods({"微信"});
     Add({.no = "A", .issued = "2024-06-01 10:00:00", .amount = 10, .method = "微信"});
-    Add({.no = "B", .note = "S2", .issued = "2024-06-01 10:00:00", .amount = 5, .method = "微信支付"});
+    Add({.no = "B",
+         .note = "S2",
+         .issued = "2024-06-01 10:00:00",
+         .amount = 5,
+         .method = "微信支付"});
     ASSERT_TRUE(Run());
     EXPECT_EQ(Breakdown(), QStringList{"微信支付=15"});
 }
@@ -137,7 +142,11 @@ TEST_F(ParkingRows, OnlyUnvoidedTicketsPaidInTheRangeCount) {
     Add({.no = "B", .issued = "2024-04-01 00:00:00", .amount = 10});  // paid after the range
     Add({.no = "C", .note = "S2", .issued = "2024-03-10", .voided = "2024-03-11", .amount = 10});
     // Issued before the range, paid inside: its item is not extracted.
-    Add({.no = "D", .note = "S3", .issued = "2024-02-20", .paid = "2024-03-05", .amount = 10,
+    Add({.no = "D",
+         .note = "S3",
+         .issued = "2024-02-20",
+         .paid = "2024-03-05",
+         .amount = 10,
          .item = "08"});
     ASSERT_TRUE(Run());
     ASSERT_EQ(statement->FeeItems().size(), 2u);
@@ -185,16 +194,18 @@ TEST_F(ParkingRows, MoreThan32767RowsOverflow) {
     // One ticket a second, each its own batch.
     auto fill = [&](int from, int to) {
         const QString numbers =
-            QStringLiteral("WITH RECURSIVE k(i) AS (SELECT %1 UNION ALL SELECT i + 1 FROM k "
-                           "WHERE i < %2) ")
+            QStringLiteral(
+                "WITH RECURSIVE k(i) AS (SELECT %1 UNION ALL SELECT i + 1 FROM k "
+                "WHERE i < %2) ")
                 .arg(from)
                 .arg(to);
         db.Exec(numbers +
                 "INSERT INTO 票据 (票据编号, 入库单编号, 开票日期, 收款日期, 金额, 收款方式, "
                 "开票部门编号) SELECT printf('%08d', i), 'S1', '2024-01-01', "
                 "datetime('2024-01-01', '+' || i || ' seconds'), 1, '现金', 'D1' FROM k");
-        db.Exec(numbers + "INSERT INTO 票据开票数据 SELECT 'S1', printf('%08d', i), '02', 1, NULL "
-                          "FROM k");
+        db.Exec(numbers +
+                "INSERT INTO 票据开票数据 SELECT 'S1', printf('%08d', i), '02', 1, NULL "
+                "FROM k");
     };
     fill(1, 32766);
     ASSERT_TRUE(Run());

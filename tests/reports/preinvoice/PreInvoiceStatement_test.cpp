@@ -1,7 +1,8 @@
 // Most of the statement is held by the golden fixtures; these are the cases
 // that need a ledger of their own.
-#include "core/Dialogs.h"
 #include "reports/preinvoice/PreInvoiceStatement.h"
+
+#include "core/Dialogs.h"
 #include "support/TicketLedger.h"
 
 using namespace yunqi;
@@ -21,8 +22,13 @@ class PreInvoiceRows : public TicketLedger<PreInvoiceStatement> {
 TEST_F(PreInvoiceRows, AVoidedTicketSharingANumberShowsTheOthersSums) {
     db.Add({.no = "N1", .issued = "2024-03-05", .paid = kUnpaid, .amount = 106, .tax = "6"});
     // Voided, of another stock-in note.
-    db.Add({.no = "N1", .note = "S2", .issued = "2024-03-06", .paid = kUnpaid,
-            .voided = "2024-03-07", .amount = 106, .tax = "6"});
+    db.Add({.no = "N1",
+            .note = "S2",
+            .issued = "2024-03-06",
+            .paid = kUnpaid,
+            .voided = "2024-03-07",
+            .amount = 106,
+            .tax = "6"});
     ASSERT_TRUE(Run());
     ASSERT_EQ(Rows().UpperBound(), 3);
     EXPECT_FALSE(Rows().IsVoided(1));

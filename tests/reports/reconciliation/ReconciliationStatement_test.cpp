@@ -1,13 +1,14 @@
 // The reconciliation over months the golden statement's ledger lacks:
 // months that cancel, receipts, Null rates, voided tickets, several months,
 // a rate-0 item's month query, a trapped failure.
+#include "reports/reconciliation/ReconciliationStatement.h"
+
 #include <gtest/gtest.h>
 
 #include <QFile>
 
 #include "cli/GridCsv.h"
 #include "core/Dialogs.h"
-#include "reports/reconciliation/ReconciliationStatement.h"
 #include "support/TestDatabase.h"
 
 using namespace yunqi;
@@ -114,8 +115,14 @@ class ReconciliationRows : public ::testing::Test {
     void Ticket(const QString& no, const QString& note, const QString& issued, const QString& paid,
                 const QString& item, double amount, const QString& tax,
                 const QString& voided = QString()) {
-        db.Add({.no = no, .note = note, .issued = issued, .paid = paid.isEmpty() ? kUnpaid : paid,
-                .voided = voided, .amount = amount, .item = item, .tax = tax});
+        db.Add({.no = no,
+                .note = note,
+                .issued = issued,
+                .paid = paid.isEmpty() ? kUnpaid : paid,
+                .voided = voided,
+                .amount = amount,
+                .item = item,
+                .tax = tax});
     }
     // The window's run: types at load, extraction, then the reconciliation.
     void Run() {
@@ -133,7 +140,6 @@ class ReconciliationRows : public ::testing::Test {
     std::unique_ptr<DatabaseSession> session;
     std::unique_ptr<ReconciliationStatement> statement;
 };
-
 
 TEST_F(ReconciliationRows, Cases) {
     for (const Case& c : kCases) {
@@ -187,5 +193,6 @@ TEST_F(ReconciliationRows, MonthQueryOfTwoItemsOneAtRateZero) {
     statement->SetTypeCodes("'01'", "'02'", "'04'");
     QFile golden(YUNQI_TEST_DIR "/fixtures/golden/reconciliation/month_query.sql");
     ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
-    EXPECT_EQ(statement->MonthSql(conditions, "202403") + '\n', QString::fromUtf8(golden.readAll()));
+    EXPECT_EQ(statement->MonthSql(conditions, "202403") + '\n',
+              QString::fromUtf8(golden.readAll()));
 }

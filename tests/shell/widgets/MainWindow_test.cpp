@@ -35,7 +35,9 @@ TEST(BannerTest, SliceRepeatsOnlyWhereTheWindowIsWide) {
     for (const auto& [image, x, colour] : std::vector<std::tuple<const QImage*, int, QColor>>{
              {&narrow, 540, Qt::red},    // the tail starts at 533 px
              {&narrow, 600, Qt::black},  // no slice repeated
-             {&narrow, 20, Qt::black}, {&wide, 615, Qt::red}, {&wide, 1000, Qt::red}})
+             {&narrow, 20, Qt::black},
+             {&wide, 615, Qt::red},
+             {&wide, 1000, Qt::red}})
         EXPECT_EQ(image->pixelColor(x, 10), colour) << x << (image == &wide ? " wide" : "");
 }
 
@@ -59,9 +61,11 @@ TEST(BackdropTest, StretchedFromTheFirstShow) {
     const QImage shown = main.Area()->viewport()->grab().toImage();
     const int w = shown.width(), h = shown.height();
     // A picture tiled at its own size, or at 100 by 30, puts a corner mark at (201, 151).
-    for (const auto& [x, y, colour] : std::vector<std::tuple<int, int, QColor>>{
-             {2, 2, Qt::red}, {w - 3, h - 3, Qt::green},
-             {201, 151, Qt::blue}, {w / 2, h / 2, Qt::blue}})
+    for (const auto& [x, y, colour] :
+         std::vector<std::tuple<int, int, QColor>>{{2, 2, Qt::red},
+                                                   {w - 3, h - 3, Qt::green},
+                                                   {201, 151, Qt::blue},
+                                                   {w / 2, h / 2, Qt::blue}})
         EXPECT_EQ(shown.pixelColor(x, y), colour) << x << "," << y;
 }
 

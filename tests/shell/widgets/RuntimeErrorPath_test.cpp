@@ -48,7 +48,8 @@ TEST(RuntimeErrorPathTest, TheProgramsHandlerEndsWithTheMessageAndStatusOne) {
             QTimer::singleShot(0, main.findChild<QAction*>("增值税开票明细表"), &QAction::trigger);
             QElapsedTimer clock;
             clock.start();
-            while (clock.elapsed() < 10000) QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+            while (clock.elapsed() < 10000)
+                QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
             std::_Exit(7);  // not reached: the handler ends the process
         },
         ::testing::ExitedWithCode(1),

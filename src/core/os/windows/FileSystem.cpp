@@ -3,9 +3,9 @@
 // go as they are, never through a text mode.
 #include "core/os/FileSystem.h"
 
-#include <windows.h>
 #include <fcntl.h>
 #include <io.h>
+#include <windows.h>
 
 #include <QDir>
 #include <QRandomGenerator>
@@ -64,8 +64,7 @@ QString Join(const QString& folder, const QString& name) {
 }
 
 QString Suffix() {
-    static const char kLetters[] =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+    static const char kLetters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
     QString suffix;
     for (int i = 0; i < 6; ++i)
         suffix += QLatin1Char(kLetters[QRandomGenerator::global()->bounded(62)]);
@@ -76,10 +75,9 @@ QString Suffix() {
 
 QString Reason(Error error) {
     wchar_t* text = nullptr;
-    const DWORD n = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
-                                       FORMAT_MESSAGE_IGNORE_INSERTS,
-                                   nullptr, DWORD(error), 0, reinterpret_cast<wchar_t*>(&text), 0,
-                                   nullptr);
+    const DWORD n = FormatMessageW(
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+        nullptr, DWORD(error), 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
     QString reason = n ? QString::fromWCharArray(text, qsizetype(n)).trimmed() : QString();
     if (text) LocalFree(text);
     // Not every system has a text for our own choice of error.
@@ -129,9 +127,9 @@ FileInfo Stat(const QString& path, Error* error) {
         if (GetFileInformationByHandle(file, &data)) {
             info.folder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
             info.readOnly = (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
-            info.identity = FileIdentity{
-                data.dwVolumeSerialNumber,
-                (std::uint64_t(data.nFileIndexHigh) << 32) | data.nFileIndexLow};
+            info.identity =
+                FileIdentity{data.dwVolumeSerialNumber,
+                             (std::uint64_t(data.nFileIndexHigh) << 32) | data.nFileIndexLow};
         }
         info.regular = !info.folder;
         // A link is followed: the file it names is replaced, the link stays.
@@ -222,9 +220,9 @@ Handle CreateUnique(const QString& folder, const QString& base, QString* made, E
 void CopyPermissions(Handle, const FileInfo&) {}
 
 Handle OpenInPlace(const QString& path, const FileInfo&, Error* error) {
-    const HANDLE file = CreateFileW(Wide(path).c_str(), GENERIC_WRITE,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file =
+        CreateFileW(Wide(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) *error = LastError();
     return Of(file);
 }
