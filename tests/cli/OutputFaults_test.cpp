@@ -217,6 +217,7 @@ TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
     for (const char* name : {"ro.csv", "ro.xlsx", "existing.sqlite"}) WriteAll(Path(name), "keep");
     for (const char* name : {"ro.csv", "ro.xlsx"}) ASSERT_EQ(Chmod(Path(name), 0444), 0);
     ASSERT_TRUE(QFile::link(ledger, Path("link.sqlite")));
+    ASSERT_TRUE(QFile::link(Path("nowhere.sqlite"), Path("dangling.sqlite")));
     struct Case {
         const char* name;
         QStringList args;
@@ -244,6 +245,10 @@ TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
          {"make-demo-db", Path("existing.sqlite"), "--tickets", "10"},
          2,
          "exists; --force replaces it"},
+        {"a demo ledger onto a dangling link",
+         {"make-demo-db", Path("dangling.sqlite"), "--tickets", "10"},
+         2,
+         "exists; --force replaces it"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -263,6 +268,7 @@ TEST_F(OutputFaults, WhatCannotBeAnOutputIsRefusedBeforeAnyWork) {
     EXPECT_EQ(
         RunTool({"make-demo-db", Path("existing.sqlite"), "--tickets", "10", "--force"}).status, 0);
     EXPECT_TRUE(ReadAll(Path("existing.sqlite")).startsWith("SQLite format 3"));
+    EXPECT_FALSE(QFile::exists(Path("nowhere.sqlite")));
     EXPECT_EQ(HiddenFiles(dir.path()), QStringList());
 }
 

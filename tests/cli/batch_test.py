@@ -117,7 +117,8 @@ class Batch(unittest.TestCase):
         self.assertFalse(os.path.exists(os.path.join(out, "B2", "parking.xlsx")))
 
         for d, rep, st, count, _, rel in rows[1:]:
-            if st != "ok":
+            if st != "ok":  # an empty statement names no file and counts no rows
+                self.assertEqual((count, rel), ("0", ""), (d, rep))
                 continue
             cond = (["--year", "2024", "--months", "01-03"] if REPORTS[rep] == "--year" else
                     ["--from", "2024-03-01", "--to", "2024-03-31", "--ratio", ratio,
@@ -153,8 +154,9 @@ class Batch(unittest.TestCase):
         r = run("batch", "--database", db, "--month", "2024-03", "--out", out)
         self.assertEqual(r.returncode, 1)
         self.assertIn("94", r.stderr)
-        status = {(d, rep): s for d, rep, s, *_ in self.summary(out)[1:]}
-        self.assertEqual((status[("B2", "invoice")], status[("A1", "invoice")]), ("failed", "ok"))
+        status = {(d, rep): (s, f) for d, rep, s, _, _, f in self.summary(out)[1:]}
+        self.assertEqual((status[("B2", "invoice")], status[("A1", "invoice")]),
+                         (("failed", ""), ("ok", "A1/invoice.xlsx")))
         self.assertTrue(os.path.exists(os.path.join(out, "C%2F3", "parking.xlsx")))
 
     def test_a_foreign_folder_is_refused_without_force(self):

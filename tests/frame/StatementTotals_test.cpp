@@ -33,7 +33,8 @@ Appended AfterTickets(const DetailRows& rows, int tickets, LabelField field) {
 
 TEST(StatementTotalsTest, BreakdownScansEveryRowTheTotalRowIncluded) {
     TestDatabase db;
-    db.Exec("INSERT INTO 收款方式列表 VALUES ('现金'),(''),('微信支付'),('支票'),('微信')");
+    db.Exec(
+        "INSERT INTO 收款方式列表 VALUES ('现金'),(''),('微信支付'),('支票'),('微信'),('转账')");
     auto session = db.Session();
     struct Case {
         LabelField field;
@@ -41,26 +42,37 @@ TEST(StatementTotalsTest, BreakdownScansEveryRowTheTotalRowIncluded) {
         Appended expected;
     } cases[] = {
         // The total row's empty method is summed by the empty name; 支票 cancels to
-        // exactly 0 and gets no row; 微信 counts as itself.
+        // exactly 0 and gets no row; 微信 counts as itself; 转账's refund shows
+        // with its negative sum.
         {LabelField::DateText,
          false,
-         {{"合  计", "", 20},
+         {{"合  计", "", 16},
           {"其中", "现金", 10},
-          {"", "", 20},
+          {"", "", 16},
           {"", "微信支付", 3},
-          {"", "微信", 2}}},
+          {"", "微信", 2},
+          {"", "转账", -4}}},
         // 微信 read as 微信支付: the 微信 entry of the list then collects nothing.
         {LabelField::TicketNo,
          true,
-         {{"合  计", "", 20}, {"其中", "现金", 10}, {"", "", 20}, {"", "微信支付", 5}}},
+         {{"合  计", "", 16},
+          {"其中", "现金", 10},
+          {"", "", 16},
+          {"", "微信支付", 5},
+          {"", "转账", -4}}},
     };
     for (const Case& c : cases) {
-        DetailRows rows = RowsOf(
-            {{"现金", 10}, {"微信支付", 3}, {"微信", 2}, {"支票", 5}, {"支票", -5}, {"其它", 5}});
+        DetailRows rows = RowsOf({{"现金", 10},
+                                  {"微信支付", 3},
+                                  {"微信", 2},
+                                  {"支票", 5},
+                                  {"支票", -5},
+                                  {"其它", 5},
+                                  {"转账", -4}});
         const int total = StatementTotals::AppendTotalRow(rows, c.field, QStringLiteral("合  计"));
-        EXPECT_EQ(rows.FeeAmount(total, 1), 20);
+        EXPECT_EQ(rows.FeeAmount(total, 1), 16);
         StatementTotals::AppendBreakdown(rows, *session, {c.field, c.weChatAsWeChatPay});
-        EXPECT_EQ(AfterTickets(rows, 6, c.field), c.expected) << c.weChatAsWeChatPay;
+        EXPECT_EQ(AfterTickets(rows, 7, c.field), c.expected) << c.weChatAsWeChatPay;
     }
 }
 

@@ -90,6 +90,12 @@ TEST(ConnectionTextTest, OdbcServerForms) {
     s.PWD = " {x} ";
     EXPECT_TRUE(OdbcConnectionString(s).contains("SERVER=db.local;PORT=1433;"));
     EXPECT_TRUE(OdbcConnectionString(s).contains(";PWD= {x} ;"));
+    // A data source keeps its own database unless the settings name one.
+    s.DSN = QStringLiteral("yunqi-ledger");
+    EXPECT_TRUE(OdbcConnectionString(s).startsWith("DSN=yunqi-ledger;UID=用户;PWD= {x} ;APP="));
+    EXPECT_FALSE(OdbcConnectionString(s).contains("DATABASE"));
+    s.DBname = QStringLiteral("账房");
+    EXPECT_TRUE(OdbcConnectionString(s).contains(";PWD= {x} ;DATABASE=账房;"));
     // Microsoft's drivers: the port inside SERVER, no FreeTDS keywords.
     for (const char* driver : {"SQL Server", "ODBC Driver 18 for SQL Server"})
         EXPECT_EQ(OdbcConnectionString({"2000", " db.local , 1433 ", "sa", " {x} ", "账房", driver})
