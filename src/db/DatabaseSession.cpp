@@ -25,17 +25,9 @@ QString NewConnectionName() {
 
 RuntimeError ErrorOf(const QSqlError& error) { return DatabaseError(error); }
 
-// The driver's handle of an ODBC statement, or null.
-void* StatementHandle(const QSqlQuery& query) {
-    const QVariant handle = query.result()->handle();
-    if (handle.metaType() != QMetaType::fromType<void*>()) return nullptr;
-    return *static_cast<void* const*>(handle.constData());
-}
-
 // Where the driver refuses, the statement runs without a limit.
-void SetQueryTimeout(const QSqlQuery& query, int seconds) {
-    const auto fn = Odbc().SetStmtAttr;
-    if (void* statement = StatementHandle(query); fn && statement)
+void SetQueryTimeout(void* statement, int seconds) {
+    if (const auto fn = Odbc().SetStmtAttr; fn && statement)
         fn(statement, SQL_ATTR_QUERY_TIMEOUT,
            reinterpret_cast<SQLPOINTER>(static_cast<quintptr>(seconds)), SQL_IS_UINTEGER);
 }
@@ -169,8 +161,15 @@ Recordset DatabaseSession::Open(const QString& sql) {
         // The statement must exist before its time-out can be set, and
         // before another thread can cancel it.
         ok = query.prepare(text);
-        if (ok && commandTimeout_.value_or(0) > 0) SetQueryTimeout(query, *commandTimeout_);
-        if (ok) ok = link ? ExecuteCancellable(query) : query.exec();
+        if (ok && commandTimeout_.value_or(0) > 0)
+            SetQueryTimeout(OdbcHandle(query.result()->handle()), *commandTimeout_);
+        if (ok && link) {
+            if (!RunCancellable(*link, OdbcHandle(query.result()->handle()),
+                                [&] { ok = query.exec(); }))
+                throw Stopped{};
+        } else if (ok) {
+            ok = query.exec();
+        }
     } else {
         ok = query.exec(text);
     }
@@ -197,54 +196,36 @@ DatabaseSession::ThreadLink* DatabaseSession::LinkOfThisThread() {
     return &found->second;
 }
 
-bool DatabaseSession::ExecuteCancellable(QSqlQuery& query) {
-    ThreadLink* link = LinkOfThisThread();
-    {
-        std::lock_guard lock(threadsMutex_);
-        link->executing = StatementHandle(query);
-    }
-    // A stop asked for before the handle was there has found nothing to cancel.
-    if (StopRequestedHere()) {
-        std::lock_guard lock(threadsMutex_);
-        link->executing = nullptr;
-        throw Stopped{};
-    }
-    const bool ok = query.exec();
-    std::lock_guard lock(threadsMutex_);
-    link->executing = nullptr;
-    return ok;
-}
-
-Recordset DatabaseSession::ExecuteBelowTheDriver(ThreadLink& link, const QString& text) {
-    const OdbcApi& api = Odbc();
-    const QVariant connection =
-        QSqlDatabase::database(link.connectionName, false).driver()->handle();
-    SQLHANDLE statement = nullptr;
-    if (!api.AllocHandle || !api.ExecDirectW || !api.FreeHandle ||
-        connection.metaType() != QMetaType::fromType<void*>() ||
-        !SQL_SUCCEEDED(api.AllocHandle(
-            SQL_HANDLE_STMT, *static_cast<void* const*>(connection.constData()), &statement)))
-        throw RuntimeError(long(ErrorCode::ProviderError),
-                           QStringLiteral("No ODBC statement to run the query on."));
-    if (commandTimeout_.value_or(0) > 0 && api.SetStmtAttr)
-        api.SetStmtAttr(statement, SQL_ATTR_QUERY_TIMEOUT,
-                        reinterpret_cast<SQLPOINTER>(static_cast<quintptr>(*commandTimeout_)),
-                        SQL_IS_UINTEGER);
+bool DatabaseSession::RunCancellable(ThreadLink& link, void* statement,
+                                     const std::function<void()>& execute) {
     {
         std::lock_guard lock(threadsMutex_);
         link.executing = statement;
     }
-    SQLRETURN done = SQL_ERROR;
     // A stop asked for before the handle was there has found nothing to cancel.
-    if (!StopRequestedHere()) {
-        std::u16string wide = text.toStdU16String();
+    const bool run = !StopRequestedHere();
+    if (run) execute();
+    std::lock_guard lock(threadsMutex_);
+    link.executing = nullptr;
+    return run;
+}
+
+Recordset DatabaseSession::ExecuteBelowTheDriver(ThreadLink& link, const QString& text) {
+    const OdbcApi& api = Odbc();
+    void* connection =
+        OdbcHandle(QSqlDatabase::database(link.connectionName, false).driver()->handle());
+    SQLHANDLE statement = nullptr;
+    if (!api.AllocHandle || !api.ExecDirectW || !api.FreeHandle || !connection ||
+        !SQL_SUCCEEDED(api.AllocHandle(SQL_HANDLE_STMT, connection, &statement)))
+        throw RuntimeError(long(ErrorCode::ProviderError),
+                           QStringLiteral("No ODBC statement to run the query on."));
+    if (commandTimeout_.value_or(0) > 0) SetQueryTimeout(statement, *commandTimeout_);
+    SQLRETURN done = SQL_ERROR;
+    std::u16string wide = text.toStdU16String();
+    RunCancellable(link, statement, [&] {
         done = api.ExecDirectW(statement, reinterpret_cast<SQLWCHAR*>(wide.data()),
                                SQLINTEGER(wide.size()));
-    }
-    {
-        std::lock_guard lock(threadsMutex_);
-        link.executing = nullptr;
-    }
+    });
     if (StopRequestedHere() || !SQL_SUCCEEDED(done)) {
         const RuntimeError error = DiagnosticsError(SQL_HANDLE_STMT, statement);
         const bool stopped = StopRequestedHere() && done == SQL_ERROR;

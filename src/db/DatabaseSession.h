@@ -112,7 +112,9 @@ class DatabaseSession {
     std::mutex threadsMutex_;
     std::map<const void*, ThreadLink> threads_;
     ThreadLink* LinkOfThisThread();
-    bool ExecuteCancellable(QSqlQuery& query);
+    // Runs execute with statement where Interrupt can cancel it; false, and
+    // nothing run, when the work was asked to stop before.
+    bool RunCancellable(ThreadLink& link, void* statement, const std::function<void()>& execute);
     Recordset ExecuteBelowTheDriver(ThreadLink& link, const QString& text);
 };
 

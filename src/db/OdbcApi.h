@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QVariant>
 #include <vector>
 
 #include "core/RuntimeError.h"
@@ -39,6 +40,14 @@ struct OdbcApi {
 };
 
 const OdbcApi& Odbc();
+
+// An ODBC handle as Qt's driver hands it out (a statement's, a connection's),
+// or null.
+inline void* OdbcHandle(const QVariant& handle) {
+    return handle.metaType() == QMetaType::fromType<void*>()
+               ? *static_cast<void* const*>(handle.constData())
+               : nullptr;
+}
 
 // A wide ODBC text as a QString (SQLWCHAR is two bytes on every platform we
 // build for).

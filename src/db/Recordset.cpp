@@ -32,10 +32,7 @@ class Recordset::Cursor {
   public:
     Cursor(QSqlQuery q, std::optional<QByteArray> odbcText) : query(std::move(q)) {
         if (odbcText) {
-            const QVariant handle = query.result()->handle();
-            void* statement = handle.metaType() == QMetaType::fromType<void*>()
-                                  ? *static_cast<void* const*>(handle.constData())
-                                  : nullptr;
+            void* statement = OdbcHandle(query.result()->handle());
             if (!statement)
                 throw RuntimeError(long(ErrorCode::ProviderError),
                                    QStringLiteral("No ODBC statement to read."));

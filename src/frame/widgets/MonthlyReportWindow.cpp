@@ -133,11 +133,7 @@ void MonthlyReportWindow::RunReconciliation() {
         FlexGrid filled = grid;
         if (RunAside([&] { run(filled); }, [&] { grid = std::move(filled); })) return true;
         statement_ = std::move(kept);
-        grid = shownGrid;
-        Grid1View()->Refresh();
-        MutableConditions() = before;
-        HideBusyPanel();
-        RestorePointer();
+        EndStoppedRun(before, &shownGrid);
         return false;
     };
     ShowBusyPanel(Texts().extractingText);

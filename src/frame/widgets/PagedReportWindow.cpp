@@ -178,9 +178,7 @@ void PagedReportWindow::ClickCommand3() {
                       MutableGrid1() = std::move(statementGrid);
                   })) {
         statement_ = std::move(kept);
-        MutableConditions() = before;
-        HideBusyPanel();
-        RestorePointer();
+        EndStoppedRun(before);
         return;
     }
     // The shown page went with the grid's rows; so does its page text.
@@ -237,13 +235,9 @@ void PagedReportWindow::ClickCommand6() {
             outcome = statement_->RunStatistics(asked, grid2_, pageSize);
         })) {
         statement_ = std::move(kept);
-        MutableGrid1() = shownGrid;
-        Grid1View()->Refresh();
-        MutableConditions() = before;
         currentPage_ = shownPage;
         ran_ = ranBefore;
-        HideBusyPanel();
-        RestorePointer();
+        EndStoppedRun(before, &shownGrid);
         return;
     }
     if (outcome) {

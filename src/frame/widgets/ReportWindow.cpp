@@ -268,6 +268,16 @@ bool ReportWindow::RunAside(const std::function<void()>& work, const std::functi
     return true;
 }
 
+void ReportWindow::EndStoppedRun(const StatementConditions& before, const FlexGrid* shownGrid) {
+    if (shownGrid) {
+        grid1_ = *shownGrid;
+        view1_->Refresh();
+    }
+    conditions_ = before;
+    HideBusyPanel();
+    RestorePointer();
+}
+
 void ReportWindow::OnWindowThread(std::function<void()> call) {
     if (QThread::currentThread() == thread())
         call();

@@ -126,6 +126,9 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     enum class Work { Queries, File };
     bool RunAside(const std::function<void()>& work, const std::function<void()>& keep = {},
                   Work kind = Work::Queries);
+    // After a stopped run: the conditions and, when given, the grid as they
+    // were before it, the busy panel and the pointer gone.
+    void EndStoppedRun(const StatementConditions& before, const FlexGrid* shownGrid = nullptr);
     // Runs call on the window's thread: now from there, later from elsewhere.
     void OnWindowThread(std::function<void()> call);
 
