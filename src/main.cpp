@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "core/OutputFile.h"
 #include "core/RuntimeError.h"
+#include "core/TemporaryFiles.h"
 #include "db/SessionState.h"
 #include "frame/widgets/ReportWindow.h"
 #include "frame/widgets/WidgetDialogs.h"

@@ -12,7 +12,6 @@
 #include "cli/BatchPlan.h"
 #include "cli/BatchProgress.h"
 #include "cli/BatchSummary.h"
-#include "cli/StatementCli.h"
 #include "cli/StatementSession.h"
 #include "cli/TimeLimit.h"
 #include "cli/os/Companions.h"
@@ -28,7 +27,7 @@ namespace {
 constexpr int kDone = 0, kSomeFailed = 1, kInterrupted = 130;
 
 int BadArguments(const QString& problem) {
-    return CommandArgumentError(QStringLiteral("batch"), problem);
+    return CommandArgumentError(QStringLiteral("batch"), BatchSpec(), problem);
 }
 
 // As many companions at a time as asked, or as the limit of open files allows.
@@ -87,8 +86,7 @@ int RunBatch(const QStringList& args) {
         if (trapped) throw *trapped;
     } catch (const RuntimeError& error) {
         const RuntimeError e = WithLedgerCause(error, o.database);
-        BatchSay(QStringLiteral("error ") + QString::number(e.number()) + QStringLiteral(": ") +
-                 e.description());
+        BatchSay(e.NumberedText());
         return kSomeFailed;
     }
     if (problem = UnlistedDepartment(o, entries); !problem.isEmpty()) return BadArguments(problem);

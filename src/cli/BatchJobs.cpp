@@ -9,36 +9,11 @@
 #include <memory>
 
 #include "cli/BatchMismatches.h"
+#include "cli/GridCsv.h"
 #include "cli/os/Companions.h"
 #include "cli/os/Interrupts.h"
 
 namespace yunqi {
-
-QString StatusText(BatchJob::Status s) {
-    switch (s) {
-        case BatchJob::Status::Ok:
-            return QStringLiteral("ok");
-        case BatchJob::Status::Empty:
-            return QStringLiteral("empty");
-        default:
-            return QStringLiteral("failed");
-    }
-}
-
-int CsvRecords(const QByteArray& csv) {
-    int records = 0;
-    bool quoted = false, inRecord = false;
-    for (const char ch : csv) {
-        if (ch == '"') quoted = !quoted;
-        if (ch == '\n' && !quoted) {
-            ++records;
-            inRecord = false;
-        } else {
-            inRecord = true;
-        }
-    }
-    return records + (inRecord ? 1 : 0);
-}
 
 namespace {
 

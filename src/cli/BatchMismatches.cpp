@@ -6,51 +6,16 @@
 
 namespace yunqi {
 
-namespace {
-
-// Reads one RFC 4180 record from pos on; false at the end of the text.
-bool NextRecord(const QByteArray& csv, qsizetype& pos, QStringList& fields) {
-    fields.clear();
-    if (pos >= csv.size()) return false;
-    QByteArray field;
-    bool quoted = false;
-    for (; pos < csv.size(); ++pos) {
-        const char ch = csv[pos];
-        if (quoted) {
-            if (ch != '"')
-                field += ch;
-            else if (pos + 1 < csv.size() && csv[pos + 1] == '"')
-                field += csv[++pos];
-            else
-                quoted = false;
-        } else if (ch == '"') {
-            quoted = true;
-        } else if (ch == ',') {
-            fields << QString::fromUtf8(field);
-            field.clear();
-        } else if (ch == '\n') {
-            ++pos;
-            break;
-        } else {
-            field += ch;
-        }
-    }
-    fields << QString::fromUtf8(field);
-    return true;
-}
-
-}  // namespace
-
 QList<QStringList> MismatchesOf(const QByteArray& csv) {
     QList<QStringList> found;
     qsizetype pos = 0;
     QStringList top, bottom, row;
-    if (!NextRecord(csv, pos, top) || !NextRecord(csv, pos, bottom)) return found;
+    if (!ReadCsvRecord(csv, pos, top) || !ReadCsvRecord(csv, pos, bottom)) return found;
     int column = -1;
     for (int c = 0; c < top.size() && c < bottom.size(); ++c)
         if (top[c] == QStringLiteral("核对结果") && bottom[c] == QStringLiteral("差额")) column = c;
     if (column < 3) return found;
-    while (NextRecord(csv, pos, row)) {
+    while (ReadCsvRecord(csv, pos, row)) {
         if (row.size() <= column || row[column].isEmpty()) continue;
         bool number = false;
         const double difference = row[column].toDouble(&number);

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <vector>
 
-#include "cli/BatchJobs.h"
+#include "cli/BatchJob.h"
 
 namespace yunqi {
 

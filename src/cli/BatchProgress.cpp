@@ -1,10 +1,10 @@
 #include "cli/BatchProgress.h"
 
-#include <unistd.h>
-
 #include <QLocale>
 #include <QTextStream>
 #include <cstdio>
+
+#include "cli/os/Console.h"
 
 namespace yunqi {
 
@@ -13,7 +13,7 @@ void BatchSay(const QString& text) {
 }
 
 BatchProgress::BatchProgress(int total, bool quiet)
-    : total_(total), quiet_(quiet), terminal_(::isatty(fileno(stderr))) {}
+    : total_(total), quiet_(quiet), terminal_(IsTerminal(stderr)) {}
 
 void BatchProgress::Finished(const BatchJob& job, int done) {
     if (job.status == BatchJob::Status::Failed)

@@ -1,6 +1,7 @@
 #include "cli/CommandLine.h"
 
 #include <QSet>
+#include <QTextStream>
 #include <algorithm>
 
 namespace yunqi {
@@ -115,6 +116,16 @@ QString UsageLine(const QString& names, const CommandSpec& spec) {
         line += QLatin1Char(' ') + text;
     }
     return line;
+}
+
+QString CommandUsage(const QString& name, const CommandSpec& spec) {
+    return QStringLiteral("usage: ") + UsageLine(name, spec) + QLatin1Char('\n');
+}
+
+int CommandArgumentError(const QString& command, const CommandSpec& spec, const QString& problem) {
+    QTextStream(stderr) << "yunqi-statement: " << command << ": " << problem << "\n"
+                        << CommandUsage(command, spec);
+    return kExitBadArguments;
 }
 
 QString Wants(const QString& name, const QString& what, const QString& value) {

@@ -52,11 +52,17 @@ ParsedArgs ParseArgs(const CommandSpec& spec, const QStringList& args);
 
 // "yunqi-statement NAMES OPTIONS...", from the table.
 QString UsageLine(const QString& names, const CommandSpec& spec);
+// "usage: yunqi-statement NAME OPTIONS...\n": the usage of one command.
+QString CommandUsage(const QString& name, const CommandSpec& spec);
 
 // The wording of a value of the wrong shape: "--year wants a year YYYY, not 24".
 QString Wants(const QString& name, const QString& what, const QString& value);
 
 // Exit statuses shared by every command.
 constexpr int kExitBadArguments = 2;
+
+// A bad argument of a command: "yunqi-statement: COMMAND: PROBLEM", then the
+// command's usage, on standard error. Returns kExitBadArguments.
+int CommandArgumentError(const QString& command, const CommandSpec& spec, const QString& problem);
 
 }  // namespace yunqi

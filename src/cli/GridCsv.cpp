@@ -72,4 +72,42 @@ void WriteStatementCsv(CsvStream& csv, const PagedStatement& statement,
     }
 }
 
+// Reads RFC 4180 as CsvField writes it.
+bool ReadCsvRecord(const QByteArray& csv, qsizetype& pos, QStringList& fields) {
+    fields.clear();
+    if (pos >= csv.size()) return false;
+    QByteArray field;
+    bool quoted = false;
+    for (; pos < csv.size(); ++pos) {
+        const char ch = csv[pos];
+        if (quoted) {
+            if (ch != '"')
+                field += ch;
+            else if (pos + 1 < csv.size() && csv[pos + 1] == '"')
+                field += csv[++pos];
+            else
+                quoted = false;
+        } else if (ch == '"') {
+            quoted = true;
+        } else if (ch == ',') {
+            fields << QString::fromUtf8(field);
+            field.clear();
+        } else if (ch == '\n') {
+            ++pos;
+            break;
+        } else {
+            field += ch;
+        }
+    }
+    fields << QString::fromUtf8(field);
+    return true;
+}
+
+int CsvRecords(const QByteArray& csv) {
+    int records = 0;
+    QStringList fields;
+    for (qsizetype pos = 0; ReadCsvRecord(csv, pos, fields);) ++records;
+    return records;
+}
+
 }  // namespace yunqi

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <vector>
 
 #include "core/OutputFile.h"
@@ -13,6 +14,11 @@ namespace yunqi {
 // The CSV form of the companion: RFC 4180 quoting (only fields holding a
 // comma, a double quote, CR or LF), "\n" line ends, UTF-8 without a mark.
 QString CsvField(const QString& text);
+// Reads one record from pos on (a quoted field may hold line ends); false at
+// the end of the text.
+bool ReadCsvRecord(const QByteArray& csv, qsizetype& pos, QStringList& fields);
+// The records of a CSV text.
+int CsvRecords(const QByteArray& csv);
 // The grid's rows from firstRow on, as one text.
 QString GridCsv(const FlexGrid& grid, int firstRow = 0);
 

@@ -6,7 +6,6 @@
 #include <QTextStream>
 
 #include "cli/DemoDatabase.h"
-#include "cli/StatementCli.h"
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
 
@@ -40,7 +39,7 @@ const CommandSpec& MakeDemoDbSpec() {
 int RunMakeDemoDb(const QStringList& args) {
     QTextStream err(stderr);
     const auto bad = [](const QString& problem) {
-        return CommandArgumentError(QStringLiteral("make-demo-db"), problem);
+        return CommandArgumentError(QStringLiteral("make-demo-db"), MakeDemoDbSpec(), problem);
     };
     const ParsedArgs parsed = ParseArgs(MakeDemoDbSpec(), args);
     if (!parsed.problem.isEmpty()) return bad(parsed.problem);
@@ -74,7 +73,7 @@ int RunMakeDemoDb(const QStringList& args) {
         // The engine's own failures don't name the file; the writer's do.
         err << "yunqi-statement: make-demo-db: "
             << (e.description().contains(file) ? QString() : file + QStringLiteral(": "))
-            << "error " << e.number() << ": " << e.description() << "\n";
+            << e.NumberedText() << "\n";
         return 1;
     }
 }

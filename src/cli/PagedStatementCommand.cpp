@@ -37,48 +37,42 @@ bool ApplyRatios(const std::vector<RatioOption>& typed, bool ifPresent, FlexGrid
     return true;
 }
 
-int Run(const ReportDefinition& report, const StatementOptions& o, const SessionOpener& openSession,
-        SqlLogWriter& log, StatementProgress& progress) {
-    std::unique_ptr<DatabaseSession> session = OpenLoggedSession(openSession, o.database, log);
-    const auto check = [&log](const Trapped& trapped = {}) { ThrowFaults(trapped, log); };
+}  // namespace
 
-    // The department as a click on its List1 entry would choose it.
-    const QString entry = EntryOfDepartment(*session, o.dept);
-    check();
-    if (entry.isEmpty()) {
-        Say(QStringLiteral("no department with code ") + o.dept + QStringLiteral(" in the list"));
-        return kBadArguments;
-    }
+int RunPagedStatement(const ReportDefinition& report, const StatementWork& work) {
+    const StatementOptions& o = work.options;
+    DatabaseSession& session = work.session;
+    const QString& entry = work.entry;
     if (const auto problem = Conditions::CheckConditions(true, o.from, o.to)) {
         Say(Conditions::MessageOf(*problem));
         return kBadArguments;
     }
     StatementConditions conditions{Conditions::DeptCodeOf(entry), Conditions::SiteCodeOf(entry),
-                                   Conditions::LoadInvoiceTypes(*session), o.from, o.to};
-    check();
+                                   Conditions::LoadInvoiceTypes(session), o.from, o.to};
+    work.Check();
 
-    auto statement = MakeStatement<PagedStatement>(report, *session);
+    auto statement = MakeStatement<PagedStatement>(report, session);
     FlexGrid statementGrid;
     FlexGrid ratios = SplitRatios::NewGrid();
     statement->InitGridHeader(statementGrid);
-    progress.Step(QStringLiteral("extracting fee items"));
-    check(statement->ExtractFeeItems(conditions, ratios, statementGrid));
+    work.progress.Step(QStringLiteral("extracting fee items"));
+    work.Check(statement->ExtractFeeItems(conditions, ratios, statementGrid));
     if (statement->FeeItems().size() <= 1) {
         Say(report.texts.noFeeItemsText);
         return kNothing;
     }
     if (!ApplyRatios(o.ratios, o.ratioIfPresent, ratios)) return kBadArguments;
     statement->BuildGridHeader(statementGrid, ratios);
-    progress.Step(QStringLiteral("computing"));
+    work.progress.Step(QStringLiteral("computing"));
     const auto run = statement->RunStatistics(conditions, ratios, INT_MAX);
-    check(run.trapped);
+    work.Check(run.trapped);
     if (!run.rows) {
         Say(report.texts.noRowsText);
         return kNothing;
     }
     // The CSV holds the statement as if one page held it all.
     WriteStatementOutputs(
-        o, progress, statement->UpperBound(),
+        o, work.progress, statement->UpperBound(),
         [&](CsvStream& csv) {
             WriteStatementCsv(csv, *statement, statementGrid, EstimatedTextMeasure());
         },
@@ -88,19 +82,8 @@ int Run(const ReportDefinition& report, const StatementOptions& o, const Session
                 {statementGrid, Conditions::TitleCaption(entry, report.texts.title), entry,
                  conditions});
         },
-        [&] { check(); });
+        [&] { work.Check(); });
     return kRows;
-}
-
-}  // namespace
-
-int RunPagedStatement(const ReportDefinition& report, const QStringList& args,
-                      const SessionOpener& openSession) {
-    return RunStatementCommand(
-        report, args,
-        [&](const StatementOptions& o, SqlLogWriter& log, StatementProgress& progress) {
-            return Run(report, o, openSession, log, progress);
-        });
 }
 
 }  // namespace yunqi

@@ -38,7 +38,8 @@ const std::vector<Command>& Commands() {
             const auto run = report->conditions == ConditionsKind::DateWindow ? RunPagedStatement
                                                                               : RunMonthlyStatement;
             list.push_back({report->command, spec, [report, run](const QStringList& args) {
-                                return run(*report, args, OpenStatementSession);
+                                return RunStatementCommand(*report, args, OpenStatementSession,
+                                                           run);
                             }});
         }
         list.push_back({QStringLiteral("make-demo-db"), &MakeDemoDbSpec(), RunMakeDemoDb});
@@ -69,8 +70,7 @@ int Print(const QString& text) {
 }  // namespace
 
 QString StatementUsage(const QString& command) {
-    if (const Command* c = Find(command))
-        return QStringLiteral("usage: ") + UsageLine(c->name, *c->spec) + QLatin1Char('\n');
+    if (const Command* c = Find(command)) return CommandUsage(c->name, *c->spec);
     // Commands of one table share a line: "invoice|preinvoice|parking".
     QString usage = QStringLiteral("usage:\n");
     const auto& commands = Commands();
@@ -85,12 +85,6 @@ QString StatementUsage(const QString& command) {
                        "  yunqi-statement COMMAND --help\n"
                        "  yunqi-statement help COMMAND\n"
                        "  yunqi-statement --help|--version\n");
-}
-
-int CommandArgumentError(const QString& command, const QString& problem) {
-    QTextStream(stderr) << "yunqi-statement: " << command << ": " << problem << "\n"
-                        << StatementUsage(command);
-    return kExitBadArguments;
 }
 
 int RunStatementCli(const QStringList& args) {

@@ -14,8 +14,4 @@ int RunStatementCli(const QStringList& args);
 // The usage of one command, or of every command for an empty name.
 QString StatementUsage(const QString& command = QString());
 
-// A bad argument of a command: "yunqi-statement: COMMAND: PROBLEM", then the
-// command's usage, on standard error. Returns the exit status 2.
-int CommandArgumentError(const QString& command, const QString& problem);
-
 }  // namespace yunqi

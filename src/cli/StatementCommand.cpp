@@ -1,14 +1,12 @@
 #include "cli/StatementCommand.h"
 
-#include <unistd.h>
-
 #include <QTextStream>
 #include <cstdio>
 
 #include "cli/GridCsv.h"
-#include "cli/StatementCli.h"
 #include "cli/StatementSession.h"
 #include "cli/TimeLimit.h"
+#include "cli/os/Console.h"
 #include "core/OutputFile.h"
 #include "core/RuntimeError.h"
 #include "db/Settings.h"
@@ -22,13 +20,50 @@ void SayOnStderr(const QString& text) {
     QTextStream(stderr) << "yunqi-statement: " << text << "\n";
 }
 
+namespace {
+
+// The first List1 entry of the department code, as a click on it would
+// choose it; empty when the list has none. A failed read of the list throws.
+QString EntryOfDepartment(DatabaseSession& session, const QString& dept) {
+    Trapped trapped;
+    const QStringList entries = Conditions::LoadDepartments(session, &trapped);
+    if (trapped) throw *trapped;
+    for (const QString& e : entries)
+        if (Conditions::DeptCodeOf(e) == dept) return e;
+    return QString();
+}
+
+// The session and the department, then the work.
+int StartWork(const ReportDefinition& report, const StatementOptions& o,
+              const SessionOpener& openSession, StatementRun run, SqlLogWriter& log,
+              StatementProgress& progress) {
+    std::unique_ptr<DatabaseSession> session = openSession(o.database);
+    if (log.Wanted()) session->SetSqlLog([&log](const QString& sql) { log.Add(sql); });
+    StatementWork work{o, *session, EntryOfDepartment(*session, o.dept), log, progress};
+    work.Check();
+    if (work.entry.isEmpty()) {
+        SayOnStderr(QStringLiteral("no department with code ") + o.dept +
+                    QStringLiteral(" in the list"));
+        return kStatementBadArguments;
+    }
+    return run(report, work);
+}
+
+}  // namespace
+
+void StatementWork::Check(const Trapped& trapped) const {
+    if (trapped) throw *trapped;
+    log.Check();
+}
+
 int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
-                        const StatementRun& run) {
+                        const SessionOpener& openSession, StatementRun run) {
+    const QString usage = CommandUsage(report.command, StatementSpec(report.conditions));
     QString problem;
     const auto options = ParseStatementOptions(args, report.conditions, problem);
     if (!options) {
         SayOnStderr(problem);
-        QTextStream(stderr) << StatementUsage(report.command);
+        QTextStream(stderr) << usage;
         return kStatementBadArguments;
     }
     const StatementOptions& o = *options;
@@ -40,9 +75,7 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
     QStringList inputs{o.database};
     QString told;
     const auto tell = [&told, &inputs](const RuntimeError& error) {
-        const RuntimeError e = WithLedgerCause(error, inputs.last());
-        const QString text = QStringLiteral("error ") + QString::number(e.number()) +
-                             QStringLiteral(": ") + e.description();
+        const QString text = WithLedgerCause(error, inputs.last()).NumberedText();
         if (text != told) SayOnStderr(text);
         told = text;
     };
@@ -58,7 +91,7 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
     }
     if (const auto clash = OutputClash(outputs, inputs)) {
         SayOnStderr(*clash);
-        QTextStream(stderr) << StatementUsage(report.command);
+        QTextStream(stderr) << usage;
         return kStatementBadArguments;
     }
 
@@ -73,12 +106,12 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
     int status = kStatementFailure;
     try {
         StatementProgress progress(o.dept + QLatin1Char(' ') + report.texts.caption, o.quiet);
-        status = run(o, log, progress);
+        status = StartWork(report, o, openSession, run, log, progress);
     } catch (const RuntimeError& e) {
         tell(e);
     }
     // A department not in the list, dates out of order: the usage follows.
-    if (status == kStatementBadArguments) QTextStream(stderr) << StatementUsage(report.command);
+    if (status == kStatementBadArguments) QTextStream(stderr) << usage;
     // The log is kept also when the run failed: it tells what was sent.
     try {
         log.Finish();
@@ -87,27 +120,6 @@ int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
         status = kStatementFailure;
     }
     return status;
-}
-
-std::unique_ptr<DatabaseSession> OpenLoggedSession(const SessionOpener& openSession,
-                                                   const QString& database, SqlLogWriter& log) {
-    std::unique_ptr<DatabaseSession> session = openSession(database);
-    if (log.Wanted()) session->SetSqlLog([&log](const QString& sql) { log.Add(sql); });
-    return session;
-}
-
-void ThrowFaults(const Trapped& trapped, const SqlLogWriter& log) {
-    if (trapped) throw *trapped;
-    log.Check();
-}
-
-QString EntryOfDepartment(DatabaseSession& session, const QString& dept) {
-    Trapped trapped;
-    const QStringList entries = Conditions::LoadDepartments(session, &trapped);
-    if (trapped) throw *trapped;
-    for (const QString& e : entries)
-        if (Conditions::DeptCodeOf(e) == dept) return e;
-    return QString();
 }
 
 void WriteStatementOutputs(const StatementOptions& o, StatementProgress& progress, int records,
@@ -121,7 +133,7 @@ void WriteStatementOutputs(const StatementOptions& o, StatementProgress& progres
     }
     if (!o.csv.isEmpty()) {
         // CSV lines on the same terminal start at the left margin.
-        if (o.csv == QLatin1String("-") && ::isatty(fileno(stdout)))
+        if (o.csv == QLatin1String("-") && IsTerminal(stdout))
             StatementProgress::ClearLine();
         else
             progress.Step(QStringLiteral("writing the CSV"));

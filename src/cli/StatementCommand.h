@@ -28,26 +28,30 @@ constexpr int kStatementRows = 0, kStatementNothing = 3, kStatementBadArguments 
 // cleared first).
 void SayOnStderr(const QString& text);
 
+// What a statement's work starts from, once the options are read and the
+// department is found in the list.
+struct StatementWork {
+    const StatementOptions& options;
+    DatabaseSession& session;  // its texts go to the log
+    QString entry;             // the department's List1 entry, as a click on it chooses it
+    SqlLogWriter& log;
+    StatementProgress& progress;
+    // A database fault is told as itself (exit 1), also where a routine's
+    // error trap showed it and went on with what it had; so is a failed log
+    // write.
+    void Check(const Trapped& trapped = {}) const;
+};
+// The work of a report's shape; returns the exit status.
+using StatementRun = int (*)(const ReportDefinition& report, const StatementWork& work);
+
 // What the statement commands share around their work: the options of the
 // report's shape (usage on a problem, exit 2), outputs that clash with the
-// ledger or each other (exit 2), outputs checked before any work, the SQL
-// log kept also when the run fails, and every run-time error told once
-// (exit 1), a progress line on a terminal. run does the work and returns the
-// exit status.
-using StatementRun = std::function<int(const StatementOptions& options, SqlLogWriter& log,
-                                       StatementProgress& progress)>;
+// ledger or each other (exit 2), outputs checked before any work, the session
+// and the department (not in the list: exit 2), the SQL log kept also when
+// the run fails, and every run-time error told once (exit 1), a progress
+// line on a terminal.
 int RunStatementCommand(const ReportDefinition& report, const QStringList& args,
-                        const StatementRun& run);
-
-// The session of a run with its texts going to the log.
-std::unique_ptr<DatabaseSession> OpenLoggedSession(const SessionOpener& openSession,
-                                                   const QString& database, SqlLogWriter& log);
-// A database fault is told as itself (exit 1), also where a routine's error
-// trap showed it and went on with what it had; so is a failed log write.
-void ThrowFaults(const Trapped& trapped, const SqlLogWriter& log);
-// The first List1 entry of the department code, as a click on it would
-// choose it; empty when the list has none. A failed read of the list throws.
-QString EntryOfDepartment(DatabaseSession& session, const QString& dept);
+                        const SessionOpener& openSession, StatementRun run);
 
 // The outputs of a run, each streamed as it is composed: the workbook first
 // (the likelier to fail, and a failure then leaves the CSV target, standard

@@ -152,10 +152,10 @@ std::optional<StatementOptions> ParseStatementOptions(const QStringList& args, C
         if (!ratios) return std::nullopt;
         o.ratios = *ratios;
     } else {
-        o.Year = parsed.Value(QStringLiteral("--year"));
+        o.year = parsed.Value(QStringLiteral("--year"));
         const auto m = MonthsShape().match(parsed.Value(QStringLiteral("--months")));
-        o.FromMonth = m.captured(1);
-        o.ToMonth = m.captured(2);
+        o.fromMonth = m.captured(1);
+        o.toMonth = m.captured(2);
     }
     return o;
 }

@@ -31,9 +31,9 @@ struct StatementOptions {
     std::vector<RatioOption> ratios;
     bool ratioIfPresent = false;  // a ratio of an item not in the window is passed over
     // YearMonths: "--year 2024 --months 01-06" gives "2024", "01", "06".
-    QString Year;
-    QString FromMonth;
-    QString ToMonth;
+    QString year;
+    QString fromMonth;
+    QString toMonth;
     QString csv;  // "-" for standard output
     QString xlsx;
     QString sqlLog;

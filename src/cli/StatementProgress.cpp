@@ -1,17 +1,17 @@
 #include "cli/StatementProgress.h"
 
-#include <unistd.h>
-
 #include <QLocale>
 #include <QTextStream>
 #include <cstdio>
+
+#include "cli/os/Console.h"
 
 namespace yunqi {
 
 StatementProgress* StatementProgress::current_ = nullptr;
 
 StatementProgress::StatementProgress(QString label, bool quiet)
-    : label_(std::move(label)), shown_(!quiet && ::isatty(fileno(stderr))) {
+    : label_(std::move(label)), shown_(!quiet && IsTerminal(stderr)) {
     current_ = this;
 }
 

@@ -1,14 +1,13 @@
 #include "cli/TimeLimit.h"
 
-#include <unistd.h>
-
 #include <QRegularExpression>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
 #include "cli/CommandLine.h"
-#include "core/OutputFile.h"
+#include "cli/os/Console.h"
+#include "core/TemporaryFiles.h"
 
 namespace yunqi {
 
@@ -74,7 +73,7 @@ void TimeLimit::Watch() {
     // with nothing left behind, whatever that thread is writing.
     RemoveTemporaryOutputsFromAnyThread();
     // A progress line on a terminal is cleared first.
-    if (::isatty(fileno(stderr))) std::fputs("\r\033[K", stderr);
+    if (IsTerminal(stderr)) std::fputs("\r\033[K", stderr);
     std::fputs(line_.constData(), stderr);
     std::fflush(stderr);
     std::_Exit(kExitTimeLimit);

@@ -9,7 +9,7 @@
 #include "cli/StatementCli.h"
 #include "cli/os/Arguments.h"
 #include "cli/os/Console.h"
-#include "core/OutputFile.h"
+#include "core/TemporaryFiles.h"
 
 using namespace yunqi;
 

@@ -4,94 +4,14 @@
 #include <QFile>
 #include <QtGlobal>
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
 
 #include "core/RuntimeError.h"
+#include "core/TemporaryFiles.h"
 #include "core/os/FileSystem.h"
 
 namespace yunqi {
 
 namespace {
-
-// ---- Temporary files removed at the end of the process ---------------------
-//
-// A fixed table of heap strings: the handler only loads pointers and removes
-// files, both safe in a signal handler.
-//
-// A file is created and registered, and a name freed, inside a TableChange:
-// the end events are held on that thread, and a handler running on another
-// thread waits for every change under way to end. Otherwise an event between
-// the creation and Register() would leave the file behind.
-
-constexpr int kSlots = 64;
-std::atomic<char*> registered[kSlots];
-std::atomic<int> changing{0};
-std::atomic<bool> ending{false};
-
-class TableChange {
-  public:
-    TableChange() {
-        changing.fetch_add(1);
-        if (ending.load()) {
-            // A handler on another thread is removing the files: nothing new
-            // is made, and the process ends before long.
-            changing.fetch_sub(1);
-            os::WaitForTheEnd();
-        }
-    }
-    ~TableChange() { changing.fetch_sub(1); }
-    TableChange(const TableChange&) = delete;
-    TableChange& operator=(const TableChange&) = delete;
-
-  private:
-    os::EndEventsHeld held_;  // before the count, and given back after it
-};
-
-int Register(const QString& path) {
-    char* copy = os::NewNativeName(path);
-    if (!copy) return -1;
-    for (int i = 0; i < kSlots; ++i) {
-        char* expected = nullptr;
-        if (registered[i].compare_exchange_strong(expected, copy)) return i;
-    }
-    std::free(copy);  // more than kSlots at once: removed by the destructors only
-    return -1;
-}
-
-void Unregister(int slot) {
-    if (slot < 0) return;
-    TableChange change;
-    std::free(registered[slot].exchange(nullptr));
-}
-
-bool RemoveRegistered() {
-    bool all = true;
-    for (auto& slot : registered)
-        if (const char* name = slot.load()) all = os::RemoveNative(name) && all;
-    return all;
-}
-
-// The end handler's part, on whichever thread it runs.
-bool RemoveAtTheEnd() {
-    ending.store(true);
-    // A file being made on another thread is registered first; a thread that
-    // hangs in open(2) does not keep the process alive for long.
-    for (int i = 0; changing.load() > 0 && i < 5000; ++i) os::SleepOneMillisecond();
-    return RemoveRegistered();
-}
-
-// For the tests: YUNQI_TEST_SIGNAL_AFTER_TEMPORARY=SIGNAL:NAME, read by
-// InstallOutputCleanup(), sends SIGNAL to the process right after the
-// temporary file of a target called NAME (or "yunqi-output" for one staged in
-// the temporary folder) was made and before it is registered, the moment a
-// user's signal could otherwise slip in.
-int testSignal = 0;
-QByteArray testBase;
-
-void SignalForTests(const QString& base) {
-    if (testSignal > 0 && QFile::encodeName(base) == testBase) os::SendEndEventForTests(testSignal);
-}
 
 // ---- Failures ----------------------------------------------------------------
 
@@ -171,17 +91,12 @@ struct Temporary {
     os::Handle file = os::kNoHandle;
 
     void Create(const QString& folder, const QString& base, const Target& target) {
-        {
-            TableChange change;
-            os::Error error = 0;
-            QString made;
-            const os::Handle handle = os::CreateUnique(folder, base, &made, &error);
-            if (handle == os::kNoHandle) FailWith(target.path, error);
-            name = made;
-            file = handle;
-            SignalForTests(base);
-            slot = Register(name);
-        }
+        os::Error error = 0;
+        QString made;
+        const os::Handle handle = CreateRegisteredTemporary(folder, base, &made, &error, &slot);
+        if (handle == os::kNoHandle) FailWith(target.path, error);
+        name = made;
+        file = handle;
         os::CopyPermissions(file, target.info);
     }
     void CloseQuietly() {
@@ -191,7 +106,7 @@ struct Temporary {
     void Remove() {
         CloseQuietly();
         if (!name.isEmpty()) os::Remove(name);
-        Unregister(slot);
+        UnregisterTemporary(slot);
         slot = -1;
         name.clear();
     }
@@ -207,7 +122,7 @@ struct Temporary {
         file = os::kNoHandle;
         if (error) FailWith(target.path, error);
         if ((error = os::Rename(name, target.file))) FailWith(target.path, error);
-        Unregister(slot);
+        UnregisterTemporary(slot);
         slot = -1;
         name.clear();
         // The new name reaches the disk too; a folder that refuses is no failure.
@@ -382,20 +297,5 @@ void StagedOutput::Commit() {
         throw;
     }
 }
-
-// ---- The end of the process --------------------------------------------------------
-
-void InstallOutputCleanup() {
-    const QByteArray test = qgetenv("YUNQI_TEST_SIGNAL_AFTER_TEMPORARY");
-    if (const qsizetype colon = test.indexOf(':'); colon > 0) {
-        testSignal = test.left(colon).toInt();
-        testBase = test.mid(colon + 1);
-    }
-    os::InstallEndHandler(RemoveAtTheEnd);
-}
-
-void RemoveTemporaryOutputs() { RemoveRegistered(); }
-
-void RemoveTemporaryOutputsFromAnyThread() { RemoveAtTheEnd(); }
 
 }  // namespace yunqi

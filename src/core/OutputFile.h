@@ -20,8 +20,8 @@ namespace yunqi {
 // Every failure throws RuntimeError 75 (76 when the folder is missing) whose
 // description names the target and gives the system's reason. The old file is
 // then as it was, and no temporary file is left: the destructors remove them,
-// and once InstallOutputCleanup() ran so do SIGINT, SIGTERM, SIGHUP, SIGPIPE
-// and SIGABRT.
+// and once InstallOutputCleanup() ran (core/TemporaryFiles.h) so do SIGINT,
+// SIGTERM, SIGHUP, SIGPIPE and SIGABRT.
 
 // What "-" names: standard output (`--csv -`), or a file called "-".
 enum class Dash { IsStdout, IsFileName };
@@ -84,21 +84,5 @@ class StagedOutput {
 
 // The whole of bytes to path, as OutputFile writes it.
 void WriteOutputFile(const QString& path, const QByteArray& bytes, Dash dash = Dash::IsFileName);
-
-// Once per process, from main: the temporary files still registered are
-// removed when SIGINT, SIGTERM, SIGHUP, SIGPIPE or SIGABRT ends the process (a signal
-// ignored at start stays ignored), and SIGXFSZ is ignored, so that a file-size
-// limit fails the write, which is told, instead of ending the process silently.
-// A temporary file is registered before any of these signals can act on it,
-// on whichever thread it comes.
-void InstallOutputCleanup();
-// Removes every registered temporary file now, for an end of the process that
-// skips the destructors.
-void RemoveTemporaryOutputs();
-// The same for an end decided on a thread of its own (a time limit) while other
-// threads may be making or writing outputs: as the end handler does, a file
-// being made is registered first and no new one is made from then on, so the
-// process must end right after.
-void RemoveTemporaryOutputsFromAnyThread();
 
 }  // namespace yunqi

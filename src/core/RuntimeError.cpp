@@ -10,6 +10,11 @@ RuntimeError::RuntimeError(long number, QString description)
       number_(number),
       description_(std::move(description)) {}
 
+QString RuntimeError::NumberedText() const {
+    return QStringLiteral("error ") + QString::number(number_) + QStringLiteral(": ") +
+           description_;
+}
+
 RuntimeError::RuntimeError(ErrorCode code) : RuntimeError(long(code), ErrorText(code)) {}
 
 RuntimeError::RuntimeError(ErrorCode code, const QString& detail)

@@ -20,6 +20,8 @@ class RuntimeError : public std::runtime_error {
 
     long number() const { return number_; }
     const QString& description() const { return description_; }
+    // "error N: description", as the command line tells it.
+    QString NumberedText() const;
 
     // The platform's own numbers.
     static RuntimeError InvalidProcedureCall();  // 5

@@ -25,9 +25,9 @@ TEST(StatementOptionsTest, TheReconciliationShape) {
         kMonths + QStringList{"--database", "d.sqlite", "--csv", "-", "--xlsx", "r.xlsx"},
         ConditionsKind::YearMonths, problem);
     ASSERT_TRUE(o) << problem.toStdString();
-    EXPECT_EQ(o->Year, "2024");
-    EXPECT_EQ(o->FromMonth, "01");
-    EXPECT_EQ(o->ToMonth, "06");
+    EXPECT_EQ(o->year, "2024");
+    EXPECT_EQ(o->fromMonth, "01");
+    EXPECT_EQ(o->toMonth, "06");
     EXPECT_EQ(o->dept, "01");
     EXPECT_EQ(o->database, "d.sqlite");
     EXPECT_EQ(o->csv, "-");

@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "core/RuntimeError.h"
+#include "core/TemporaryFiles.h"
 #include "support/Files.h"
 
 using namespace yunqi;

@@ -7,7 +7,7 @@
 #include <exception>
 
 #include "core/Dialogs.h"
-#include "core/OutputFile.h"
+#include "core/TemporaryFiles.h"
 
 // The resources live in a static library: brought in by name, which can't
 // be done inside a namespace.

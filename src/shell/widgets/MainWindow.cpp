@@ -39,8 +39,6 @@ MainWindow::MainWindow(std::map<QString, WindowFactory> factories, QWidget* pare
     factories_.emplace(QStringLiteral("关于软件"), [] { return new AboutWindow; });
     // Room for a report window at its design size where the screen has it.
     resize(QSize(1280, 900).boundedTo(screen()->availableGeometry().size()));
-    // Nothing follows from the comparison; the identity stays empty.
-    (void)(AppSession().SessionUser == QStringLiteral("超级用户"));
 
     auto menu = [this](const QString& name) {
         QMenu* m = menuBar()->addMenu(name);

@@ -34,4 +34,6 @@ void UseUtf8Console() {
     PrepareConsole(stderr, STD_ERROR_HANDLE);
 }
 
+bool IsTerminal(FILE* stream) { return _isatty(_fileno(stream)); }
+
 }  // namespace yunqi
