@@ -32,6 +32,7 @@ class DetailRows {
     const QString& OrdinaryNo(int r) const { return NumberIf(r, Kind::Ordinary); }
     const QString& ElectronicNo(int r) const { return NumberIf(r, Kind::Electronic); }
     const QString& ReceiptNo(int r) const { return NumberIf(r, Kind::Receipt); }
+    const QString& NumberIf(int r, Kind k) const;
 
     // j from 1 to FeeColumnCount().
     double FeeAmount(int r, int j) const { return fees_[Offset(r, j)]; }
@@ -56,7 +57,6 @@ class DetailRows {
   private:
     static constexpr std::uint8_t kVoided = 1, kReplaced = 2;
     std::size_t Offset(int r, int j) const { return std::size_t(r) * feeColumns_ + (j - 1); }
-    const QString& NumberIf(int r, Kind k) const;
 
     int feeColumns_;
     std::vector<QString> dateText_, ticketNo_, payMethod_, payer_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <vector>
 
 #include "db/DatabaseSession.h"
 #include "frame/DetailHeader.h"
@@ -36,6 +37,15 @@ class TicketStatement : public PagedStatement {
     // the items read before it (or, if the statement did not open, those of
     // the last extraction).
     void LoadItems(const QString& sql, FlexGrid& ratios, FlexGrid& statementGrid);
+    // The select of the tickets of a department with the fee columns and each
+    // item's lines (sub, joined as JoinDerivedTables joins them) beside them,
+    // up to the department's filter; moreColumns follows 地址.
+    QString TicketsSelect(const QString& moreColumns, const FlexGrid& ratios,
+                          const std::vector<QString>& sub, bool byNote,
+                          const QString& deptCode) const;
+    // The number column of a ticket type: 专用发票, 普通发票, and 电子发票 where
+    // the statement has that column; any other type is a 收据.
+    static DetailRows::Kind KindOf(const QString& typeName, bool electronicColumn);
 
     DatabaseSession& session_;
     const DetailHeaderPlan& plan_;

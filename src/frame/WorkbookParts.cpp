@@ -96,6 +96,28 @@ int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r) {
     return s;
 }
 
+void WriteTicketRow(SheetModel& sheet, int s, const DetailRows& rows, int r, int numberColumns,
+                    int c) {
+    auto date = sheet.Cells(s, 2);
+    date.SetValue(rows.DateText(r));
+    date.SetNumberFormat(QStringLiteral("yyyy-mm-dd"));
+    date.SetHorizontalAlignment(SheetModel::kAlignCenter);
+    for (int j = 0; j < numberColumns; ++j) {
+        auto cell = sheet.Cells(s, 3 + j);
+        // The apostrophe keeps the numbers as text.
+        cell.SetValue(QLatin1Char('\'') +
+                      rows.NumberIf(r, DetailRows::Kind(int(DetailRows::Kind::Special) + j)));
+        cell.SetHorizontalAlignment(SheetModel::kAlignCenter);
+    }
+    const int first = 2 + numberColumns;
+    for (int j = 1; j <= rows.FeeColumnCount(); ++j)
+        sheet.Cells(s, first + j).SetValue(ValueRules::Format0_00(rows.FeeAmount(r, j)));
+    sheet.Cells(s, c - 2).SetValue(ValueRules::Format0_00(rows.RowTotal(r)));
+    sheet.Cells(s, c - 1).SetValue(rows.PayMethod(r));
+    sheet.Cells(s, c).SetValue(rows.PayerText(r));
+    sheet.SetRowWrapText(s, true);
+}
+
 void FinishTable(SheetModel& sheet, int lastRow, int c, int fontLastRow) {
     auto head = sheet.Finally(1, 1, 1, c);
     head.SetFontName(QStringLiteral("微软雅黑"));

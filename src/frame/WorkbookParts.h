@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "frame/DetailHeader.h"
+#include "frame/DetailRows.h"
 #include "frame/ExportSteps.h"
 #include "frame/FeeItem.h"
 #include "frame/FlexGrid.h"
@@ -45,6 +46,14 @@ void WriteTicketHeader(SheetModel& sheet, const WorkbookContext& context,
 // The start of record r's sheet row (r + 5, returned): the progress step, the
 // rows above complete, and the record's index, centred, in column 1.
 int StartRecordRow(SheetModel& sheet, ExportFrame::ExportSteps& steps, int r);
+
+// Record r of a ticket statement on sheet row s: the date (yyyy-mm-dd,
+// centred) in column 2; the numbers of the first numberColumns kinds
+// (专用发票, 普通发票, 电子发票, 收据) as text from column 3; the fee amounts
+// after them; the row's total, payment method and payer in the last three of
+// the c columns; the row wrapped.
+void WriteTicketRow(SheetModel& sheet, int s, const DetailRows& rows, int r, int numberColumns,
+                    int c);
 
 // Fonts and borders of the finished table: 微软雅黑, the title bold, size 9
 // from row 2 to lastRow (or to fontLastRow, when given), borders from row 4

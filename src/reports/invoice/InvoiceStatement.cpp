@@ -10,7 +10,6 @@
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
 #include "frame/StatementTotals.h"
-#include "reports/invoice/InvoiceWorkbook.h"
 
 namespace yunqi {
 
@@ -60,13 +59,6 @@ const FeeSubQuery::Form& LineForm() {
     return form;
 }
 
-DetailRows::Kind KindOf(const QString& typeName) {
-    if (typeName.contains(QStringLiteral("专用发票"))) return DetailRows::Kind::Special;
-    if (typeName.contains(QStringLiteral("普通发票"))) return DetailRows::Kind::Ordinary;
-    if (typeName.contains(QStringLiteral("电子发票"))) return DetailRows::Kind::Electronic;
-    return DetailRows::Kind::Receipt;
-}
-
 }  // namespace
 
 InvoiceStatement::InvoiceStatement(DatabaseSession& session) : TicketStatement(session, Plan()) {}
@@ -106,16 +98,8 @@ QString InvoiceStatement::StatisticsSql(const StatementConditions& conditions,
     }
 
     // Stage two: the tickets with the items' lines beside them.
-    QString sql = QStringLiteral(
-        "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
-        "票据.金额, 收款方式, 付款人, 地址, 票据.被换票票据编号 ");
-    sql += FeeColumnsSelect(feeItems_, ratios);
-    sql += QStringLiteral(" From 票据");
-    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
-    sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
-    sql += JoinDerivedTables(sub, true);
-    sql +=
-        QStringLiteral(" Where 票据.开票部门编号 ='") + conditions.DeptCode + QStringLiteral("'");
+    QString sql = TicketsSelect(QStringLiteral(", 票据.被换票票据编号 "), ratios, sub, true,
+                                conditions.DeptCode);
     sql +=
         QStringLiteral(" And 票据类型代号 In (") + conditions.InvoiceTypeList + QStringLiteral(")");
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
@@ -159,7 +143,7 @@ PagedStatement::RunOutcome InvoiceStatement::RunStatistics(const StatementCondit
         const bool voided = !rs.IsNull(fVoided);
         const bool replaced = !rs.IsNull(fReplaced);
         rows_.SetFlags(r, voided, replaced);
-        rows_.SetTicket(r, TextOrEmpty(rs.Value(fNo)), KindOf(TextOrEmpty(rs.Value(fType))));
+        rows_.SetTicket(r, TextOrEmpty(rs.Value(fNo)), KindOf(TextOrEmpty(rs.Value(fType)), true));
         if (voided) {
             status(r, QStringLiteral("作废"), QStringLiteral("负票"));
         } else if (replaced) {
@@ -207,11 +191,6 @@ void InvoiceStatement::WriteRow(GridRow& row, int r, const TextMeasure& measure)
     row.SetText(4, rows_.ElectronicNo(r));
     row.SetText(5, rows_.ReceiptNo(r));
     DetailPage::WriteMoneyAndPayer(row, rows_, r, 5, measure);
-}
-
-void InvoiceStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
-                                  const WorkbookContext& context) const {
-    WriteInvoiceSheet(*this, sheet, steps, context);
 }
 
 }  // namespace yunqi

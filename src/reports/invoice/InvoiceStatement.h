@@ -21,6 +21,7 @@ class InvoiceStatement : public TicketStatement {
     RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& ratios,
                              int pageSize) override;
     void WriteRow(GridRow& row, int r, const TextMeasure& measure) const override;
+    // In InvoiceWorkbook.cpp: the workbook apart from the computation.
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;
 

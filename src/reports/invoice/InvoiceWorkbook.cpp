@@ -1,5 +1,3 @@
-#include "reports/invoice/InvoiceWorkbook.h"
-
 #include "core/ValueRules.h"
 #include "frame/WorkbookParts.h"
 #include "reports/invoice/InvoiceStatement.h"
@@ -14,16 +12,16 @@ const QString kOf = QStringLiteral("其中");
 
 }  // namespace
 
-void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet,
-                       ExportFrame::ExportSteps& steps, const WorkbookContext& in) {
+void InvoiceStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                                  const WorkbookContext& in) const {
     using ValueRules::Format0_00;
     const FlexGrid& grid = in.statementGrid;
-    const DetailRows& rows = statement.Rows();
+    const DetailRows& rows = rows_;
     const int c = grid.Cols();
-    const int n = statement.FeeColumnCount();
+    const int n = feeColumnCount_;
     const int u = rows.UpperBound();
 
-    WorkbookParts::WriteTicketHeader(sheet, in, statement.HeaderPlan(), statement.FeeItems());
+    WorkbookParts::WriteTicketHeader(sheet, in, plan_, feeItems_);
     // The money band's format and the table's fonts and borders, taken by each row as it completes.
     auto money = sheet.Finally(6, 7, u + 5, n + 7);
     money.SetNumberFormat(QStringLiteral("#0.00"));
@@ -34,26 +32,11 @@ void WriteInvoiceSheet(const InvoiceStatement& statement, SheetModel& sheet,
     for (int r = 1; r <= u; ++r) {
         const int s = WorkbookParts::StartRecordRow(sheet, steps, r);
         const QString& date = rows.DateText(r);
-        auto second = sheet.Cells(s, 2);
         if (!date.isEmpty() && date != kOf) {
-            second.SetValue(date);
-            second.SetNumberFormat(QStringLiteral("yyyy-mm-dd"));
-            second.SetHorizontalAlignment(SheetModel::kAlignCenter);
-            const QString* numbers[] = {&rows.SpecialNo(r), &rows.OrdinaryNo(r),
-                                        &rows.ElectronicNo(r), &rows.ReceiptNo(r)};
-            for (int j = 0; j < 4; ++j) {
-                auto cell = sheet.Cells(s, 3 + j);
-                cell.SetValue(QLatin1Char('\'') + *numbers[j]);
-                cell.SetHorizontalAlignment(SheetModel::kAlignCenter);
-            }
-            for (int j = 1; j <= n; ++j)
-                sheet.Cells(s, j + 6).SetValue(Format0_00(rows.FeeAmount(r, j)));
-            sheet.Cells(s, c - 2).SetValue(Format0_00(rows.RowTotal(r)));
-            sheet.Cells(s, c - 1).SetValue(rows.PayMethod(r));
-            sheet.Cells(s, c).SetValue(rows.PayerText(r));
-            sheet.SetRowWrapText(s, true);
+            WorkbookParts::WriteTicketRow(sheet, s, rows, r, 4, c);
             if (date == kTotal) sheet.RangeOf(s, 1, s, c).SetInteriorColor(kLightBlue);
         } else {
+            auto second = sheet.Cells(s, 2);
             second.SetValue(date);
             second.SetHorizontalAlignment(SheetModel::kAlignCenter);
             sheet.Cells(s, c - 2).SetValue(Format0_00(rows.RowTotal(r)));

@@ -9,7 +9,6 @@
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
 #include "frame/StatementTotals.h"
-#include "reports/parking/ParkingWorkbook.h"
 
 namespace yunqi {
 
@@ -192,11 +191,6 @@ void ParkingStatement::WriteRow(GridRow& row, int r, const TextMeasure&) const {
     row.SetText(col, rows_.TicketNo(r));
     for (int j = 1; j <= n; ++j) row.SetText(j + 2, Format0_00(rows_.FeeAmount(r, j)));
     row.SetText(n + 3, Format0_00(rows_.RowTotal(r)));
-}
-
-void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
-                                  const WorkbookContext& context) const {
-    WriteParkingSheet(*this, sheet, steps, context);
 }
 
 }  // namespace yunqi

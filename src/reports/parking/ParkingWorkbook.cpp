@@ -1,19 +1,16 @@
-#include "reports/parking/ParkingWorkbook.h"
-
 #include "core/ValueRules.h"
 #include "frame/WorkbookParts.h"
 #include "reports/parking/ParkingStatement.h"
 
 namespace yunqi {
 
-void WriteParkingSheet(const ParkingStatement& statement, SheetModel& sheet,
-                       ExportFrame::ExportSteps& steps, const WorkbookContext& in) {
-    constexpr auto kPaper = ParkingStatement::kPaper;
-    const DetailRows& rows = statement.Rows();
-    WorkbookParts::WriteTicketHeader(sheet, in, statement.HeaderPlan(), statement.FeeItems());
+void ParkingStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
+                                  const WorkbookContext& in) const {
+    const DetailRows& rows = rows_;
+    WorkbookParts::WriteTicketHeader(sheet, in, plan_, feeItems_);
     const int c = in.statementGrid.Cols();
 
-    const int n = statement.FeeColumnCount();
+    const int n = feeColumnCount_;
     const int u = rows.UpperBound();
     // The money band's format and the table's fonts and borders, taken by each row as it completes.
     auto money = sheet.Finally(6, 4, u + 5, c);
@@ -25,7 +22,7 @@ void WriteParkingSheet(const ParkingStatement& statement, SheetModel& sheet,
     steps.HeaderWritten();
     for (int r = 1; r <= u; ++r) {
         const int s = WorkbookParts::StartRecordRow(sheet, steps, r);
-        if (statement.IsSummaryRow(r)) {
+        if (IsSummaryRow(r)) {
             auto label = sheet.Cells(s, 2);
             label.SetValue(rows.TicketNo(r));
             label.SetHorizontalAlignment(SheetModel::kAlignCenter);

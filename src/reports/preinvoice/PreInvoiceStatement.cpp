@@ -12,7 +12,6 @@
 #include "frame/Pager.h"
 #include "frame/SplitRatios.h"
 #include "frame/StatementTotals.h"
-#include "reports/preinvoice/PreInvoiceWorkbook.h"
 
 namespace yunqi {
 
@@ -54,12 +53,6 @@ const FeeSubQuery::Form& SumForm() {
         QStringLiteral(", 票据开票数据.票据编号"),
     };
     return form;
-}
-
-DetailRows::Kind KindOf(const QString& typeName) {
-    if (typeName.contains(QStringLiteral("专用发票"))) return DetailRows::Kind::Special;
-    if (typeName.contains(QStringLiteral("普通发票"))) return DetailRows::Kind::Ordinary;
-    return DetailRows::Kind::Receipt;
 }
 
 }  // namespace
@@ -116,16 +109,7 @@ QString PreInvoiceStatement::StatisticsSql(const StatementConditions& conditions
     }
 
     // Stage two: the tickets beside their sums, joined by ticket number alone.
-    QString sql = QStringLiteral(
-        "Select 票据.票据编号 ,票据.入库单编号 , 票据类型.票据类型 ,开票日期, 收款日期, 作废日期, "
-        "票据.金额, 收款方式, 付款人, 地址 ");
-    sql += FeeColumnsSelect(feeItems_, ratios);
-    sql += QStringLiteral(" From 票据");
-    sql += QStringLiteral(" inner join 票据入库单 on 票据.入库单编号 =票据入库单.入库单编号");
-    sql += QStringLiteral(" inner join 票据类型 on 票据入库单.票据类型编号 =票据类型.票据类型代号");
-    sql += JoinDerivedTables(sub, false);
-    sql +=
-        QStringLiteral(" Where 票据.开票部门编号 ='") + conditions.DeptCode + QStringLiteral("'");
+    QString sql = TicketsSelect(QStringLiteral(" "), ratios, sub, false, conditions.DeptCode);
     sql += QStringLiteral(" And (") + PresenceCondition(feeItems_) + QStringLiteral(")");
     sql += QStringLiteral(" Order by 票据.开票日期,票据编号");
     return sql;
@@ -158,7 +142,7 @@ bool PreInvoiceStatement::Compute(const StatementConditions& conditions, const F
         const int r = rows_.Append();
         rows_.SetDateText(r, DateTextDash(rs.Value(fIssued)));
         rows_.SetFlags(r, !rs.IsNull(fVoided), false);
-        rows_.SetTicket(r, TextOrEmpty(rs.Value(fNo)), KindOf(TextOrEmpty(rs.Value(fType))));
+        rows_.SetTicket(r, TextOrEmpty(rs.Value(fNo)), KindOf(TextOrEmpty(rs.Value(fType)), false));
         fees.Read(rs, rows_.Fees(r));
         rows_.SetPayerText(r, PayerTextOf(rs.Value(fPayer), rs.Value(fAddress)));
         rows_.SetPayMethod(r, QStringLiteral("预开"));
@@ -178,11 +162,6 @@ void PreInvoiceStatement::WriteRow(GridRow& row, int r, const TextMeasure& measu
     row.SetText(2, rows_.SpecialNo(r));
     row.SetText(3, rows_.OrdinaryNo(r));
     DetailPage::WriteMoneyAndPayer(row, rows_, r, 3, measure);
-}
-
-void PreInvoiceStatement::WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
-                                     const WorkbookContext& context) const {
-    WritePreInvoiceSheet(*this, sheet, steps, context);
 }
 
 }  // namespace yunqi

@@ -22,6 +22,7 @@ class PreInvoiceStatement : public TicketStatement {
     RunOutcome RunStatistics(const StatementConditions& conditions, const FlexGrid& ratios,
                              int pageSize) override;
     void WriteRow(GridRow& row, int r, const TextMeasure& measure) const override;
+    // In PreInvoiceWorkbook.cpp: the workbook apart from the computation.
     void WriteSheet(SheetModel& sheet, ExportFrame::ExportSteps& steps,
                     const WorkbookContext& context) const override;
 
