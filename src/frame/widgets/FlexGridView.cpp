@@ -5,7 +5,7 @@
 #include <QStyle>
 #include <algorithm>
 
-#include "frame/widgets/WindowLayout.h"
+#include "frame/widgets/Twips.h"
 
 namespace yunqi {
 

@@ -8,13 +8,9 @@
 #include <span>
 
 #include "frame/ReportTexts.h"
+#include "frame/widgets/Twips.h"
 
 namespace yunqi {
-
-// Lengths of the design are twips; the screen shows 15 twips a pixel.
-constexpr int kTwipsPerPixel = 15;
-constexpr int Pixels(int twips) { return twips / kTwipsPerPixel; }
-constexpr int Twips(int pixels) { return pixels * kTwipsPerPixel; }
 
 // What a row of a layout table creates.
 enum class ControlKind {

@@ -3,11 +3,9 @@
 #include <QLinearGradient>
 #include <QPainter>
 
-namespace yunqi {
+#include "frame/widgets/Twips.h"
 
-namespace {
-constexpr int kTwipsPerPixel = 15;
-}
+namespace yunqi {
 
 Banner::Banner(QWidget* parent) : QWidget(parent), design_(DesignPicture()) {
     setObjectName(QStringLiteral("Picture1"));
