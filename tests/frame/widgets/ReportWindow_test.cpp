@@ -9,6 +9,7 @@
 #include <QDateEdit>
 #include <QFile>
 #include <QGroupBox>
+#include <QImage>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMdiSubWindow>
@@ -236,15 +237,24 @@ TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
         full = true;
         fullBeforeTheFile = fullBeforeTheFile || !QFile::exists(dir.filePath("out.xlsx"));
     });
+    // The bar stands full at the message: drawn whole, nothing over it.
+    QImage barAlone, barInWindow;
     dialogs.onMessage = [&] {
         busyAtMessage = QApplication::overrideCursor() != nullptr;
         shown.Take(w);
+        const auto pixels = [](const QPixmap& p) {
+            return p.toImage().convertToFormat(QImage::Format_RGB32);
+        };
+        barAlone = pixels(bar->grab());
+        barInWindow = pixels(w->grab(QRect(bar->mapTo(w, QPoint()), bar->size())));
     };
     ClickButton(w, "Command2");
     dialogs.onYield = nullptr;
     shown.Take(w);
     shown.TakeMessages(dialogs);
     ExpectGolden(shown.Text(), golden + "window-texts.txt");
+    EXPECT_FALSE(barAlone.isNull());
+    EXPECT_TRUE(barInWindow == barAlone) << "something is drawn over the progress bar";
     EXPECT_TRUE(busyWhileWriting);
     EXPECT_FALSE(busyAtMessage);
     EXPECT_TRUE(full);
