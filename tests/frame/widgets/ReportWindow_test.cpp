@@ -8,6 +8,8 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFile>
+#include <QGroupBox>
+#include <QImage>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMdiSubWindow>
@@ -82,6 +84,56 @@ class WatchingDialogs : public RecordingDialogs {
     }
 };
 
+// Every text a window draws for the operator, one "name<TAB>text" a line, each
+// once in the order first seen: the title, labels, button texts, a pager
+// image's tool tip, group captions, and the grids' fixed rows as the window
+// loads them (later ones are the data's, which statement.csv holds). The
+// status bar's clock and what the boxes and lists hold are not the window's.
+class ShownTexts {
+  public:
+    void Take(QWidget* w, bool gridHeaders = false) {
+        Add(w, w->windowTitle());
+        for (QWidget* c : w->findChildren<QWidget*>()) {
+            if (!c->isVisibleTo(w)) continue;
+            if (auto* label = qobject_cast<QLabel*>(c)) {
+                const QString name = label->objectName();
+                if (name != "Panel8" && name != "Panel9") Add(label, label->text());
+            } else if (auto* button = qobject_cast<QAbstractButton*>(c)) {
+                Add(button, button->text());
+                Add(button, button->toolTip(), ".toolTip");
+            } else if (auto* box = qobject_cast<QGroupBox*>(c)) {
+                Add(box, box->title());
+            } else if (auto* grid = qobject_cast<FlexGridView*>(c); grid && gridHeaders) {
+                const QAbstractItemModel* fixed = grid->FixedRowsView()->model();
+                for (int row = 0; row < fixed->rowCount(); ++row) {
+                    QStringList cells;
+                    for (int col = 0; col < fixed->columnCount(); ++col)
+                        if (const QString text = fixed->index(row, col).data().toString();
+                            !text.isEmpty())
+                            cells << text;
+                    Add(grid, cells.join(" | "));
+                }
+            }
+        }
+    }
+    void TakeMessages(const RecordingDialogs& dialogs) {
+        for (const auto& m : dialogs.messages) Line("message\t" + m.title + '\t' + m.text);
+    }
+    QByteArray Text() const {
+        return lines_.isEmpty() ? QByteArray() : (lines_.join('\n') + '\n').toUtf8();
+    }
+
+  private:
+    void Add(const QWidget* c, const QString& text, const char* what = "") {
+        if (!text.trimmed().isEmpty()) Line(c->objectName() + what + '\t' + text);
+    }
+    void Line(QString line) {
+        line.replace('\n', QLatin1String("\\n"));  // a text of two lines stays on one
+        if (!lines_.contains(line)) lines_ << line;
+    }
+    QStringList lines_;
+};
+
 // Dialogs and run-time errors recorded; the main window made by each test.
 class WindowTest : public ::testing::Test {
   protected:
@@ -132,7 +184,8 @@ class ReportWindows : public WindowTest,
                       public ::testing::WithParamInterface<const ReportDefinition*> {};
 
 // A window shows what the companion writes for the same conditions (its CSV
-// is the grid as one page holds it) and exports the same workbook.
+// is the grid as one page holds it) and exports the same workbook. What it
+// writes for the operator on the way is in window-texts.txt.
 TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
     const ReportDefinition& report = *GetParam();
     FillGoldenLedger(db);
@@ -140,6 +193,12 @@ TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
     ASSERT_TRUE(w);
     EXPECT_EQ(w->objectName(), report.windowName);
     EXPECT_FALSE(Frame(w)->isMaximized());
+    ShownTexts shown;
+    shown.Take(w, true);
+    // The busy panel as the window's thread shows it.
+    dialogs.onYield = [&] {
+        if (QThread::currentThread() == w->thread()) shown.Take(w);
+    };
     const bool paged = report.conditions == ConditionsKind::DateWindow;
     // The conditions first: the reconciliation's title takes the year at the click.
     paged ? SetDates(w, QDate(2024, 3, 1), QDate(2024, 3, 31)) : Months(w, "2024", "03", "03");
@@ -163,6 +222,7 @@ TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
     const QString golden =
         QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/") + report.command + '/';
     ExpectSameAsFile(GridCsv(w->Grid1()).toUtf8(), golden + "statement.csv");
+    shown.Take(w);
 
     QTemporaryDir dir;
     dialogs.saveAnswers = {dir.filePath("out.xlsx")};
@@ -172,12 +232,29 @@ TEST_P(ReportWindows, ShowAndExportWhatTheCompanionWrites) {
     auto* bar = Child<QProgressBar>(w, "ProgressBar1");
     QObject::connect(bar, &QProgressBar::valueChanged, w, [&](int value) {
         busyWhileWriting = QApplication::overrideCursor() != nullptr;
+        shown.Take(w);
         if (value < bar->maximum()) return;
         full = true;
         fullBeforeTheFile = fullBeforeTheFile || !QFile::exists(dir.filePath("out.xlsx"));
     });
-    dialogs.onMessage = [&] { busyAtMessage = QApplication::overrideCursor() != nullptr; };
+    // The bar stands full at the message: drawn whole, nothing over it.
+    QImage barAlone, barInWindow;
+    dialogs.onMessage = [&] {
+        busyAtMessage = QApplication::overrideCursor() != nullptr;
+        shown.Take(w);
+        const auto pixels = [](const QPixmap& p) {
+            return p.toImage().convertToFormat(QImage::Format_RGB32);
+        };
+        barAlone = pixels(bar->grab());
+        barInWindow = pixels(w->grab(QRect(bar->mapTo(w, QPoint()), bar->size())));
+    };
     ClickButton(w, "Command2");
+    dialogs.onYield = nullptr;
+    shown.Take(w);
+    shown.TakeMessages(dialogs);
+    ExpectGolden(shown.Text(), golden + "window-texts.txt");
+    EXPECT_FALSE(barAlone.isNull());
+    EXPECT_TRUE(barInWindow == barAlone) << "something is drawn over the progress bar";
     EXPECT_TRUE(busyWhileWriting);
     EXPECT_FALSE(busyAtMessage);
     EXPECT_TRUE(full);
