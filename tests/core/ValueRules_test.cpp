@@ -9,21 +9,11 @@
 #include <limits>
 
 #include "core/RuntimeError.h"
+#include "support/ErrorNumber.h"
 
 using namespace yunqi;
 
 using namespace ValueRules;
-
-namespace {
-long ErrorNumberOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
-}  // namespace
 
 TEST(ValueRulesFormat, HalvesRoundAwayFromZeroOnTheFifteenDigitForm) {
     // Binary 2.675 and 1.005 lie just below the half; the 15-digit form does
@@ -64,11 +54,11 @@ TEST(ValueRulesFormat, ValuesBeyondTheFormsOverflow) {
         {"DoubleText", [](double v) { DoubleText(v); }}};
     for (const auto& [name, form] : forms) {
         for (const double value : {inf, -inf, std::nan("")})
-            EXPECT_EQ(ErrorNumberOf([&] { form(value); }), 6) << name << ' ' << value;
-        EXPECT_EQ(ErrorNumberOf([&] { form(999999999999999.0); }), 0) << name;
+            EXPECT_EQ(test::ErrorNumberOf([&] { form(value); }), 6) << name << ' ' << value;
+        EXPECT_EQ(test::ErrorNumberOf([&] { form(999999999999999.0); }), 0) << name;
     }
     for (const double value : {1e308, 1e300, 1e64, 1e15, -1e15})
-        EXPECT_EQ(ErrorNumberOf([&] { Round2(value); }), 6) << value;
+        EXPECT_EQ(test::ErrorNumberOf([&] { Round2(value); }), 6) << value;
     EXPECT_EQ(Format0_00(-999999999999999.0), "-999999999999999.00");
 }
 
@@ -104,8 +94,8 @@ TEST(ValueRulesRounding, TiesGoToEven) {
 TEST(ValueRulesRounding, BeyondThirtyTwoBitsOverflows) {
     EXPECT_EQ(RoundHalfEven(2147483647.4), 2147483647);
     EXPECT_EQ(RoundHalfEven(-2147483648.5), -2147483647 - 1);
-    EXPECT_EQ(ErrorNumberOf([] { RoundHalfEven(2147483647.5); }), 6);
-    EXPECT_EQ(ErrorNumberOf([] { RoundHalfEven(-3e9); }), 6);
+    EXPECT_EQ(test::ErrorNumberOf([] { RoundHalfEven(2147483647.5); }), 6);
+    EXPECT_EQ(test::ErrorNumberOf([] { RoundHalfEven(-3e9); }), 6);
 }
 
 TEST(ValueRulesDates, FormatsFromDatesAndDatabaseValues) {
@@ -126,11 +116,11 @@ TEST(ValueRulesDates, FormatsFromDatesAndDatabaseValues) {
 }
 
 TEST(ValueRulesDates, NullAndNonDatesRaiseThePlatformErrors) {
-    EXPECT_EQ(ErrorNumberOf([] { ToDate(QVariant()); }), 94);
-    EXPECT_EQ(ErrorNumberOf([] { DateText8(QVariant()); }), 94);
-    EXPECT_EQ(ErrorNumberOf([] { ToDate(QStringLiteral("abc")); }), 13);
-    EXPECT_EQ(ErrorNumberOf([] { ToDate(QStringLiteral("2024-02-30")); }), 13);
-    EXPECT_EQ(ErrorNumberOf([] { DateTextDash(QStringLiteral("abc")); }), 13);
+    EXPECT_EQ(test::ErrorNumberOf([] { ToDate(QVariant()); }), 94);
+    EXPECT_EQ(test::ErrorNumberOf([] { DateText8(QVariant()); }), 94);
+    EXPECT_EQ(test::ErrorNumberOf([] { ToDate(QStringLiteral("abc")); }), 13);
+    EXPECT_EQ(test::ErrorNumberOf([] { ToDate(QStringLiteral("2024-02-30")); }), 13);
+    EXPECT_EQ(test::ErrorNumberOf([] { DateTextDash(QStringLiteral("abc")); }), 13);
 }
 
 TEST(ValueRulesText, CrLfPairsGoInOnePass) {
@@ -151,9 +141,9 @@ TEST(ValueRulesText, ParkingTestIsContainment) {
 TEST(ValueRulesText, DatabaseValues) {
     EXPECT_EQ(TextOf(QVariant(12)), "12");
     EXPECT_EQ(TextOrEmpty(QVariant()), "");
-    EXPECT_EQ(ErrorNumberOf([] { TextOf(QVariant()); }), 94);
+    EXPECT_EQ(test::ErrorNumberOf([] { TextOf(QVariant()); }), 94);
     EXPECT_EQ(NumberOf(QVariant(qlonglong(7))), 7);
     EXPECT_EQ(NumberOf(QVariant(2.675)), 2.675);
     EXPECT_EQ(NumberOf(QVariant(QStringLiteral(" 12.5 "))), 12.5);
-    EXPECT_EQ(ErrorNumberOf([] { NumberOf(QVariant()); }), 94);
+    EXPECT_EQ(test::ErrorNumberOf([] { NumberOf(QVariant()); }), 94);
 }

@@ -4,20 +4,12 @@
 
 #include "core/RuntimeError.h"
 #include "db/DatabaseSession.h"
+#include "support/ErrorNumber.h"
 #include "support/TestDatabase.h"
 
 using namespace yunqi;
 
 namespace {
-
-long ErrorNumber(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
 
 // Chinese names and values, a Null, by name and by position.
 void ReadsTheLedger(DatabaseSession& session) {
@@ -101,11 +93,11 @@ TEST_F(RecordsetTest, NestedRecordsetsStayReadable) {
 TEST_F(RecordsetTest, ErrorsCarryTheDriversNumbers) {
     auto session = db.Session();
     Recordset rs = session->Open("Select 票据编号 From 票据 Where 票据编号='001'");
-    EXPECT_EQ(ErrorNumber([&] { rs.IndexOf("付款人"); }), 3265);
-    EXPECT_EQ(ErrorNumber([&] { rs.Value(1); }), 3265);
+    EXPECT_EQ(test::ErrorNumberOf([&] { rs.IndexOf("付款人"); }), 3265);
+    EXPECT_EQ(test::ErrorNumberOf([&] { rs.Value(1); }), 3265);
     rs.MoveNext();
-    EXPECT_EQ(ErrorNumber([&] { rs.Value(0); }), 3021);
-    EXPECT_EQ(ErrorNumber([&] { rs.MoveNext(); }), 3021);
+    EXPECT_EQ(test::ErrorNumberOf([&] { rs.Value(0); }), 3021);
+    EXPECT_EQ(test::ErrorNumberOf([&] { rs.MoveNext(); }), 3021);
     try {
         session->Open("Select 无此列 From 票据");
         ADD_FAILURE();

@@ -8,21 +8,9 @@
 #include <tuple>
 
 #include "core/RuntimeError.h"
+#include "support/ErrorNumber.h"
 
 using namespace yunqi;
-
-namespace {
-
-long ErrorNumberOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
-
-}  // namespace
 
 // A new grid is the control's: two by two, one fixed row and column, no merging.
 TEST(FlexGridState, StartsAsTheControlDoes) {
@@ -80,12 +68,12 @@ TEST(FlexGridState, CurrentCellFollowsShrinkAndIsChecked) {
     g.SetCols(2);
     EXPECT_EQ(std::make_pair(g.Row(), g.Col()), std::make_pair(2, 1));
 
-    EXPECT_EQ(ErrorNumberOf([&] { g.SetRow(3); }), 30009);
-    EXPECT_EQ(ErrorNumberOf([&] { g.SetCol(-1); }), 30010);
-    EXPECT_EQ(ErrorNumberOf([&] { g.TextMatrix(3, 0); }), 381);
-    EXPECT_EQ(ErrorNumberOf([&] { g.SetTextMatrix(0, 2, "x"); }), 381);
-    EXPECT_EQ(ErrorNumberOf([&] { g.ColWidth(2); }), 381);
-    EXPECT_EQ(ErrorNumberOf([&] { g.SetRowHeight(3, 600); }), 381);
+    EXPECT_EQ(test::ErrorNumberOf([&] { g.SetRow(3); }), 30009);
+    EXPECT_EQ(test::ErrorNumberOf([&] { g.SetCol(-1); }), 30010);
+    EXPECT_EQ(test::ErrorNumberOf([&] { g.TextMatrix(3, 0); }), 381);
+    EXPECT_EQ(test::ErrorNumberOf([&] { g.SetTextMatrix(0, 2, "x"); }), 381);
+    EXPECT_EQ(test::ErrorNumberOf([&] { g.ColWidth(2); }), 381);
+    EXPECT_EQ(test::ErrorNumberOf([&] { g.SetRowHeight(3, 600); }), 381);
 }
 
 // Two header rows as the ticket statements lay them, row 0 marked: equal
