@@ -88,12 +88,12 @@ int main(int argc, char** argv) {
     auto session = DatabaseSession::OpenEmbedded(ledger);
     InvoiceStatement statement(*session);
     StatementConditions k{"01", "", "'01','02','03','04'", QDate(2024, 1, 1), QDate(2024, 12, 31)};
-    FlexGrid grid1, grid2 = SplitRatios::NewGrid();
-    statement.ExtractFeeItems(k, grid2, grid1);
-    statement.RunStatistics(k, grid2, 30);
+    FlexGrid statementGrid, ratios = SplitRatios::NewGrid();
+    statement.ExtractFeeItems(k, ratios, statementGrid);
+    statement.RunStatistics(k, ratios, 30);
     const int u = statement.Rows().UpperBound();
     out << "statement: " << u << " rows, " << statement.FeeItems().size() - 1 << " fee items, "
-        << grid1.Cols() << " columns; peak before export " << PeakMb() << " MB\n";
+        << statementGrid.Cols() << " columns; peak before export " << PeakMb() << " MB\n";
 
     RecordingDialogs dialogs;
     const QString file = dir.filePath("invoice.xlsx");
@@ -103,7 +103,7 @@ int main(int argc, char** argv) {
     // Rows go to the file as they are composed.
     StreamXlsx(file, [&](SheetModel& sheet) {
         statement.WriteSheet(sheet, steps,
-                             {grid1, "【云栖苑】增值税开票明细表", "01 云栖苑【GY01】", k});
+                             {statementGrid, "【云栖苑】增值税开票明细表", "01 云栖苑【GY01】", k});
     });
     const double seconds = clock.nsecsElapsed() / 1e9;
     out << QString::asprintf("export: %.3f s, %lld bytes, peak %.0f MB\n", seconds,
@@ -111,7 +111,7 @@ int main(int argc, char** argv) {
 
     const QString yardstick = QCoreApplication::applicationDirPath() + "/xlsx_yardstick_bench";
     QProcess bare;
-    bare.start(yardstick, {QString::number(u), QString::number(grid1.Cols() - 9),
+    bare.start(yardstick, {QString::number(u), QString::number(statementGrid.Cols() - 9),
                            dir.filePath("yardstick.xlsx")});
     bare.waitForFinished(-1);
     const QString report = QString::fromUtf8(bare.readAllStandardOutput()).trimmed();

@@ -78,24 +78,24 @@ int main(int argc, char** argv) {
     k.To = QDate(2024, 1, 31);
     const double before = StatusMiB("VmRSS:");
     ParkingStatement statement(*session);
-    FlexGrid grid1, grid2 = SplitRatios::NewGrid();
-    statement.ExtractFeeItems(k, grid2, grid1);
-    statement.BuildGridHeader(grid1, grid2);
+    FlexGrid statementGrid, ratios = SplitRatios::NewGrid();
+    statement.ExtractFeeItems(k, ratios, statementGrid);
+    statement.BuildGridHeader(statementGrid, ratios);
     QElapsedTimer clock;
     clock.start();
-    statement.RunStatistics(k, grid2, 30);
+    statement.RunStatistics(k, ratios, 30);
     const double ms = clock.nsecsElapsed() / 1e6;
     out << "statement of " << statement.UpperBound() << " rows, " << statement.FeeColumnCount()
         << " money columns: " << QString::asprintf("%.0f ms\n", ms);
     out << QString::asprintf("resident before the run %.1f MiB, peak after it %.1f MiB\n", before,
                              StatusMiB("VmHWM:"));
-    statement.ShowPage(grid1, 1, 30, EstimatedTextMeasure());
+    statement.ShowPage(statementGrid, 1, 30, EstimatedTextMeasure());
     RecordingDialogs dialogs;
     ExportFrame::ExportSteps steps(nullptr, dialogs);
     QTemporaryDir folder;
     StreamXlsx(folder.filePath("parking.xlsx"), [&](SheetModel& sheet) {
         statement.WriteSheet(sheet, steps,
-                             {grid1, QStringLiteral("【云栖苑】停车费明细表"),
+                             {statementGrid, QStringLiteral("【云栖苑】停车费明细表"),
                               QStringLiteral("01 云栖苑【GY01】"), k});
     });
     out << QString::asprintf("peak with a page shown and the workbook written: %.1f MiB\n",

@@ -38,25 +38,25 @@ Timed RunOnce(const ReportDefinition& report, const QString& db, const Statement
     auto session = DatabaseSession::OpenEmbedded(db);
     Timed t;
     session->SetSqlLog([&](const QString& s) { t.sql << s; });
-    FlexGrid grid1, grid2 = SplitRatios::NewGrid();
+    FlexGrid statementGrid, ratios = SplitRatios::NewGrid();
     QElapsedTimer clock;
     if (report.conditions == ConditionsKind::YearMonths) {
         auto statement = MakeStatement<MonthlyStatement>(report, *session);
         statement->LoadInvoiceTypes();
         clock.start();
-        statement->ExtractFeeItems(k, grid1);
-        statement->RunReconciliation(k, grid1);
+        statement->ExtractFeeItems(k, statementGrid);
+        statement->RunReconciliation(k, statementGrid);
         t.statementMs = clock.nsecsElapsed() / 1e6;
-        t.rows = grid1.Rows() - 2;
+        t.rows = statementGrid.Rows() - 2;
         t.sql.removeFirst();  // the types, read at load
         return t;
     }
     auto statement = MakeStatement<PagedStatement>(report, *session);
     clock.start();
-    statement->ExtractFeeItems(k, grid2, grid1);
-    statement->BuildGridHeader(grid1, grid2);
+    statement->ExtractFeeItems(k, ratios, statementGrid);
+    statement->BuildGridHeader(statementGrid, ratios);
     try {
-        statement->RunStatistics(k, grid2, 30);
+        statement->RunStatistics(k, ratios, 30);
     } catch (const RuntimeError& e) {
         // The parking statement's closing loops stop past 32,767 rows, after
         // the whole result has been read.
@@ -180,11 +180,11 @@ int main(int argc, char** argv) {
     k.From = QDate(2000, 1, 1);
     k.To = QDate(2099, 12, 31);
     auto statement = MakeStatement<PagedStatement>(*report, *session);
-    FlexGrid grid1, grid2 = SplitRatios::NewGrid();
-    statement->ExtractFeeItems(k, grid2, grid1);
-    statement->BuildGridHeader(grid1, grid2);
+    FlexGrid statementGrid, ratios = SplitRatios::NewGrid();
+    statement->ExtractFeeItems(k, ratios, statementGrid);
+    statement->BuildGridHeader(statementGrid, ratios);
     try {
-        if (!statement->RunStatistics(k, grid2, 30)) return 0;
+        if (!statement->RunStatistics(k, ratios, 30)) return 0;
     } catch (const RuntimeError& e) {
         out << "long statement ended by run-time error " << e.number() << "\n";
         return 0;
@@ -196,7 +196,7 @@ int main(int argc, char** argv) {
         QElapsedTimer clock;
         clock.start();
         const int repeat = 200;
-        for (int i = 0; i < repeat; ++i) statement->ShowPage(grid1, page, 30, measure);
+        for (int i = 0; i < repeat; ++i) statement->ShowPage(statementGrid, page, 30, measure);
         out << QString::asprintf("ShowPage page %d: %.3f ms\n", page,
                                  clock.nsecsElapsed() / 1e6 / repeat);
     }

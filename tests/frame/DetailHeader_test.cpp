@@ -22,12 +22,12 @@ class InvoiceHeader : public TicketLedger<InvoiceStatement> {
         }
         session = db.Session();
         statement = std::make_unique<InvoiceStatement>(*session);
-        statement->InitGridHeader(grid1);
-        statement->ExtractFeeItems(conditions, grid2, grid1);
+        statement->InitGridHeader(statementGrid);
+        statement->ExtractFeeItems(conditions, ratios, statementGrid);
     }
     QStringList HeaderRow(int row) const {
         QStringList texts;
-        for (int c = 0; c < grid1.Cols(); ++c) texts << grid1.TextMatrix(row, c);
+        for (int c = 0; c < statementGrid.Cols(); ++c) texts << statementGrid.TextMatrix(row, c);
         return texts;
     }
 };
@@ -48,16 +48,16 @@ TEST_F(InvoiceHeader, ItemsLayTwoOrThreeMoneyColumnsEach) {
 
 TEST_F(InvoiceHeader, PercentagesAreMatchedByCodeAndTakenAtTheNextBuild) {
     Extract({{"04", "临停", "0.05", "停车收费"}});
-    ASSERT_EQ(grid2.Rows(), 3);
+    ASSERT_EQ(ratios.Rows(), 3);
     // The rows swapped: each item must find its own by the hidden code.
     const QStringList rows[] = {{"'04'", "60", "40"}, {"'02'", "87.5", "12.5"}};
     for (int r = 1; r <= 2; ++r) {
-        grid2.SetTextMatrix(r, SplitRatios::kCodeCol, rows[r - 1][0]);
-        grid2.SetTextMatrix(r, SplitRatios::kDeveloperCol, rows[r - 1][1]);
-        grid2.SetTextMatrix(r, SplitRatios::kPropertyCol, rows[r - 1][2]);
+        ratios.SetTextMatrix(r, SplitRatios::kCodeCol, rows[r - 1][0]);
+        ratios.SetTextMatrix(r, SplitRatios::kDeveloperCol, rows[r - 1][1]);
+        ratios.SetTextMatrix(r, SplitRatios::kPropertyCol, rows[r - 1][2]);
     }
-    EXPECT_EQ(grid1.TextMatrix(1, 8), "开发商70%");
-    statement->BuildGridHeader(grid1, grid2);
+    EXPECT_EQ(statementGrid.TextMatrix(1, 8), "开发商70%");
+    statement->BuildGridHeader(statementGrid, ratios);
     EXPECT_EQ(HeaderRow(1).mid(8, 5),
               (QStringList{"开发商87.5%", "物业12.5%", "税额5%", "开发商60%", "物业40%"}));
 }

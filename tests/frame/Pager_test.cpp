@@ -90,27 +90,27 @@ TEST_P(PagedStatements, PagesTogetherAreTheWholeStatement) {
     const StatementConditions conditions{"D1", "GY01", Conditions::LoadInvoiceTypes(*session),
                                          QDate(2024, 3, 1), QDate(2024, 3, 31)};
     auto statement = MakeStatement<PagedStatement>(*GetParam(), *session);
-    FlexGrid grid1, grid2 = SplitRatios::NewGrid();
-    statement->InitGridHeader(grid1);
-    statement->ExtractFeeItems(conditions, grid2, grid1);
-    ASSERT_EQ(grid2.Rows(), 2);
-    grid2.SetTextMatrix(1, SplitRatios::kDeveloperCol, "66.7");
-    grid2.SetTextMatrix(1, SplitRatios::kPropertyCol, "33.3");
-    statement->BuildGridHeader(grid1, grid2);
+    FlexGrid statementGrid, ratios = SplitRatios::NewGrid();
+    statement->InitGridHeader(statementGrid);
+    statement->ExtractFeeItems(conditions, ratios, statementGrid);
+    ASSERT_EQ(ratios.Rows(), 2);
+    ratios.SetTextMatrix(1, SplitRatios::kDeveloperCol, "66.7");
+    ratios.SetTextMatrix(1, SplitRatios::kPropertyCol, "33.3");
+    statement->BuildGridHeader(statementGrid, ratios);
     QFile golden(QStringLiteral(YUNQI_TEST_DIR "/fixtures/golden/") + GetParam()->command +
                  "/statement.csv");
     ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
     const QString whole = QString::fromUtf8(golden.readAll()).section('\n', 2);
-    ASSERT_TRUE(statement->RunStatistics(conditions, grid2, 1));
+    ASSERT_TRUE(statement->RunStatistics(conditions, ratios, 1));
     const int records = statement->UpperBound();
     for (int size = 1; size <= records + 1; ++size) {
         SCOPED_TRACE(size);
-        ASSERT_TRUE(statement->RunStatistics(conditions, grid2, size));
+        ASSERT_TRUE(statement->RunStatistics(conditions, ratios, size));
         ASSERT_EQ(statement->PageCount(), (records + size - 1) / size);
         QString pages;
         for (int page = 1; page <= statement->PageCount(); ++page) {
-            statement->ShowPage(grid1, page, size, EstimatedTextMeasure());
-            pages += GridCsv(grid1, 2);
+            statement->ShowPage(statementGrid, page, size, EstimatedTextMeasure());
+            pages += GridCsv(statementGrid, 2);
         }
         EXPECT_EQ(pages, whole);
     }

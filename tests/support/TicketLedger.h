@@ -30,8 +30,8 @@ class TicketLedger : public ::testing::Test {
     bool Run(int pageSize = 1000) {
         session = db.Session();
         statement = std::make_unique<Statement>(*session);
-        statement->ExtractFeeItems(conditions, grid2, grid1);
-        return statement->RunStatistics(conditions, grid2, pageSize);
+        statement->ExtractFeeItems(conditions, ratios, statementGrid);
+        return statement->RunStatistics(conditions, ratios, pageSize);
     }
 
     const DetailRows& Rows() const { return statement->Rows(); }
@@ -44,8 +44,8 @@ class TicketLedger : public ::testing::Test {
 
     TestDatabase db;
     StatementConditions conditions;
-    FlexGrid grid1;
-    FlexGrid grid2 = SplitRatios::NewGrid();
+    FlexGrid statementGrid;
+    FlexGrid ratios = SplitRatios::NewGrid();
     std::unique_ptr<DatabaseSession> session;
     std::unique_ptr<Statement> statement;
 };

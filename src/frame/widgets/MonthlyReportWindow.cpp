@@ -81,7 +81,7 @@ void MonthlyReportWindow::Load() {
     statement_->InitGridHeader(MutableGrid1());
     Grid1View()->Refresh();
     LoadDepartments();
-    MutableConditions().InvoiceTypeList = statement_->LoadInvoiceTypes();
+    MutableChosenConditions().InvoiceTypeList = statement_->LoadInvoiceTypes();
     Relayout();
 }
 
@@ -116,9 +116,9 @@ void MonthlyReportWindow::RunReconciliation() {
     // What a stopped run puts back.
     std::unique_ptr<MonthlyStatement> kept = statement_->Clone();
     const FlexGrid shownGrid = Grid1();
-    const StatementConditions before = Conditions();
+    const StatementConditions before = ChosenConditions();
     TakeDepartment();
-    StatementConditions& k = MutableConditions();
+    StatementConditions& k = MutableChosenConditions();
     k.Year = combo1_->currentText();
     k.FromMonth = combo2_->currentText();
     k.ToMonth = combo3_->currentText();
@@ -156,7 +156,7 @@ void MonthlyReportWindow::RunReconciliation() {
 
 ExportFrame::ExportRequest MonthlyReportWindow::MakeExportRequest() {
     // The export reads the combos as they stand now.
-    StatementConditions shown = Conditions();
+    StatementConditions shown = ChosenConditions();
     shown.Year = combo1_->currentText();
     shown.FromMonth = combo2_->currentText();
     shown.ToMonth = combo3_->currentText();

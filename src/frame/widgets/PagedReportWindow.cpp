@@ -150,7 +150,7 @@ void PagedReportWindow::Load() {
     statement_->InitGridHeader(MutableGrid1());
     Grid1View()->Refresh();
     LoadDepartments();
-    MutableConditions().InvoiceTypeList = Conditions::LoadInvoiceTypes(Session());
+    MutableChosenConditions().InvoiceTypeList = Conditions::LoadInvoiceTypes(Session());
 }
 
 void PagedReportWindow::ClickCommand3() {
@@ -161,9 +161,9 @@ void PagedReportWindow::ClickCommand3() {
         if (*problem == Conditions::ConditionProblem::EndBeforeStart) to_->setFocus();
         return;
     }
-    const StatementConditions before = Conditions();
+    const StatementConditions before = ChosenConditions();
     TakeDepartment();
-    StatementConditions& conditions = MutableConditions();
+    StatementConditions& conditions = MutableChosenConditions();
     conditions.From = from_->date();
     conditions.To = to_->date();
     SetHourglass();
@@ -214,7 +214,7 @@ void PagedReportWindow::ClickCommand6() {
     // What a stopped run puts back.
     std::unique_ptr<PagedStatement> kept = statement_->Clone();
     const FlexGrid shownGrid = Grid1();
-    const StatementConditions before = Conditions();
+    const StatementConditions before = ChosenConditions();
     const int shownPage = currentPage_;
     const bool ranBefore = ran_;
     // Command6 stays disabled after the run: only a new extraction enables it.
@@ -225,7 +225,7 @@ void PagedReportWindow::ClickCommand6() {
     Grid1View()->Refresh();
     ShowBusyPanel(Texts().runningText);
     // The dates are read again, as the pickers stand now.
-    StatementConditions& conditions = MutableConditions();
+    StatementConditions& conditions = MutableChosenConditions();
     conditions.From = from_->date();
     conditions.To = to_->date();
     ran_ = true;
@@ -325,7 +325,7 @@ void PagedReportWindow::EnterTxtGrd() {
 
 ExportFrame::ExportRequest PagedReportWindow::MakeExportRequest() {
     // The workbook's date line reads the pickers as they stand now.
-    StatementConditions shown = Conditions();
+    StatementConditions shown = ChosenConditions();
     shown.From = from_->date();
     shown.To = to_->date();
     const QString title = TitleText();

@@ -38,7 +38,7 @@ class DatabaseSession;
 //
 // A variant (PagedReportWindow; the reconciliation window) runs the rest of
 // its load in its constructor: its header into MutableGrid1(),
-// LoadDepartments(), its invoice types into MutableConditions(). It wires
+// LoadDepartments(), its invoice types into MutableChosenConditions(). It wires
 // its buttons with OnClick(), overrides MakeExportRequest(), and where its
 // pane differs LayoutConditionPane() (the reconciliation keeps Picture6 at
 // the bottom of the pane with List1 above it) and LayoutResultArea() (the
@@ -60,7 +60,8 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
         return controls_.Get<T>(name);
     }
     const FlexGrid& Grid1() const { return grid1_; }
-    const StatementConditions& Conditions() const { return conditions_; }
+    // The conditions chosen so far: department, dates or months, invoice types.
+    const StatementConditions& ChosenConditions() const { return conditions_; }
     QString TitleText() const { return title_->text(); }
     // The selected List1 entry, or an empty text.
     QString SelectedEntry() const;
@@ -79,7 +80,7 @@ class ReportWindow : public QWidget, private ExportFrame::ExportControls {
     const ReportDefinition& Report() const { return report_; }
     const ReportTexts& Texts() const { return report_.texts; }
     DatabaseSession& Session() const { return session_; }
-    StatementConditions& MutableConditions() { return conditions_; }
+    StatementConditions& MutableChosenConditions() { return conditions_; }
     FlexGrid& MutableGrid1() { return grid1_; }
     FlexGridView* Grid1View() const { return view1_; }
     QListWidget* List1() const { return list1_; }

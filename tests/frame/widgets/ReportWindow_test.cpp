@@ -435,7 +435,7 @@ TEST_F(InvoiceWindowTest, ChecksConditionsClosesAndOpensFreshAtItsDesignSizeOnce
     EXPECT_FALSE(Child<QPushButton>(w, "Command6")->isEnabled());
     EXPECT_TRUE(w->SelectedEntry().isEmpty());
     EXPECT_EQ(w->Grid2().Rows(), 1);
-    EXPECT_TRUE(w->Conditions().DeptCode.isEmpty());
+    EXPECT_TRUE(w->ChosenConditions().DeptCode.isEmpty());
     for (const auto& [panel, text] : std::vector<std::pair<const char*, QString>>{
              {"Panel2", "张三"},
              {"Panel4", "财务部"},
@@ -484,30 +484,30 @@ TEST_F(InvoiceWindowTest, ChecksConditionsClosesAndOpensFreshAtItsDesignSizeOnce
 TEST_F(InvoiceWindowTest, RatioEditorOnDataCellsEnterAndTheSumRule) {
     PagedReportWindow* w = Open();
     Extract(w);
-    auto* grid2 = Child<FlexGridView>(w, "MSFlexGrid2");
+    auto* ratioView = Child<FlexGridView>(w, "MSFlexGrid2");
     auto* editor = Child<QLineEdit>(w, "txtGRD");
     ASSERT_EQ(w->Grid2().Rows(), 2);
     // The editor lies over the cell it edits.
     auto expectOver = [&](int col) {
-        const QRect cell = grid2->CellRect(1, col);
-        EXPECT_EQ(QRect(grid2->mapTo(editor->parentWidget(), cell.topLeft()), cell.size()),
+        const QRect cell = ratioView->CellRect(1, col);
+        EXPECT_EQ(QRect(ratioView->mapTo(editor->parentWidget(), cell.topLeft()), cell.size()),
                   editor->geometry());
     };
     // The headings of the shares are no cells to edit.
     for (int col : {2, 3}) {
-        ClickCell(grid2, 0, col);
+        ClickCell(ratioView, 0, col);
         EXPECT_FALSE(editor->isVisible()) << col;
     }
     // Both shares in sight: the item names give up what the grid lacks.
-    EXPECT_FALSE(grid2->horizontalScrollBar()->isVisible());
-    ClickCell(grid2, 1, 2);
+    EXPECT_FALSE(ratioView->horizontalScrollBar()->isVisible());
+    ClickCell(ratioView, 1, 2);
     ASSERT_TRUE(editor->isVisible());
     EXPECT_EQ(editor->text(), "70");
     expectOver(2);
-    ClickCell(grid2, 1, 1);  // elsewhere: closed
+    ClickCell(ratioView, 1, 1);  // elsewhere: closed
     EXPECT_FALSE(editor->isVisible());
 
-    ClickCell(grid2, 1, 2);
+    ClickCell(ratioView, 1, 2);
     Type(editor, "60");
     EXPECT_EQ(w->Grid2().Col(), 3);  // Enter goes on to the property company's share
     ASSERT_TRUE(editor->isVisible());
@@ -520,9 +520,9 @@ TEST_F(InvoiceWindowTest, RatioEditorOnDataCellsEnterAndTheSumRule) {
     Type(editor, "30");
     EXPECT_FALSE(editor->isVisible());
     EXPECT_EQ(dialogs.texts().size(), 1);
-    EXPECT_EQ(grid2->model()->index(1, 2).data().toString(), "70");
+    EXPECT_EQ(ratioView->model()->index(1, 2).data().toString(), "70");
 
-    ClickCell(grid2, 1, 3);
+    ClickCell(ratioView, 1, 3);
     ASSERT_TRUE(editor->isVisible());
     EXPECT_EQ(editor->text(), "30");
     expectOver(3);
@@ -546,7 +546,7 @@ TEST_F(InvoiceWindowTest, ArrowKeysCarryTheTitleAndATallerWindowShowsTheEndOfThe
     // Command3 reads the department the keys chose.
     SetDates(w, QDate(2024, 3, 1), QDate(2024, 3, 31));
     ClickButton(w, "Command3");
-    EXPECT_EQ(w->Conditions().DeptCode, "02");
+    EXPECT_EQ(w->ChosenConditions().DeptCode, "02");
     EXPECT_EQ(dialogs.texts().last(), "没有满足条件的开票数据,请重新设置条件!");
     QTest::keyClick(list, Qt::Key_Up);
     Settle();

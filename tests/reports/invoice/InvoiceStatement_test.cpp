@@ -112,7 +112,7 @@ TEST_F(InvoiceStatementRows, APayerWiderThanItsColumnMakesItsRowTaller) {
             .amount = 10,
             .payer = "一个很长很长很长很长很长很长很长很长很长很长的付款人名称"});
     ASSERT_TRUE(Run());
-    statement->ShowPage(grid1, 1, 1000, EstimatedTextMeasure());
-    EXPECT_NE(grid1.RowHeight(2), 600);
-    EXPECT_EQ(grid1.RowHeight(3), 600);
+    statement->ShowPage(statementGrid, 1, 1000, EstimatedTextMeasure());
+    EXPECT_NE(statementGrid.RowHeight(2), 600);
+    EXPECT_EQ(statementGrid.RowHeight(3), 600);
 }

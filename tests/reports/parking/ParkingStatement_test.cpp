@@ -40,16 +40,16 @@ class ParkingRows : public TicketLedger<ParkingStatement> {
     void Extract() {
         session = db.Session();
         statement = std::make_unique<ParkingStatement>(*session);
-        statement->InitGridHeader(grid1);
-        statement->ExtractFeeItems(conditions, grid2, grid1);
+        statement->InitGridHeader(statementGrid);
+        statement->ExtractFeeItems(conditions, ratios, statementGrid);
     }
     bool Statistics() {
-        statement->BuildGridHeader(grid1, grid2);
-        return statement->RunStatistics(conditions, grid2, 1000);
+        statement->BuildGridHeader(statementGrid, ratios);
+        return statement->RunStatistics(conditions, ratios, 1000);
     }
     void SetRatio(int row, const QString& developer, const QString& property) {
-        grid2.SetTextMatrix(row, SplitRatios::kDeveloperCol, developer);
-        grid2.SetTextMatrix(row, SplitRatios::kPropertyCol, property);
+        ratios.SetTextMatrix(row, SplitRatios::kDeveloperCol, developer);
+        ratios.SetTextMatrix(row, SplitRatios::kPropertyCol, property);
     }
     // The rows' ticket ranges and labels, in order.
     QStringList Ranges() const {
@@ -102,9 +102,9 @@ TEST_F(ParkingRows, MixedBatchTakesKindOfItsLastAndMethodOfItsFirst) {
     EXPECT_EQ(Rows().TicketKind(3), ParkingStatement::kElectronic);
     EXPECT_EQ(Breakdown(), (QStringList{"现金=30", "支付宝=20"}));
     // An electronic batch in the column of its own, a paper one in the first.
-    statement->ShowPage(grid1, 1, 1000, EstimatedTextMeasure());
-    EXPECT_EQ(grid1.TextMatrix(2, 1) + '|' + grid1.TextMatrix(2, 2), "|A - B");
-    EXPECT_EQ(grid1.TextMatrix(3, 1) + '|' + grid1.TextMatrix(3, 2), "C - D|");
+    statement->ShowPage(statementGrid, 1, 1000, EstimatedTextMeasure());
+    EXPECT_EQ(statementGrid.TextMatrix(2, 1) + '|' + statementGrid.TextMatrix(2, 2), "|A - B");
+    EXPECT_EQ(statementGrid.TextMatrix(3, 1) + '|' + statementGrid.TextMatrix(3, 2), "C - D|");
 }
 
 TEST_F(ParkingRows, EachTicketIsSplitAndRoundedBeforeAdding) {
@@ -177,13 +177,13 @@ TEST_F(ParkingRows, ExtractionFailureIsShownAndKeepsWhatWasThere) {
     ASSERT_EQ(statement->FeeItems().size(), 2u);
     // The statement no longer opens: the items of the last extraction stay.
     db.Exec("DROP TABLE setupsfxm");
-    statement->ExtractFeeItems(conditions, grid2, grid1);
+    statement->ExtractFeeItems(conditions, ratios, statementGrid);
     EXPECT_EQ(statement->FeeItems().size(), 2u);
     // On a fresh window there is nothing, and no header is laid.
     Extract();
     SetAppDialogs(nullptr);
     EXPECT_EQ(statement->FeeItems().size(), 1u);
-    EXPECT_EQ(grid1.Cols(), 4);
+    EXPECT_EQ(statementGrid.Cols(), 4);
     ASSERT_EQ(dialogs.messages.size(), 2u);
     // The number with a blank for its sign, the description straight after it.
     EXPECT_TRUE(dialogs.messages[0].text.startsWith(' '));
@@ -226,10 +226,10 @@ TEST_F(ParkingRows, StatisticsTextOfTwoItemsWithRatios30And12_5) {
     Add({.no = "2", .issued = "2024-03-02 09:00:00", .amount = 105, .item = "08", .tax = "5"});
     db.Add({.no = "3", .issued = "2024-03-03 09:00:00", .amount = 106, .tax = "6"});
     Extract();
-    ASSERT_EQ(grid2.Rows(), 3);
+    ASSERT_EQ(ratios.Rows(), 3);
     SetRatio(2, "87.5", "12.5");
     QFile golden(YUNQI_TEST_DIR "/fixtures/golden/parking/statistics_two_items.sql");
     ASSERT_TRUE(golden.open(QIODevice::ReadOnly));
-    EXPECT_EQ(statement->StatisticsSql(conditions, grid2) + '\n',
+    EXPECT_EQ(statement->StatisticsSql(conditions, ratios) + '\n',
               QString::fromUtf8(golden.readAll()));
 }

@@ -47,6 +47,6 @@ TEST_F(PreInvoiceRows, AFailureIsShownByTheTrapAndGivesNoRows) {
     // The extraction's trap has the same form: no type list, no items.
     dialogs.messages.clear();
     conditions.InvoiceTypeList.clear();
-    EXPECT_TRUE(statement->ExtractFeeItems(conditions, grid2, grid1));
+    EXPECT_TRUE(statement->ExtractFeeItems(conditions, ratios, statementGrid));
     EXPECT_EQ(dialogs.texts(), QStringList{"102Incorrect syntax near ')'."});
 }

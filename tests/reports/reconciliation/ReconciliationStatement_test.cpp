@@ -129,14 +129,15 @@ class ReconciliationRows : public ::testing::Test {
         session = db.Session();
         statement = std::make_unique<ReconciliationStatement>(*session);
         conditions.InvoiceTypeList = statement->LoadInvoiceTypes();
-        statement->InitGridHeader(grid1);
-        statement->ExtractFeeItems(conditions, grid1);
-        if (statement->FeeItems().size() > 1) statement->RunReconciliation(conditions, grid1);
+        statement->InitGridHeader(statementGrid);
+        statement->ExtractFeeItems(conditions, statementGrid);
+        if (statement->FeeItems().size() > 1)
+            statement->RunReconciliation(conditions, statementGrid);
     }
 
     TestDatabase db;
     StatementConditions conditions;
-    FlexGrid grid1;
+    FlexGrid statementGrid;
     std::unique_ptr<DatabaseSession> session;
     std::unique_ptr<ReconciliationStatement> statement;
 };
@@ -151,9 +152,9 @@ TEST_F(ReconciliationRows, Cases) {
                    *t.voided ? QString(t.voided) : QString());
         conditions.FromMonth = c.from;
         conditions.ToMonth = c.to;
-        grid1 = FlexGrid();
+        statementGrid = FlexGrid();
         Run();
-        QStringList body = GridCsv(grid1, 2).split('\n');
+        QStringList body = GridCsv(statementGrid, 2).split('\n');
         body.removeLast();
         EXPECT_EQ(body, c.body);
     }
@@ -176,8 +177,8 @@ TEST_F(ReconciliationRows, AFailedExtractionIsTrappedAndShown) {
     ASSERT_GT(statement->FeeItems().size(), 1u);
     dialogs.messages.clear();
     conditions.InvoiceTypeList.clear();
-    EXPECT_TRUE(statement->FillCollectedPreInvoiced(conditions, grid1));
-    EXPECT_TRUE(statement->FillUncollectedPreInvoiced(conditions, grid1));
+    EXPECT_TRUE(statement->FillCollectedPreInvoiced(conditions, statementGrid));
+    EXPECT_TRUE(statement->FillUncollectedPreInvoiced(conditions, statementGrid));
     EXPECT_EQ(dialogs.texts(), QStringList(2, "102Incorrect syntax near ')'."));
     SetAppDialogs(nullptr);
 }
