@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/BatchOptions.h"
+#include "reports/Reports.h"
 
 using namespace yunqi;
 
@@ -101,10 +102,15 @@ TEST(StatementOptionsTest, EachProblemNamesItsOption) {
 
 TEST(BatchOptionsTest, ValuesAndTheBatchsOwnShapes) {
     const QStringList base{"--month", "2024-02", "--out", "o"};
+    // "--report wants invoice, preinvoice, parking or reconciliation, not invoices"
+    QStringList commands;
+    for (const ReportDefinition* report : AllReports()) commands << report->command;
+    const QString last = commands.takeLast();
+    const QByteArray reportProblem =
+        ("--report wants " + commands.join(", ") + " or " + last + ", not invoices").toUtf8();
     const std::pair<QStringList, const char*> cases[] = {
         {{"--jobs", "257"}, "--jobs wants a number from 1 to 256, not 257"},
-        {{"--report", "invoices"},
-         "--report wants invoice, preinvoice, parking or reconciliation, not invoices"},
+        {{"--report", "invoices"}, reportProblem.constData()},
         {{"--ratio", "7=60/x"}, "--ratio 7=60/x: the 物业 share x is no number"},
         {{"--ratio", "7=60/40", "--ratio", "7=50/50"}, "--ratio for item 7 given twice"},
         {{"--timeout", "abc"},
