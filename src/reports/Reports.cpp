@@ -2,12 +2,16 @@
 
 #include <algorithm>
 
-// One line per report: its definition, exported by its folder.
+// One line per report: its definition, exported by its folder. Every line
+// ends in a backslash, so that a new one touches no other.
+// clang-format off
 #define YUNQI_REPORTS(X) \
-    X(InvoiceReport)     \
-    X(PreInvoiceReport)  \
-    X(ParkingReport)     \
-    X(ReconciliationReport)
+    X(InvoiceReport) \
+    X(PreInvoiceReport) \
+    X(ParkingReport) \
+    X(ReconciliationReport) \
+    /* the list ends here */
+// clang-format on
 
 namespace yunqi {
 
