@@ -10,12 +10,12 @@ QList<QStringList> MismatchesOf(const QByteArray& csv) {
     QList<QStringList> found;
     qsizetype pos = 0;
     QStringList top, bottom, row;
-    if (!ReadCsvRecord(csv, pos, top) || !ReadCsvRecord(csv, pos, bottom)) return found;
+    if (!ReadCsvRecord(csv, pos, &top) || !ReadCsvRecord(csv, pos, &bottom)) return found;
     int column = -1;
     for (int c = 0; c < top.size() && c < bottom.size(); ++c)
         if (top[c] == QStringLiteral("核对结果") && bottom[c] == QStringLiteral("差额")) column = c;
     if (column < 3) return found;
-    while (ReadCsvRecord(csv, pos, row)) {
+    while (ReadCsvRecord(csv, pos, &row)) {
         if (row.size() <= column || row[column].isEmpty()) continue;
         bool number = false;
         const double difference = row[column].toDouble(&number);

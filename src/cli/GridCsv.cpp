@@ -72,41 +72,47 @@ void WriteStatementCsv(CsvStream& csv, const PagedStatement& statement,
     }
 }
 
-// Reads RFC 4180 as CsvField writes it.
-bool ReadCsvRecord(const QByteArray& csv, qsizetype& pos, QStringList& fields) {
-    fields.clear();
+// Reads RFC 4180 as CsvField writes it; without fields, only passes over the
+// record.
+bool ReadCsvRecord(const QByteArray& csv, qsizetype& pos, QStringList* fields) {
+    if (fields) fields->clear();
     if (pos >= csv.size()) return false;
     QByteArray field;
+    const auto keep = [&](char ch) {
+        if (fields) field += ch;
+    };
+    const auto end = [&] {
+        if (fields) *fields << QString::fromUtf8(field);
+        field.clear();
+    };
     bool quoted = false;
     for (; pos < csv.size(); ++pos) {
         const char ch = csv[pos];
         if (quoted) {
             if (ch != '"')
-                field += ch;
+                keep(ch);
             else if (pos + 1 < csv.size() && csv[pos + 1] == '"')
-                field += csv[++pos];
+                keep(csv[++pos]);
             else
                 quoted = false;
         } else if (ch == '"') {
             quoted = true;
         } else if (ch == ',') {
-            fields << QString::fromUtf8(field);
-            field.clear();
+            end();
         } else if (ch == '\n') {
             ++pos;
             break;
         } else {
-            field += ch;
+            keep(ch);
         }
     }
-    fields << QString::fromUtf8(field);
+    end();
     return true;
 }
 
 int CsvRecords(const QByteArray& csv) {
     int records = 0;
-    QStringList fields;
-    for (qsizetype pos = 0; ReadCsvRecord(csv, pos, fields);) ++records;
+    for (qsizetype pos = 0; ReadCsvRecord(csv, pos, nullptr);) ++records;
     return records;
 }
 

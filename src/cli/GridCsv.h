@@ -14,9 +14,9 @@ namespace yunqi {
 // The CSV form of the companion: RFC 4180 quoting (only fields holding a
 // comma, a double quote, CR or LF), "\n" line ends, UTF-8 without a mark.
 QString CsvField(const QString& text);
-// Reads one record from pos on (a quoted field may hold line ends); false at
-// the end of the text.
-bool ReadCsvRecord(const QByteArray& csv, qsizetype& pos, QStringList& fields);
+// Reads one record from pos on (a quoted field may hold line ends) into
+// fields, when given; false at the end of the text.
+bool ReadCsvRecord(const QByteArray& csv, qsizetype& pos, QStringList* fields);
 // The records of a CSV text.
 int CsvRecords(const QByteArray& csv);
 // The grid's rows from firstRow on, as one text.
