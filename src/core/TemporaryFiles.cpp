@@ -51,12 +51,6 @@ int Register(const QString& path) {
     return -1;
 }
 
-void Unregister(int slot) {
-    if (slot < 0) return;
-    TableChange change;
-    std::free(registered[slot].exchange(nullptr));
-}
-
 bool RemoveRegistered() {
     bool all = true;
     for (auto& slot : registered)
@@ -97,7 +91,11 @@ os::Handle CreateRegisteredTemporary(const QString& folder, const QString& base,
     return handle;
 }
 
-void UnregisterTemporary(int slot) { Unregister(slot); }
+void UnregisterTemporary(int slot) {
+    if (slot < 0) return;
+    TableChange change;
+    std::free(registered[slot].exchange(nullptr));
+}
 
 void InstallOutputCleanup() {
     const QByteArray test = qgetenv("YUNQI_TEST_SIGNAL_AFTER_TEMPORARY");
