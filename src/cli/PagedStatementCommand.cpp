@@ -13,24 +13,19 @@ namespace yunqi {
 
 namespace {
 
-constexpr int kRows = kStatementRows, kNothing = kStatementNothing,
-              kBadArguments = kStatementBadArguments;
-
-void Say(const QString& text) { SayOnStderr(text); }
-
 // The percentages typed for a parking item, checked as the editor checks them.
 bool ApplyRatios(const std::vector<RatioOption>& typed, bool ifPresent, FlexGrid& ratios) {
     for (const RatioOption& ratio : typed) {
         const int row = SplitRatios::RowOfItem(ratios, ratio.itemCode);
         if (row < 0 && ifPresent) continue;
         if (row < 0) {
-            Say(QStringLiteral("no parking item with code ") + ratio.itemCode +
-                QStringLiteral(" in this window"));
+            SayOnStderr(QStringLiteral("no parking item with code ") + ratio.itemCode +
+                        QStringLiteral(" in this window"));
             return false;
         }
         SplitRatios::SetShares(ratios, row, ratio.developer, ratio.property);
         if (!SplitRatios::SumIsHundred(ratios, row)) {
-            Say(SplitRatios::SumMessage());
+            SayOnStderr(SplitRatios::SumMessage());
             return false;
         }
     }
@@ -44,8 +39,8 @@ int RunPagedStatement(const ReportDefinition& report, const StatementWork& work)
     DatabaseSession& session = work.session;
     const QString& entry = work.entry;
     if (const auto problem = Conditions::CheckConditions(true, o.from, o.to)) {
-        Say(Conditions::MessageOf(*problem));
-        return kBadArguments;
+        SayOnStderr(Conditions::MessageOf(*problem));
+        return kStatementBadArguments;
     }
     StatementConditions conditions{Conditions::DeptCodeOf(entry), Conditions::SiteCodeOf(entry),
                                    Conditions::LoadInvoiceTypes(session), o.from, o.to};
@@ -58,17 +53,17 @@ int RunPagedStatement(const ReportDefinition& report, const StatementWork& work)
     work.progress.Step(QStringLiteral("extracting fee items"));
     work.Check(statement->ExtractFeeItems(conditions, ratios, statementGrid));
     if (statement->FeeItems().size() <= 1) {
-        Say(report.texts.noFeeItemsText);
-        return kNothing;
+        SayOnStderr(report.texts.noFeeItemsText);
+        return kStatementNothing;
     }
-    if (!ApplyRatios(o.ratios, o.ratioIfPresent, ratios)) return kBadArguments;
+    if (!ApplyRatios(o.ratios, o.ratioIfPresent, ratios)) return kStatementBadArguments;
     statement->BuildGridHeader(statementGrid, ratios);
     work.progress.Step(QStringLiteral("computing"));
     const auto run = statement->RunStatistics(conditions, ratios, INT_MAX);
     work.Check(run.trapped);
     if (!run.rows) {
-        Say(report.texts.noRowsText);
-        return kNothing;
+        SayOnStderr(report.texts.noRowsText);
+        return kStatementNothing;
     }
     // The CSV holds the statement as if one page held it all.
     WriteStatementOutputs(
@@ -83,7 +78,7 @@ int RunPagedStatement(const ReportDefinition& report, const StatementWork& work)
                  conditions});
         },
         [&] { work.Check(); });
-    return kRows;
+    return kStatementRows;
 }
 
 }  // namespace yunqi
